@@ -4,9 +4,8 @@
 // the image; no other file has one. Each uses only what stands above it, apart from the bases of
 // the class records, which are addresses. All run on the thread that loads the module.
 
-#include "diagnostics/FlowId.h"
+#include "diagnostics/ClassName.h"
 #include "diagnostics/KLoggerInitialiser.h"
-#include "diagnostics/MDiagnosticsRegistry.h"
 #include "diagnostics/MKLoggerAdapterInitialiser.h"
 #include "engine/MCommandProcessor.h"
 #include "engine/MCommandSynchronous.h"
@@ -28,14 +27,6 @@
 
 namespace
 {
-
-/// Names a class in the log by the literal that its locations use.
-struct ClassName {
-    explicit ClassName(const wchar_t* literal)
-    {
-        GetDiagnosticsRegistry()->RegisterClassName(FlowId(literal), literal);
-    }
-};
 
 // The log first, since everything after it may log.
 IN_START_ORDER MKLoggerAdapterInitialiser adapterInitialiser;
