@@ -51,7 +51,7 @@ ModuleCommandProcessor::~ModuleCommandProcessor()
     static MFlowLocation location(className, L"~ModuleCommandProcessor");
     location.SetObject(this).SetLine(__LINE__).LogDestruction();
     try {
-        Stop();
+        ModuleCommandProcessor::Stop();
     } catch (MException& exception) {
         location.SetObject(this).SetLine(__LINE__).DismissError(exception);
     }

@@ -13,7 +13,7 @@ namespace
 
 const ClassName registered(FileReader::className);
 
-const std::size_t bufferSize = 64 * 1024;
+const std::size_t bufferSize = 0x10000;
 
 [[noreturn]] void RaiseFileError(MFlowLocation& location, const wchar_t* literal,
                                  const std::wstring& path)
