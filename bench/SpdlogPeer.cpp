@@ -6,6 +6,8 @@
 #include <spdlog/logger.h>
 #include <spdlog/sinks/ringbuffer_sink.h>
 
+#include <windows.h>
+
 struct SpdlogPeer::Logger {
     spdlog::logger logger;
 };
@@ -23,10 +25,13 @@ void SpdlogPeer::LogTimingPoint(std::uint32_t a, std::uint32_t b)
     logger->logger.info("Timing_point ({}, {})", a, b);
 }
 
-void SpdlogPeer::LogTimingPointTimeless(std::uint32_t a, std::uint32_t b)
+void SpdlogPeer::LogTimingPointByCounter(std::uint32_t a, std::uint32_t b)
 {
+    LARGE_INTEGER ticks;
+    QueryPerformanceCounter(&ticks);
     spdlog::memory_buf_t text;
-    fmt::format_to(std::back_inserter(text), "Timing_point ({}, {})", a, b);
-    logger->logger.log(spdlog::log_clock::time_point(), spdlog::source_loc(), spdlog::level::info,
+    fmt::format_to(fmt::appender(text), "Timing_point ({}, {})", a, b);
+    logger->logger.log(spdlog::log_clock::time_point(spdlog::log_clock::duration(ticks.QuadPart)),
+                       spdlog::source_loc(), spdlog::level::info,
                        spdlog::string_view_t(text.data(), text.size()));
 }

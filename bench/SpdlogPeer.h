@@ -11,11 +11,12 @@ public:
     explicit SpdlogPeer(std::size_t capacity);
     ~SpdlogPeer();
 
-    /// The same event, with the same two numbers.
+    /// The same event, with the same two numbers, as the peer comes.
     void LogTimingPoint(std::uint32_t a, std::uint32_t b);
 
-    /// The same without reading a clock.
-    void LogTimingPointTimeless(std::uint32_t a, std::uint32_t b);
+    /// The same, but stamped by the performance counter, as our records are, instead of the
+    /// peer's own cheaper clock.
+    void LogTimingPointByCounter(std::uint32_t a, std::uint32_t b);
 
 private:
     struct Logger;

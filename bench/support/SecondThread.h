@@ -1,11 +1,12 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <thread>
 
-/// A thread that is already running when a measurement begins. It spins, so let it live only as
-/// long as it is needed.
+/// A thread that is already running when a measurement begins. It spins on the second processor,
+/// and keeps its maker on the first, so let it live only as long as it is needed.
 class SecondThread
 {
 public:
@@ -20,6 +21,7 @@ public:
 private:
     void Loop();
 
+    const std::uintptr_t makersProcessors; // that it may run on
     std::atomic<const std::function<void()>*> task;
     std::atomic<bool> ending;
     std::thread thread;
