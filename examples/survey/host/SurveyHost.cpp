@@ -78,11 +78,13 @@ bool SurveyHost::SurveyOne(std::uint32_t survey)
     const MExceptionSlot outcome = SurveyFile(path, survey, &progress, report);
 
     const std::uint32_t errors = outcome->GetErrorCount();
-    if (errors == 0)
-        ShowReport(path, report);
-    else
+    if (errors != 0) {
         ShowFailure(path, *outcome->GetError(static_cast<std::int32_t>(errors - 1)));
-    return errors == 0;
+        return false;
+    }
+    progress.AwaitCompletion();
+    ShowReport(path, report);
+    return true;
 }
 
 void SurveyHost::ShowReport(const std::wstring& path, const SurveyReport& report)

@@ -23,15 +23,21 @@ const wchar_t help[] =
 
 enum ExitCode { Complete = 0, Incomplete = 1, Usage = 2, Failed = 3 };
 
+std::wstring FailureCode(const MException& exception)
+{
+    const std::uint32_t errors = exception.GetErrorCount();
+    return errors == 0 ? L"(no error)"
+                       : exception.GetError(static_cast<std::int32_t>(errors - 1))
+                             ->GetMessageText()
+                             .c_str();
+}
+
 int RunHost(const Options& options)
 {
     try {
         return SurveyHost(options).Run() ? Complete : Incomplete;
     } catch (MException& exception) {
-        const std::uint32_t errors = exception.GetErrorCount();
-        if (errors != 0)
-            Console::Complain(
-                exception.GetError(static_cast<std::int32_t>(errors - 1))->GetCode().c_str());
+        Console::Complain(L"survey-host: the module failed: " + FailureCode(exception) + L"\n");
         return Failed;
     }
 }
