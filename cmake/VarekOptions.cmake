@@ -1,0 +1,24 @@
+# What every target of this build shares: the language as the framework means it, and the warnings.
+
+set(CMAKE_CXX_STANDARD 14)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+# The flags that carry meaning; whoever compiles framework headers needs them too.
+#   -fno-threadsafe-statics          a function-local static stands behind a plain guard
+#   -fno-delete-null-pointer-checks  operations that accept a null `this` keep their test
+#   -fcheck-new                      an allocator that answers null is seen
+add_library(varek_language INTERFACE)
+target_compile_options(varek_language INTERFACE
+    -fno-threadsafe-statics -fno-delete-null-pointer-checks -fcheck-new)
+target_compile_definitions(varek_language INTERFACE
+    _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
+# The compiler's run time is linked in, so that what is built imports system DLLs only.
+target_link_options(varek_language INTERFACE -static)
+
+# std::auto_ptr is part of the module's boundary, so its deprecation is no news here.
+add_library(varek_warnings INTERFACE)
+target_compile_options(varek_warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow=local -Wconversion -Werror -Wno-deprecated-declarations)

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <windows.h>
+
+/// A critical section that knows whether it is ready: until `Initialise`, entering and leaving do
+/// nothing. The thread that holds it may enter again. It is never deleted, since the log outlives
+/// everything that could delete it.
+class KLogLock
+{
+public:
+    void Initialise();
+    void Enter();
+    void Leave();
+
+private:
+    bool initialised = false;
+    CRITICAL_SECTION criticalSection;
+};

@@ -1,0 +1,121 @@
+#pragma once
+
+#include "diagnostics/KLogLock.h"
+#include "diagnostics/KLogRecord.h"
+
+#include <atomic>
+#include <cstdint>
+#include <iosfwd>
+#include <map>
+#include <string>
+
+#include <sys/timeb.h>
+
+/// The log core: a ring of the latest 131,072 events and the names that make them readable.
+///
+/// Recording an event claims a slot with one atomic addition and stores plain numbers: no lock, no
+/// allocation, no text, no failure. Text exists only while somebody takes a dump. There is one core
+/// a module; it is made at load, takes 5 MiB, and is never freed.
+///
+/// Names can be given and never changed: the first name of a key wins for good. Text is narrow.
+///
+/// Threads: everything may be called from any thread at any time, dumps beside writers included; a
+/// dump reads the ring as it stands and may show a line that mixes two events. `AddRecord`, the
+/// naming operations and `WriteDump` accept a null `this` and then do nothing.
+///
+/// Failure: naming allocates, so std::bad_alloc can leave it; the lock of that one map then stays
+/// held, and the next naming in the same map blocks.
+class KLogger
+{
+public:
+    /// The core of this module, made at the first call.
+    static KLogger* GetModuleLogger();
+
+    /// Makes a core with an empty ring. Raises std::bad_alloc when there is no memory for it.
+    KLogger();
+    KLogger(const KLogger&) = delete;
+    KLogger& operator=(const KLogger&) = delete;
+
+    /// Records one event, overwriting the oldest when the ring is full. `kind` is a core event
+    /// kind such as -7 for "Scope_push", not a flow event index.
+    void AddRecord(std::int32_t kind, std::uint32_t param1, std::uint32_t param2,
+                   std::uint32_t classId, std::uint32_t pointId, const void* object);
+
+    /// Names a class, a function or an error: the three share one space of ids.
+    void SetIdName(std::uint32_t id, const std::string& name);
+
+    /// Names a message, in the space of the state names.
+    void SetMessageName(std::uint32_t id, const std::string& name);
+
+    /// Names a state of a class. States below 100 keep clear of those of the next class id.
+    void SetClassStateName(std::uint32_t classId, std::uint32_t state, const std::string& name);
+
+    /// Names an object by its address.
+    void SetObjectName(const void* object, const std::string& name);
+
+    /// Names the calling thread. A later thread to which the system gives the same id inherits it.
+    void SetThreadName(const std::string& name);
+
+    /// Gives all names known here to `other`, which keeps those it already has. Two cores must not
+    /// copy to one another at the same moment.
+    void CopyNamesTo(KLogger& other);
+
+    /// Puts the text of one slot into `result`: two lines without a final line end. Empty for a
+    /// slot never written, "*OUT OF BOUNDS*" for an `index` beyond the ring. Times count from the
+    /// record in slot `referenceIndex`.
+    void FormatRecord(std::string& result, std::uint32_t index, std::uint32_t referenceIndex);
+
+    /// Writes header and records, oldest first, flushing after each. Lets no exception out: the
+    /// dump then ends where it stands.
+    void WriteDump(std::ostream& out);
+
+    /// Writes a dump to "C:\Temp\DebugDump.log", replacing the last one. False when the file
+    /// cannot be opened; nothing creates the directory.
+    bool WriteDumpFile();
+
+private:
+    typedef std::map<std::int32_t, std::string> Names;
+    typedef std::map<std::uint64_t, std::string> ObjectNames;
+
+    template <class Map>
+    static void Insert(Map& names, KLogLock& lock, typename Map::key_type key,
+                       const std::string& name);
+    template <class Map>
+    static void Copy(Map& from, KLogLock& fromLock, Map& to, KLogLock& toLock);
+    template <class Map>
+    static bool Find(const Map& names, KLogLock& lock, typename Map::key_type key,
+                     std::string& name);
+    template <class Map>
+    static std::string NameOr(const std::string& absent, const Map& names, KLogLock& lock,
+                              typename Map::key_type key);
+
+    static std::int32_t StateKey(std::uint32_t classId, std::uint32_t state);
+
+    std::uint32_t FindOldest() const;
+    std::string ComposeHeader(std::uint32_t oldest) const;
+    std::string ElapsedText(std::int64_t ticks) const;
+    void ComposeNames(std::ostream& text, const KLogRecord& record);
+    void ComposeParameters(std::ostream& text, const KLogRecord& record);
+    void ComposePoint(std::ostream& text, const KLogRecord& record);
+    void ComposeNumbers(std::ostream& text, const KLogRecord& record,
+                        const KLogRecord& reference) const;
+
+    KLogRecord* records;
+    std::int64_t counterFrequency;
+    struct __timeb64 startWallClock;
+    std::int64_t startCounter;
+    std::uint32_t capacity;
+    std::atomic<std::uint32_t> writeIndex; // running number of the last claimed slot
+    bool enabled;                          // for debuggers to see; it gates nothing
+    Names eventNames;                      // constant after construction, read without its lock
+    Names threadNames;
+    Names idNames;
+    Names stateNames;
+    ObjectNames objectNames;
+    KLogLock eventNamesLock;
+    KLogLock threadNamesLock;
+    KLogLock idNamesLock;
+    KLogLock stateNamesLock;
+    KLogLock objectNamesLock;
+    KLogLock spareLock;
+};

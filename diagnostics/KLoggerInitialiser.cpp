@@ -1,0 +1,8 @@
+#include "diagnostics/KLoggerInitialiser.h"
+
+#include "diagnostics/KLogger.h"
+
+KLoggerInitialiser::KLoggerInitialiser()
+{
+    KLogger::GetModuleLogger()->SetObjectName(this, "KLogger initialiser");
+}

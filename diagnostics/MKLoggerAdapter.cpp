@@ -1,0 +1,167 @@
+#include "diagnostics/MKLoggerAdapter.h"
+
+#include "diagnostics/KLogger.h"
+#include "diagnostics/StructuredGuard.h"
+
+namespace
+{
+
+const std::int32_t moduleAdded = -202;
+const std::int32_t moduleRemoved = -201;
+
+// The core event kinds, in the order of `FlowEvent`.
+const std::int32_t kinds[] = {0, -105, -104, -103, -14, -13, -25, -7, -8, 0, -102, -101, -21, -20};
+
+MKLoggerAdapter* instance = nullptr;
+
+// No code page: a character is its low 8 bits.
+std::string Narrow(const wchar_t* name)
+{
+    std::string narrow;
+    for (; *name; ++name)
+        narrow += static_cast<char>(*name);
+    return narrow;
+}
+
+} // namespace
+
+MKLoggerAdapter* MKLoggerAdapter::GetInstance()
+{
+    if (!instance)
+        instance = new MKLoggerAdapter(KLogger::GetModuleLogger());
+    return instance;
+}
+
+MFlowLoggerImplementation* MKLoggerAdapter::GetFlowLoggerImplementation()
+{
+    return GetInstance();
+}
+
+MDiagnosticsRegistryImplementation* MKLoggerAdapter::GetRegistryImplementation()
+{
+    return GetInstance();
+}
+
+MKLoggerAdapter::MKLoggerAdapter(KLogger* core) : core(core), attachedCore(nullptr) {}
+
+MKLoggerAdapter::~MKLoggerAdapter()
+{
+    if (instance == this)
+        instance = nullptr;
+}
+
+void MKLoggerAdapter::LogEvent(std::uint32_t eventIndex, std::uint32_t param1, std::uint32_t param2,
+                               std::uint32_t classId, std::uint32_t pointId, const void* object)
+{
+    const std::int32_t kind = kinds[eventIndex];
+    core->AddRecord(kind, param1, param2, classId, pointId, object);
+    if (attachedCore)
+        attachedCore->AddRecord(kind, param1, param2, classId, pointId, object);
+}
+
+void MKLoggerAdapter::DumpToStream(std::ostream& out)
+{
+    core->WriteDump(out);
+}
+
+bool MKLoggerAdapter::DumpToFile()
+{
+    struct Dump {
+        KLogger* core;
+        bool written;
+    } dump = {core, false};
+
+    const GuardedBody write = [](void* context) {
+        Dump& guarded = *static_cast<Dump*>(context);
+        guarded.written = guarded.core->WriteDumpFile();
+    };
+    const GuardFilter acceptAll = [](void*, _EXCEPTION_POINTERS*) -> long { return GuardAccept; };
+
+    return RunGuarded(write, acceptAll, &dump) && dump.written;
+}
+
+void MKLoggerAdapter::AttachLogger(MFlowLoggerImplementation* other)
+{
+    if (MKLoggerAdapter* const adapter = dynamic_cast<MKLoggerAdapter*>(other))
+        Attach(adapter->core);
+    else if (attachedCore)
+        Detach();
+}
+
+void MKLoggerAdapter::Attach(KLogger* other)
+{
+    RecordModule(core, moduleAdded, other);
+    attachedCore = other;
+    RecordModule(other, moduleAdded, core);
+    core->CopyNamesTo(*other);
+}
+
+void MKLoggerAdapter::Detach()
+{
+    KLogger* const other = attachedCore;
+    RecordModule(core, moduleRemoved, other);
+    attachedCore = nullptr;
+    RecordModule(other, moduleRemoved, core);
+}
+
+void MKLoggerAdapter::RecordModule(KLogger* core, std::int32_t kind, const KLogger* module)
+{
+    core->AddRecord(kind, 0, 0, 0, 0, module);
+}
+
+void MKLoggerAdapter::RegisterIdName(std::uint32_t id, const wchar_t* name)
+{
+    const std::string narrow = Narrow(name);
+    core->SetIdName(id, narrow);
+    if (attachedCore)
+        attachedCore->SetIdName(id, narrow);
+}
+
+void MKLoggerAdapter::RegisterClassName(std::uint32_t classId, const wchar_t* name)
+{
+    RegisterIdName(classId, name);
+}
+
+void MKLoggerAdapter::RegisterFunctionName(std::uint32_t, std::uint32_t functionId,
+                                           const wchar_t* name)
+{
+    RegisterIdName(functionId, name);
+}
+
+void MKLoggerAdapter::RegisterErrorName(std::uint32_t errorId, const wchar_t* name)
+{
+    RegisterIdName(errorId, name);
+}
+
+void MKLoggerAdapter::RegisterObjectName(const void* object, const wchar_t* name)
+{
+    const std::string narrow = Narrow(name);
+    core->SetObjectName(object, narrow);
+    if (attachedCore)
+        attachedCore->SetObjectName(object, narrow);
+}
+
+void MKLoggerAdapter::RegisterThreadName(const wchar_t* name)
+{
+    const std::string narrow = Narrow(name);
+    core->SetThreadName(narrow);
+    if (attachedCore)
+        attachedCore->SetThreadName(narrow);
+}
+
+void MKLoggerAdapter::RegisterStateName(std::uint32_t classId, std::uint32_t state,
+                                        const wchar_t* name)
+{
+    const std::string narrow = Narrow(name);
+    core->SetClassStateName(classId, state, narrow);
+    if (attachedCore)
+        attachedCore->SetClassStateName(classId, state, narrow);
+}
+
+void MKLoggerAdapter::RegisterMessageName(std::uint32_t messageId, const wchar_t* name)
+{
+    const std::string narrow = Narrow(name);
+    core->SetMessageName(messageId, narrow);
+    if (attachedCore)
+        attachedCore->SetMessageName(messageId, narrow);
+}

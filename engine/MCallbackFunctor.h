@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+
+/// A call to make later. There is no virtual destructor: whoever owns one frees it with plain
+/// `operator delete`, so a subclass holds plain data only.
+class MCallbackFunctor
+{
+public:
+    virtual void Invoke() = 0;
+
+protected:
+    ~MCallbackFunctor() = default;
+};
+
+/// A call of a member function, virtual dispatch included. The target is not owned.
+template <class X>
+class MCallbackFunctorImp final : public MCallbackFunctor
+{
+public:
+    MCallbackFunctorImp(X* target, void (X::*method)()) : target(target), method(method) {}
+
+    void Invoke() override { (target->*method)(); }
+
+private:
+    X* target;
+    void (X::*method)();
+};
+
+/// Frees a functor the way functors are freed.
+struct MCallbackFunctorDelete {
+    void operator()(MCallbackFunctor* functor) const { ::operator delete(functor); }
+};
+
+/// Owns a heap functor.
+typedef std::unique_ptr<MCallbackFunctor, MCallbackFunctorDelete> MCallbackFunctorPtr;
+
+/// A heap functor that calls `method` on `target`.
+template <class X>
+MCallbackFunctorPtr MakeFunctor(X* target, void (X::*method)())
+{
+    return MCallbackFunctorPtr(new MCallbackFunctorImp<X>(target, method));
+}

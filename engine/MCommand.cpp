@@ -1,0 +1,3 @@
+#include "engine/MCommand.h"
+
+MCommand::~MCommand() = default;

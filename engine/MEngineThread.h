@@ -1,0 +1,122 @@
+#pragma once
+
+#include "engine/IThreadErrorHandler.h"
+#include "engine/MCallbackFunctor.h"
+#include "engine/MMutex.h"
+#include "engine/PlatformEvent.h"
+#include "foundation/NonCopyable.h"
+
+#include <cstdint>
+#include <vector>
+
+class MFlowLocation;
+
+/// Life cycle of an engine thread. A thread that dies on its own stays "Running" until it is
+/// stopped.
+enum class EngineThreadState : std::uint32_t { Inactive, Starting, Running, Stopping };
+
+/// A background thread with start, flush and stop handshakes, whose work is to wait on a table of
+/// handles and call the functor that belongs to the one that is signalled.
+///
+/// The table holds up to 64 handles; the lowest signalled index wins, one functor a pass. Index 0
+/// is the flush request, index 1 the stop, so a subclass can add 62 of its own. A subclass supplies
+/// `ThreadFunction`, which does its set-up, calls `SignalThreadStarted` once, loops on
+/// `WaitForEvents` until `IsStopRequested`, and undoes its set-up:
+///
+///     void Pump::ThreadFunction()
+///     {
+///         SignalThreadStarted();
+///         do
+///             WaitForEvents(waitForEver);
+///         while (!IsStopRequested());
+///     }
+///
+/// Threads: `Start`, `Stop` and `Flush` may be called from any thread but the engine thread itself;
+/// they exclude one another and block until the handshake is done. Events are added before `Start`.
+///
+/// Failure: `Start`, `Stop` and `Flush` raise `MException`s whose Codes begin with
+/// "MEngineThread."; "WaitFailed" has the parameter "winErrorCode", "Unexpected" and "Abandoned"
+/// have "status". What goes wrong on the engine thread itself goes to the `IThreadErrorHandler`.
+///
+/// Ownership: stop a thread before destroying it, since the subclass that its functions belong to
+/// is gone by the time this destructor runs. After `Stop` it can be started again.
+class MEngineThread : private Selvan::Utilities::NonCopyable
+{
+public:
+    static const wchar_t className[];
+
+    /// Not started. `errorHandler` may be null, is not owned, and must outlive the thread.
+    explicit MEngineThread(IThreadErrorHandler* errorHandler);
+    virtual ~MEngineThread();
+
+    /// Starts the thread and returns when it runs. Raises "AlreadyRunning", "BeginThread" with
+    /// "errno", "ThreadExitedUnexpectedly", or a wait failure; the object is then "Inactive" (or,
+    /// for the first, as it was).
+    void Start();
+
+    /// Stops the thread and returns when it has ended; does nothing on an inactive one. Raises
+    /// "CannotStopSelf" or a wait failure; after the latter the state stays "Stopping" and `Stop`
+    /// may be tried again. "Abandoned" has no parameter here.
+    void Stop();
+
+    /// Returns when the engine thread has finished one `OnFlush`; does nothing on an inactive one.
+    /// Raises "CannotFlushSelf", "ThreadExitedUnexpectedly" or a wait failure.
+    void Flush();
+
+protected:
+    /// The body of the thread. An `MException` that leaves it goes to `OnSpontaneousError`;
+    /// anything else goes to `OnUnhandledException` and ends the process.
+    virtual void ThreadFunction() = 0;
+
+    /// Called on the engine thread for each `Flush`.
+    virtual void OnFlush() = 0;
+
+    /// Called on the engine thread when `Stop` has been asked for, before the loop is left.
+    virtual void OnStop() = 0;
+
+    /// Puts a handle at the end of the wait table. On success the functor is owned; the handle
+    /// never is. Raises "TooManyWaitableEvents", and the functor then stays the caller's.
+    void AddEvent(HANDLE event, MCallbackFunctor* functor);
+
+    /// The same for a functor that is given away in any case.
+    void AddEvent(HANDLE event, MCallbackFunctorPtr functor);
+
+    /// Waits up to `timeoutMs` for a handle of the table and calls its functor. False on time-out.
+    /// What the functor raises passes through; raises wait failures.
+    bool WaitForEvents(std::uint32_t timeoutMs);
+
+    /// Lets `Start` return.
+    void SignalThreadStarted();
+
+    bool IsStopRequested() const;
+    bool IsThreadActive() const;
+
+    /// Makes the object "Inactive" whatever happens, stopping the thread first if it runs; the
+    /// failures of that are dismissed. For destructors.
+    void ForceStop();
+
+private:
+    static unsigned __stdcall ThreadEntry(void* thread);
+
+    void CreateThread(MFlowLocation& location);
+    void AwaitThread(MFlowLocation& location, HANDLE event);
+    void AwaitEnd(MFlowLocation& location);
+    void ForgetThread();
+
+    void ChangeState(EngineThreadState newState);
+    void RunThreadFunction();
+    void OnFlushWrapper();
+    void OnStopWrapper();
+
+    EngineThreadState state;
+    MMutex stateMutex;
+    unsigned threadId;
+    HANDLE threadHandle;
+    PlatformEvent flushRequestEvent;
+    PlatformEvent stopEvent;
+    PlatformEvent threadStartedEvent;
+    PlatformEvent flushDoneEvent;
+    std::vector<HANDLE> waitHandles; // in order of dispatch
+    std::vector<MCallbackFunctorPtr> waitFunctors;
+    IThreadErrorHandler* errorHandler;
+};

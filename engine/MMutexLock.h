@@ -1,0 +1,16 @@
+#pragma once
+
+#include "engine/MMutex.h"
+
+/// Holds an `MMutex` from construction to the end of the block, however the block is left.
+class MMutexLock
+{
+public:
+    explicit MMutexLock(MMutex& mutex) : mutex(mutex) { mutex.Lock(); }
+    ~MMutexLock() { mutex.Unlock(); }
+    MMutexLock(const MMutexLock&) = delete;
+    MMutexLock& operator=(const MMutexLock&) = delete;
+
+private:
+    MMutex& mutex;
+};

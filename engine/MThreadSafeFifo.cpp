@@ -1,0 +1,124 @@
+#include "engine/MThreadSafeFifo.h"
+
+#include "foundation/MString.h"
+
+#include <cstddef>
+
+#include <windows.h>
+
+template <class T, class A>
+MThreadSafeFifo<T, A>::MThreadSafeFifo()
+    : buffer(nullptr), count(0), capacity(0), growBy(1), head(0), notEmptyEvent(EventReset::Manual)
+{
+}
+
+template <class T, class A>
+MThreadSafeFifo<T, A>::~MThreadSafeFifo()
+{
+    delete[] buffer;
+}
+
+template <class T, class A>
+bool MThreadSafeFifo<T, A>::Peek(T& element)
+{
+    MMutexLock guard(lock);
+    if (count == 0)
+        return false;
+    element = buffer[head % capacity];
+    return true;
+}
+
+template <class T, class A>
+bool MThreadSafeFifo<T, A>::Get(T& element)
+{
+    MMutexLock guard(lock);
+    if (count == 0)
+        return false;
+    element = buffer[head];
+    if (++head == capacity)
+        head = 0;
+    if (--count == 0)
+        ResetEvent(notEmptyEvent);
+    return true;
+}
+
+template <class T, class A>
+bool MThreadSafeFifo<T, A>::IsEmpty()
+{
+    return !Wait(0);
+}
+
+template <class T, class A>
+std::int32_t MThreadSafeFifo<T, A>::GetCount()
+{
+    MMutexLock guard(lock);
+    return count;
+}
+
+template <class T, class A>
+bool MThreadSafeFifo<T, A>::Wait(std::uint32_t timeoutMs)
+{
+    return WaitForSingleObject(notEmptyEvent, timeoutMs) == WAIT_OBJECT_0;
+}
+
+template <class T, class A>
+HANDLE MThreadSafeFifo<T, A>::GetEvent()
+{
+    return notEmptyEvent;
+}
+
+template <class T, class A>
+void MThreadSafeFifo<T, A>::Put(A element)
+{
+    MMutexLock guard(lock);
+    if (count == capacity)
+        GrowTo(capacity + growBy);
+    std::int32_t index = head + count;
+    if (index >= capacity)
+        index -= capacity;
+    buffer[index] = element;
+    ++count;
+    SetEvent(notEmptyEvent);
+}
+
+template <class T, class A>
+void MThreadSafeFifo<T, A>::Clear()
+{
+    MMutexLock guard(lock);
+    delete[] buffer;
+    buffer = nullptr;
+    count = capacity = head = 0;
+    ResetEvent(notEmptyEvent);
+}
+
+// Whatever the allocator throws, and a null result, count as exhausted memory.
+template <class T, class A>
+T* MThreadSafeFifo<T, A>::Allocate(std::int32_t capacity)
+{
+    T* fresh = nullptr;
+    try {
+        fresh = new T[static_cast<std::size_t>(capacity)];
+    } catch (...) {
+        fresh = nullptr;
+    }
+    if (!fresh)
+        RaiseOutOfMemory();
+    return fresh;
+}
+
+template <class T, class A>
+void MThreadSafeFifo<T, A>::GrowTo(std::int32_t newCapacity)
+{
+    if (newCapacity == capacity)
+        return;
+    T* const fresh = Allocate(newCapacity);
+    for (std::int32_t i = 0; i < count; ++i)
+        fresh[i] = buffer[(head + i) % capacity];
+    delete[] buffer;
+    buffer = fresh;
+    capacity = newCapacity;
+    head = 0;
+}
+
+template class MThreadSafeFifo<MCommand*, MCommand*>;
+template class MThreadSafeFifo<MDesyncEvent*, MDesyncEvent*>;

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// What the host's command line asks for.
+struct Options {
+    std::vector<std::wstring> paths;
+    bool help = false;
+    bool dump = false;
+    bool crash = false;
+
+    /// False, with the argument in `unknown`, when one is not understood.
+    static bool Parse(int argc, const wchar_t* const* argv, Options& options,
+                      std::wstring& unknown);
+};

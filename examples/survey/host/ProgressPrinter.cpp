@@ -1,0 +1,14 @@
+#include "examples/survey/host/ProgressPrinter.h"
+
+#include "examples/survey/host/Console.h"
+
+#include <sstream>
+
+ProgressPrinter::ProgressPrinter(const std::vector<std::wstring>& paths) : paths(paths) {}
+
+void ProgressPrinter::OnProgress(std::uint32_t survey, std::uint32_t percent)
+{
+    std::wostringstream line;
+    line << L"  ... " << paths[survey] << L" " << percent << L" %\n";
+    Console::Print(line.str());
+}

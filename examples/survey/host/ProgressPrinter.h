@@ -1,0 +1,19 @@
+#pragma once
+
+#include "examples/survey/module/ISurveyListener.h"
+
+#include <string>
+#include <vector>
+
+/// Prints the progress of surveys as it arrives, on the module's scheduler thread.
+class ProgressPrinter : public ISurveyListener
+{
+public:
+    /// The files, by the number of their survey.
+    explicit ProgressPrinter(const std::vector<std::wstring>& paths);
+
+    void OnProgress(std::uint32_t survey, std::uint32_t percent) override;
+
+private:
+    const std::vector<std::wstring>& paths;
+};

@@ -1,0 +1,58 @@
+#include "examples/survey/host/Console.h"
+#include "examples/survey/host/Options.h"
+#include "examples/survey/host/SurveyHost.h"
+#include "foundation/MException.h"
+
+#include <cstdlib>
+
+namespace
+{
+
+const wchar_t help[] =
+    L"usage: survey-host [OPTION...] [--] FILE...\n"
+    L"\n"
+    L"Surveys files on the engine thread of survey.dll: bytes, lines, words, longest line, "
+    L"CRC-32.\n"
+    L"\n"
+    L"  --dump   print the flight recorder at the end: the host's and the module's events\n"
+    L"  --crash  fault on the engine thread first, to see survey-host.dmp being written\n"
+    L"  --help   this text\n"
+    L"\n"
+    L"Exit codes: 0 all files were surveyed, 1 some could not be, 2 the command line is wrong,\n"
+    L"3 the module failed; after a fault, the code that Windows gives (0xC0000005 with --crash).\n";
+
+enum ExitCode { Complete = 0, Incomplete = 1, Usage = 2, Failed = 3 };
+
+int RunHost(const Options& options)
+{
+    try {
+        return SurveyHost(options).Run() ? Complete : Incomplete;
+    } catch (MException& exception) {
+        const std::uint32_t errors = exception.GetErrorCount();
+        if (errors != 0)
+            Console::Complain(
+                exception.GetError(static_cast<std::int32_t>(errors - 1))->GetCode().c_str());
+        return Failed;
+    }
+}
+
+} // namespace
+
+int wmain(int argc, wchar_t** argv)
+{
+    Options options;
+    std::wstring unknown;
+    if (!Options::Parse(argc, argv, options, unknown)) {
+        Console::Complain(L"survey-host: unknown option " + unknown + L"\n" + help);
+        return Usage;
+    }
+    if (options.help) {
+        Console::Print(help);
+        return Complete;
+    }
+    if (options.paths.empty() && !options.crash) {
+        Console::Complain(std::wstring(L"survey-host: no file given\n") + help);
+        return Usage;
+    }
+    return RunHost(options);
+}

@@ -1,0 +1,3 @@
+#include "foundation/MDynClass.h"
+
+MDynClass::MDynClass(const MString& name, const MDynClass* base) : name(name), base(base) {}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "foundation/MDynObject.h"
+#include "foundation/MString.h"
+
+#include <cstdint>
+#include <map>
+
+class MFilerTaggedPair;
+
+/// The one description of a failure: a Code that says where and what, and named parameters, text to
+/// text, with the details.
+///
+/// A Code reads class, point, function, colon, short code, as in `MEngineThread.Start:BeginThread`;
+/// code that reacts to a particular failure searches it. An error is a value: it is built on the
+/// stack by `MFlowLocation::RaiseRootError`, filled, thrown inside an `MException`, which keeps a
+/// clone, and dies. It belongs to one thread at a time. Allocation failures leave as they come.
+class MError : public MDynObject
+{
+public:
+    typedef std::map<MString, MString, MStringLess> Parameters;
+
+    static const MDynClass dynClass;
+
+    /// No Code and no parameters.
+    MError();
+    explicit MError(const MString& code);
+
+    /// A deep copy; of a subclass's object it is a plain `MError` (`Clone` keeps the class).
+    MError(const MError&) = default;
+    MError& operator=(const MError&) = default;
+    ~MError() override;
+
+    const MDynClass* GetDynClass() const override;
+    MDynObject* Clone() const override;
+    MDynObject* CreateInstance() const override;
+
+    /// Reads the error from a filer. False when that fails.
+    virtual bool Read(MFilerTaggedPair& filer, const MString& tagName, const MError& defaultError);
+
+    /// Files the error. False when that fails.
+    virtual bool Write(MFilerTaggedPair& filer, const MString& tagName) const;
+
+    /// What to show a person: the Code, or "Unspecified error" when there is none.
+    virtual MString GetMessageText() const;
+
+    /// Empty unless a subclass has more to say.
+    virtual MString GetDetailText() const;
+
+    /// Empty unless a subclass carries a filed exception chain, which an `MException` made from it
+    /// then unfolds.
+    virtual MString GetChainText() const;
+
+    const MString& GetCode() const { return code; }
+    const Parameters& GetParameters() const { return parameters; }
+
+    /// Adds a parameter unless the name is taken: the first value of a name stays.
+    void AddParameter(const wchar_t* name, const MString& value);
+
+    /// Adds a number in decimal.
+    void AddParameter(const wchar_t* name, std::int32_t value);
+
+    /// Adds a number in decimal or, when `hexadecimal`, as eight lower-case digits and an "h".
+    void AddParameter(const wchar_t* name, std::uint32_t value, bool hexadecimal);
+
+private:
+    MString code;
+    Parameters parameters;
+};
+
+/// The Code of a failure. Each text may be null or empty, and then goes together with the separator
+/// in front of it.
+MString ComposeErrorCode(const wchar_t* className, const wchar_t* functionName,
+                         const wchar_t* code);

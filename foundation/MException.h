@@ -1,0 +1,69 @@
+#pragma once
+
+#include "foundation/MError.h"
+
+#include <cstdint>
+#include <exception>
+#include <list>
+#include <memory>
+
+class MFilerTaggedPair;
+
+/// The one exception type of the system: a chain of errors, from the oldest cause to the newest
+/// failure. The last entry is the failure itself:
+///
+///     catch (MException& exception) {
+///         const MError* failure = exception.GetError(exception.GetErrorCount() - 1);
+///         ... failure->GetCode(), failure->GetParameters() ...
+///         location.SetObject(this).SetLine(__LINE__).DismissError(exception);
+///     }
+///
+/// `what` says nothing of the chain. Catch by reference; a handler that swallows the failure
+/// records that with `DismissError`. An exception belongs to one thread at a time and crosses
+/// threads as a copy. Building and copying allocate, and let allocation failures out.
+class MException : public std::exception
+{
+public:
+    /// An empty chain.
+    MException();
+
+    /// The chain that `error` carries, if it carries one, and then a clone of `error`.
+    explicit MException(const MError& error);
+
+    /// Clones every entry but the null ones.
+    MException(const MException& other);
+    ~MException() override;
+    MException& operator=(const MException&) = delete;
+
+    /// Appends a clone of `error`; a null entry when the clone could not be had.
+    void AddError(const MError& error);
+
+    /// Number of entries, null ones included.
+    std::uint32_t GetErrorCount() const;
+
+    /// The entry at `index`, counted from the first; still owned by the exception. Null when there
+    /// is none, or when the entry itself is null.
+    const MError* GetError(std::int32_t index) const;
+
+    /// Takes over what `temporary` holds and destroys the errors held so far. `temporary` must not
+    /// be used afterwards. This is the way to assign.
+    void TakeFrom(MException& temporary);
+
+    /// Called by `DismissError`; does nothing.
+    void Dismiss(const wchar_t* className, const wchar_t* functionName) const;
+
+    /// Files the chain. False when that fails.
+    bool Write(MFilerTaggedPair& filer, const MString& tagName) const;
+    bool WriteErrors(MFilerTaggedPair& filer) const;
+
+    /// Reads the chain. False when that fails.
+    bool ReadErrors(MFilerTaggedPair& filer, const MException& defaultException);
+
+private:
+    typedef std::list<std::unique_ptr<MError>> Chain;
+
+    std::unique_ptr<Chain> chain; // absent only when its allocation answered null
+};
+
+/// Throws a copy of `exception`.
+[[noreturn]] void ThrowException(const MException& exception);

@@ -1,0 +1,138 @@
+#include "module/ModuleCommandProcessor.h"
+
+#include "diagnostics/MDiagnosticsRegistry.h"
+#include "diagnostics/MFlowLocation.h"
+#include "engine/MMutexLock.h"
+#include "foundation/MException.h"
+
+#include <utility>
+
+const wchar_t ModuleCommandProcessor::className[] = L"ModuleCommandProcessor";
+
+namespace
+{
+
+const std::uint32_t idleTimeoutMs = 10000;
+
+std::uint32_t LowBits(const void* pointer)
+{
+    return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(pointer));
+}
+
+/// Registering what is registered already changes nothing.
+template <class Callback>
+void Replace(Callback& stored, Callback fresh)
+{
+    if (stored.get() == fresh.get())
+        fresh.release();
+    else
+        stored = std::move(fresh);
+}
+
+} // namespace
+
+ModuleCommandProcessor& ModuleCommandProcessor::GetInstance()
+{
+    static ModuleCommandProcessor instance;
+    instance.Start();
+    return instance;
+}
+
+ModuleCommandProcessor::ModuleCommandProcessor() : lifecycleDone(false)
+{
+    static MFlowLocation location(className, className);
+    location.SetObject(this).SetLine(__LINE__).LogConstruction();
+    GetDiagnosticsRegistry()->RegisterObjectName(this, L"singleton of the module");
+}
+
+// In a process that ends without a shutdown the threads are gone already, and stopping them fails.
+ModuleCommandProcessor::~ModuleCommandProcessor()
+{
+    static MFlowLocation location(className, L"~ModuleCommandProcessor");
+    location.SetObject(this).SetLine(__LINE__).LogDestruction();
+    try {
+        ModuleCommandProcessor::Stop();
+    } catch (MException& exception) {
+        location.SetObject(this).SetLine(__LINE__).DismissError(exception);
+    }
+}
+
+void ModuleCommandProcessor::Start()
+{
+    static MFlowLocation location(className, L"Start");
+    if (this == nullptr || lifecycleDone)
+        return;
+    location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
+    MMutexLock lock(lifecycleMutex);
+    if (lifecycleDone)
+        return;
+    moduleReference.Hold();
+    StartScheduler();
+    StartProcessor();
+    lifecycleDone = true;
+}
+
+void ModuleCommandProcessor::StartScheduler()
+{
+    desyncScheduler.reset(new MDesyncEventScheduler(this));
+    GetDiagnosticsRegistry()->RegisterObjectName(desyncScheduler.get(),
+                                                 L"scheduler of outgoing callbacks");
+    desyncScheduler->Enable();
+}
+
+void ModuleCommandProcessor::StartProcessor()
+{
+    MCallbackFunctorPtr idle = MakeFunctor(this, &ModuleCommandProcessor::OnCommandProcessorIdle);
+    commandProcessor.reset(
+        new MCommandProcessor(this, nullptr, nullptr, idle.release(), idleTimeoutMs));
+    commandProcessor->Start();
+    GetDiagnosticsRegistry()->RegisterObjectName(commandProcessor.get(),
+                                                 L"processor of the module's commands");
+}
+
+void ModuleCommandProcessor::Stop()
+{
+    static MFlowLocation location(className, L"Stop");
+    if (this == nullptr)
+        return;
+    location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
+    MMutexLock lock(lifecycleMutex);
+    if (lifecycleDone) {
+        commandProcessor->Stop();
+        desyncScheduler->Disable();
+        moduleReference.Drop();
+    }
+    lifecycleDone = true;
+}
+
+void ModuleCommandProcessor::OnCommandProcessorIdle() {}
+
+void ModuleCommandProcessor::OnSpontaneousError(const MException&)
+{
+    static MFlowLocation location(className, L"OnSpontaneousError");
+    if (this == nullptr)
+        return;
+    MFlowScope scope(location.SetObject(this), LowBits(spontaneousErrorCallback.get()));
+    if (spontaneousErrorCallback)
+        (*spontaneousErrorCallback)(std::wstring());
+}
+
+void ModuleCommandProcessor::OnUnhandledException(_EXCEPTION_POINTERS* pointers)
+{
+    static MFlowLocation location(className, L"OnUnhandledException");
+    if (this == nullptr)
+        return;
+    MFlowScope scope(location.SetObject(this), LowBits(crashCallback.get()));
+    if (crashCallback)
+        (*crashCallback)(pointers);
+}
+
+void ModuleCommandProcessor::RegisterCallbacks(SpontaneousErrorCallback onSpontaneousError,
+                                               CrashCallback onCrash)
+{
+    static MFlowLocation location(className, L"RegisterFatalErrorHandlers");
+    MFlowScope scope(location.SetObject(this), LowBits(onSpontaneousError.get()),
+                     LowBits(onCrash.get()));
+    Replace(spontaneousErrorCallback, std::move(onSpontaneousError));
+    Replace(crashCallback, std::move(onCrash));
+}
