@@ -81,13 +81,15 @@ KLogger::KLogger()
 }
 
 // The lock is not released when the insertion throws: a map that ran out of memory in mid-change
-// is closed to everybody rather than read.
+// is closed to everybody rather than read. A name that is there already takes no memory.
 template <class Map>
 void KLogger::Insert(Map& names, KLogLock& lock, typename Map::key_type key,
                      const std::string& name)
 {
     lock.Enter();
-    names.emplace(key, name);
+    const typename Map::iterator place = names.lower_bound(key);
+    if (place == names.end() || place->first != key)
+        names.emplace_hint(place, key, name);
     lock.Leave();
 }
 

@@ -48,16 +48,6 @@ MDynObject* MError::CreateInstance() const
     return new MError;
 }
 
-bool MError::Read(MFilerTaggedPair&, const MString&, const MError&)
-{
-    return false;
-}
-
-bool MError::Write(MFilerTaggedPair&, const MString&) const
-{
-    return false;
-}
-
 MString MError::GetMessageText() const
 {
     return code.IsEmpty() ? MString(L"Unspecified error") : code;
