@@ -92,7 +92,10 @@ void SurveyHost::ShowReport(const std::wstring& path, const SurveyReport& report
     std::wostringstream text;
     text << path << L"\n  bytes " << report.bytes << L", lines " << report.lines << L", words "
          << report.words << L", longest line " << report.longestLine << L", crc32 " << std::hex
-         << std::setfill(L'0') << std::setw(8) << report.crc32 << L"\n";
+         << std::setfill(L'0') << std::setw(8) << report.crc32 << std::dec << L"\n";
+    if (report.xml.isXml)
+        text << L"  xml, " << (report.xml.wellFormed ? L"well-formed" : report.xml.finding.c_str())
+             << L"; elements " << report.xml.elements << L", depth " << report.xml.depth << L"\n";
     Console::Print(text.str());
 }
 

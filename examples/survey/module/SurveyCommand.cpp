@@ -6,6 +6,7 @@
 #include "examples/survey/module/FileReader.h"
 #include "examples/survey/module/SurveyProgressEvent.h"
 #include "examples/survey/module/TextCounter.h"
+#include "examples/survey/module/XmlSurvey.h"
 #include "module/ModuleCommandProcessor.h"
 
 #include <memory>
@@ -36,14 +37,17 @@ void SurveyCommand::Execute()
     FileReader file(path);
     TextCounter counter;
     Crc32 crc;
+    XmlSurvey xml;
     while (file.ReadNext()) {
         counter.Add(file.GetData(), file.GetSize());
         crc.Add(file.GetData(), file.GetSize());
+        xml.Add(file.GetData(), file.GetSize());
         ReportProgress(file.GetPercent());
     }
     ReportProgress(100);
     report = counter.GetReport();
     report.crc32 = crc.GetValue();
+    report.xml = xml.GetReport();
 }
 
 /// One event a quarter of the file: the engine thread goes on while it is delivered.
