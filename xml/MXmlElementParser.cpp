@@ -1,0 +1,191 @@
+#include "xml/MXmlElementParser.h"
+#include "xml/MXmlMarkup.h"
+
+MXmlElementParser::MXmlElementParser(MXmlMarkup& markup, std::int32_t startRecord,
+                                     MXmlTokenCursor& freshCursor)
+    : document(markup), cursor(freshCursor),
+      open(cursor.text, (cursor.flags & XmlDocIgnoreCase) != 0, startRecord),
+      startLevel(document.records[startRecord].Level())
+{
+}
+
+std::int32_t MXmlElementParser::Run()
+{
+    for (;;) {
+        switch (ScanXmlNode(cursor, scan)) {
+        case XmlNodeElement:
+            OnStartTag();
+            break;
+        case XmlScanEndTag:
+            OnEndTag();
+            break;
+        case XmlScanIllFormed:
+            OnIllFormedNode();
+            break;
+        case XmlScanEndOfText:
+            OnEndOfText();
+            return firstElement;
+        default:
+            break;
+        }
+    }
+}
+
+void MXmlElementParser::OnStartTag()
+{
+    MXmlOpenElement& parent = open.Top();
+    const std::int32_t added = AddRecord(parent);
+    if (parent.firstChild == 0)
+        parent.firstChild = added;
+    else
+        Record(parent.lastChild).nextSibling = added;
+    parent.lastChild = added;
+    if (firstElement == 0)
+        firstElement = added;
+    if ((scan.flags & XmlScanEmptyElement) == 0)
+        open.Push({added, cursor.start, cursor.TokenLength(), 0, 0});
+}
+
+std::int32_t MXmlElementParser::AddRecord(const MXmlOpenElement& parent)
+{
+    const std::int32_t added = document.TakeRecord();
+    const bool first = parent.firstChild == 0;
+    MXmlElementRecord& record = Record(added);
+    record.start = scan.start;
+    record.length = scan.length;
+    record.tagLengths = static_cast<std::uint32_t>(scan.length) & MXmlElementRecord::StartTagMask;
+    record.flagsAndLevel =
+        ((startLevel + static_cast<std::uint32_t>(open.Depth())) & MXmlElementRecord::LevelMask) |
+        (first ? XmlElementFirstChild : 0u);
+    record.parent = parent.record;
+    record.firstChild = 0;
+    record.nextSibling = 0;
+    record.previousSibling = first ? added : parent.lastChild;
+    return added;
+}
+
+void MXmlElementParser::OnEndTag()
+{
+    const std::int32_t depth = open.FindNewest(cursor.Token(), cursor.TokenLength());
+    if (depth != 0) {
+        if (depth != open.Depth())
+            Dissolve(depth);
+        Close(depth);
+        return;
+    }
+    MarkIllFormed();
+    if (!HasFinding())
+        Note(L"No start tag for end tag '" + TokenName() + L"' at offset " +
+             std::to_wstring(scan.start));
+}
+
+void MXmlElementParser::Close(std::int32_t depth)
+{
+    MXmlOpenElement& element = open[depth];
+    MXmlElementRecord& record = Record(element.record);
+    record.length = scan.End() - record.start;
+    record.SetEndTagLength(scan.length);
+    KeepChildren(element);
+    open.PopTo(depth - 1);
+}
+
+// The first child's link to the last one is written once, and not moved on with each child.
+void MXmlElementParser::KeepChildren(MXmlOpenElement& element)
+{
+    if (element.firstChild == 0)
+        return;
+    Record(element.record).firstChild = element.firstChild;
+    Record(element.firstChild).previousSibling = element.lastChild;
+}
+
+void MXmlElementParser::OnIllFormedNode()
+{
+    MarkIllFormed();
+    if (!HasFinding())
+        Note(scan.Message());
+}
+
+void MXmlElementParser::OnEndOfText()
+{
+    if (open.Depth() != 0)
+        Dissolve(0);
+    KeepChildren(open[0]);
+}
+
+void MXmlElementParser::MarkIllFormed()
+{
+    Record(open[0].record).Set(XmlElementDocumentIllFormed);
+    Record(open.Top().record).Set(XmlElementIllFormed);
+}
+
+// The elements above `depth` end with their start tags, and what seemed to be their children comes
+// behind them, all in one chain under the element at `depth`. Each open element is the last child
+// of the one before it, so one walk outward in makes the chain in the order of the text. The last
+// child that `depth` is known to have stays the outermost dissolved element.
+void MXmlElementParser::Dissolve(std::int32_t depth)
+{
+    if (!HasFinding())
+        NoteUnclosed(depth);
+    Record(open[0].record).Set(XmlElementDocumentIllFormed);
+    MXmlElementRecord& parent = Record(open[depth].record);
+    std::int32_t last = open[depth + 1].record;
+    for (std::int32_t i = depth + 1; i <= open.Depth(); ++i) {
+        MXmlElementRecord& dissolved = Record(open[i].record);
+        if (dissolved.Has(XmlElementIllFormed))
+            parent.Set(XmlElementIllFormed);
+        DissolveTag(dissolved);
+        for (std::int32_t child = open[i].firstChild; child != 0;) {
+            MXmlElementRecord& moved = Record(child);
+            moved.parent = open[depth].record;
+            moved.previousSibling = last;
+            Record(last).nextSibling = child;
+            last = child;
+            child = moved.nextSibling;
+        }
+    }
+}
+
+void MXmlElementParser::DissolveTag(MXmlElementRecord& record)
+{
+    record.Clear(XmlElementIllFormed);
+    record.Set(XmlElementNoEndTag);
+    record.SetEndTagLength(0);
+    record.length = record.StartTagLength();
+}
+
+void MXmlElementParser::NoteUnclosed(std::int32_t depth)
+{
+    const MXmlOpenElement& top = open.Top();
+    const std::wstring offset = std::to_wstring(Record(top.record).start);
+    if (depth == 0)
+        Note(L"Element '" + OpenName(top) + L"' at offset " + offset + L" not ended");
+    else
+        Note(L"End tag '" + TokenName() + L"' at offset " + std::to_wstring(cursor.start - 1) +
+             L" does not match start tag '" + OpenName(top) + L"' at offset " + offset);
+}
+
+void MXmlElementParser::Note(const std::wstring& finding)
+{
+    document.errorText = finding;
+}
+
+bool MXmlElementParser::HasFinding() const
+{
+    return !document.errorText.empty();
+}
+
+MXmlElementRecord& MXmlElementParser::Record(std::int32_t index)
+{
+    return document.records[index];
+}
+
+std::wstring MXmlElementParser::TokenName() const
+{
+    return std::wstring(cursor.Token(), static_cast<std::size_t>(cursor.TokenLength()));
+}
+
+std::wstring MXmlElementParser::OpenName(const MXmlOpenElement& element) const
+{
+    return std::wstring(cursor.text + element.nameStart,
+                        static_cast<std::size_t>(element.nameLength));
+}

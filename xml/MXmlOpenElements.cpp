@@ -1,0 +1,115 @@
+#include "xml/MXmlOpenElements.h"
+#include "xml/XmlCharacters.h"
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr std::uint64_t EmptyHash = 0xCBF29CE484222325;
+
+} // namespace
+
+MXmlOpenElements::MXmlOpenElements(const wchar_t* source, bool ignoresCase,
+                                   std::int32_t startRecord)
+    : text(source), ignoreCase(ignoresCase)
+{
+    entries.reserve(6);
+    entries.push_back({startRecord, 0, 0, 0, 0});
+}
+
+void MXmlOpenElements::Push(const MXmlOpenElement& element)
+{
+    if (entries.size() == entries.capacity())
+        entries.reserve(entries.size() * 2 + 6);
+    entries.push_back(element);
+}
+
+void MXmlOpenElements::PopTo(std::int32_t depth)
+{
+    entries.resize(static_cast<std::size_t>(depth) + 1);
+    if (indexedDepth > depth)
+        DropKeysAbove(depth);
+}
+
+std::int32_t MXmlOpenElements::FindNewest(const wchar_t* name, std::int32_t length)
+{
+    const std::int32_t far = std::max(Depth() - Nearby, 0);
+    for (std::int32_t depth = Depth(); depth > far; --depth) {
+        if (Matches(depth, name, length))
+            return depth;
+    }
+    if (far == 0)
+        return 0;
+    IndexEntries();
+    return FindIndexed(name, length);
+}
+
+bool MXmlOpenElements::Matches(std::int32_t depth, const wchar_t* name, std::int32_t length) const
+{
+    const MXmlOpenElement& entry = entries[static_cast<std::size_t>(depth)];
+    const wchar_t* entryName = text + entry.nameStart;
+    return length <= entry.nameLength &&
+           XmlCharacters::Equal(entryName, name, length, ignoreCase) &&
+           (length == entry.nameLength || XmlCharacters::MayFollowMatch(entryName[length]));
+}
+
+void MXmlOpenElements::IndexEntries()
+{
+    while (indexedDepth < Depth())
+        AddKeys(++indexedDepth);
+}
+
+void MXmlOpenElements::AddKeys(std::int32_t depth)
+{
+    const MXmlOpenElement& entry = entries[static_cast<std::size_t>(depth)];
+    const wchar_t* name = text + entry.nameStart;
+    std::uint64_t hash = EmptyHash;
+    for (std::int32_t i = 0; i < entry.nameLength; ++i) {
+        if (i > 0 && XmlCharacters::MayFollowMatch(name[i]))
+            AddKey(hash, depth);
+        hash = Extend(hash, name[i]);
+    }
+    AddKey(hash, depth);
+}
+
+void MXmlOpenElements::AddKey(std::uint64_t hash, std::int32_t depth)
+{
+    std::int32_t& newest = newestKey[hash];
+    keys.push_back({hash, depth, newest});
+    newest = static_cast<std::int32_t>(keys.size());
+}
+
+void MXmlOpenElements::DropKeysAbove(std::int32_t depth)
+{
+    for (; !keys.empty() && keys.back().depth > depth; keys.pop_back()) {
+        const Key& key = keys.back();
+        if (key.older == 0)
+            newestKey.erase(key.hash);
+        else
+            newestKey[key.hash] = key.older;
+    }
+    indexedDepth = depth;
+}
+
+std::int32_t MXmlOpenElements::FindIndexed(const wchar_t* name, std::int32_t length) const
+{
+    std::uint64_t hash = EmptyHash;
+    for (std::int32_t i = 0; i < length; ++i)
+        hash = Extend(hash, name[i]);
+    const auto newest = newestKey.find(hash);
+    std::int32_t place = newest == newestKey.end() ? 0 : newest->second;
+    while (place != 0) {
+        const Key& key = keys[static_cast<std::size_t>(place) - 1];
+        if (Matches(key.depth, name, length))
+            return key.depth;
+        place = key.older;
+    }
+    return 0;
+}
+
+std::uint64_t MXmlOpenElements::Extend(std::uint64_t hash, wchar_t c) const
+{
+    const wchar_t folded = ignoreCase ? XmlCharacters::Fold(c) : c;
+    return (hash ^ static_cast<std::uint64_t>(folded)) * 0x100000001B3;
+}

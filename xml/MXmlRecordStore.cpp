@@ -1,0 +1,46 @@
+#include "xml/MXmlRecordStore.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+
+void MXmlRecordStore::Grow(std::int64_t count)
+{
+    if (recordCapacity >= count)
+        return;
+    const std::int32_t oldLast = recordCapacity == 0 ? 0 : (recordCapacity - 1) >> SegmentShift;
+    std::int64_t newLast = (count - 1) >> SegmentShift;
+    if (newLast > oldLast + 1) {
+        newLast = oldLast + 1;
+        count = (newLast + 1) * SegmentRecords;
+    }
+    if (count > std::numeric_limits<std::int32_t>::max())
+        throw std::length_error("MXmlRecordStore: too many elements");
+
+    const std::int32_t last = static_cast<std::int32_t>(newLast);
+    const std::int32_t held = recordCapacity - oldLast * SegmentRecords;
+    if (segmentSlots <= last)
+        GrowSlots(last);
+    if (last > oldLast && held < SegmentRecords)
+        ReallocateSegment(oldLast, held, SegmentRecords);
+    ReallocateSegment(last, last == oldLast ? held : 0,
+                      static_cast<std::int32_t>(count - newLast * SegmentRecords));
+    recordCapacity = static_cast<std::int32_t>(count);
+}
+
+void MXmlRecordStore::GrowSlots(std::int32_t lastSegment)
+{
+    const std::int32_t slots = lastSegment * 2 + 4;
+    std::unique_ptr<Segment[]> grown(new Segment[static_cast<std::size_t>(slots)]);
+    std::move(segments.get(), segments.get() + segmentSlots, grown.get());
+    segments = std::move(grown);
+    segmentSlots = slots;
+}
+
+void MXmlRecordStore::ReallocateSegment(std::int32_t segment, std::int32_t used,
+                                        std::int32_t wanted)
+{
+    Segment grown(new MXmlElementRecord[static_cast<std::size_t>(wanted)]);
+    std::copy_n(segments[segment].get(), used, grown.get());
+    segments[segment] = std::move(grown);
+}

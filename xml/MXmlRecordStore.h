@@ -1,0 +1,53 @@
+#pragma once
+
+#include "xml/MXmlElementRecord.h"
+#include <memory>
+
+/// The element records of one document, in segments of 65,536 records (2 MiB), so that growth never
+/// copies more than one segment. Only the last segment is ever short.
+///
+/// Growth moves the records of the last segment: keep no reference to a record across `Grow`.
+/// Records of a new place are not initialised. Not for several threads at once.
+class MXmlRecordStore
+{
+public:
+    static constexpr std::int32_t SegmentRecords = 65536;
+
+    MXmlRecordStore() = default;
+    MXmlRecordStore(const MXmlRecordStore&) = delete;
+    MXmlRecordStore& operator=(const MXmlRecordStore&) = delete;
+
+    MXmlElementRecord& operator[](std::int32_t index)
+    {
+        return segments[static_cast<std::uint32_t>(index) >> SegmentShift][index & SegmentMask];
+    }
+
+    const MXmlElementRecord& operator[](std::int32_t index) const
+    {
+        return segments[static_cast<std::uint32_t>(index) >> SegmentShift][index & SegmentMask];
+    }
+
+    /// Number of records that the store can hold.
+    std::int32_t Capacity() const { return recordCapacity; }
+
+    /// Length of the array of segments.
+    std::int32_t SegmentSlots() const { return segmentSlots; }
+
+    /// Makes room for `count` records, but goes at most to the end of the next segment; does
+    /// nothing if there is room already. Throws `std::bad_alloc`, or `std::length_error` past the
+    /// 32,767th segment; either way the records are as before.
+    void Grow(std::int64_t count);
+
+private:
+    using Segment = std::unique_ptr<MXmlElementRecord[]>;
+
+    static constexpr int SegmentShift = 16;
+    static constexpr std::int32_t SegmentMask = SegmentRecords - 1;
+
+    void GrowSlots(std::int32_t lastSegment);
+    void ReallocateSegment(std::int32_t segment, std::int32_t used, std::int32_t wanted);
+
+    std::unique_ptr<Segment[]> segments;
+    std::int32_t recordCapacity = 0;
+    std::int32_t segmentSlots = 0;
+};

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+
+/// In `MXmlTokenCursor::flags`, beside the document flags: the current token was in quotes.
+constexpr std::uint32_t XmlCursorQuoted = 0x8000;
+
+/// A place in a text while tokens, attributes or nodes are read from it. The text belongs to the
+/// caller, ends with a zero and must outlive the cursor.
+struct MXmlTokenCursor {
+    /// A fresh cursor, at the front of a text of `length` characters.
+    MXmlTokenCursor(const wchar_t* source, std::int32_t length, std::uint32_t documentFlags)
+        : text(source), textLength(length), flags(documentFlags)
+    {
+    }
+
+    std::int32_t TokenLength() const { return end - start + 1; }
+    const wchar_t* Token() const { return text + start; }
+    bool Quoted() const { return (flags & XmlCursorQuoted) != 0; }
+
+    /// Offset of the current token's first character.
+    std::int32_t start = 0;
+    /// Offset of its last character.
+    std::int32_t end = -1;
+    /// Where reading goes on.
+    std::int32_t next = 0;
+    const wchar_t* text;
+    std::int32_t textLength;
+    /// Document flags (`XmlDocIgnoreCase`) and `XmlCursorQuoted`.
+    std::uint32_t flags;
+    /// Set by a match of `MXmlMarkup::FindAttribute`: where the white space before the name begins.
+    std::int32_t matchStart = 0;
+    /// Likewise: the length of that white space.
+    std::int32_t matchSpace = 0;
+};

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <cstdint>
+
+/// Offset of the first `first` or `second` in the text at or behind `from`, or `length` if there is
+/// none. Made for runs of any length, short ones included.
+std::int32_t FindEitherCharacter(const wchar_t* text, std::int32_t from, std::int32_t length,
+                                 wchar_t first, wchar_t second);
