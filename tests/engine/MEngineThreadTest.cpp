@@ -36,14 +36,16 @@ std::string StatesOf(const MEngineThread& thread)
     return states;
 }
 
-/// Closes the handle that an engine thread object keeps of its thread, so that waits on it fail.
-void CloseHandleOfThread(DWORD threadId)
+/// Closes every handle of a thread but one of the caller's own, which it gives; waits on the handle
+/// that the engine thread object keeps then fail.
+HANDLE CloseHandlesOfThread(DWORD threadId)
 {
-    for (HANDLE handle : ListHandles())
-        if (GetThreadId(handle) == threadId) {
+    const std::vector<HANDLE> handles = ListHandles();
+    const HANDLE ours = OpenThread(SYNCHRONIZE, FALSE, threadId);
+    for (HANDLE handle : handles)
+        if (GetThreadId(handle) == threadId)
             CloseHandle(handle);
-            return;
-        }
+    return ours;
 }
 
 const HANDLE noHandle = reinterpret_cast<HANDLE>(0x7FFFFFF0);
@@ -253,8 +255,7 @@ TEST(MEngineThread, FailedStopCanBeTriedAgainUntilForceStopGivesUp)
         thread.SignalThreadStarted();
     };
     thread.Start();
-    CloseHandleOfThread(threadId);
-    const HANDLE ours = OpenThread(SYNCHRONIZE, FALSE, threadId);
+    const HANDLE ours = CloseHandlesOfThread(threadId);
     EXPECT_EQ("MEngineThread.Flush:WaitFailed winErrorCode=6", Raised([&] { thread.Flush(); }));
     for (int attempt = 0; attempt < 2; ++attempt)
         EXPECT_EQ("MEngineThread.Stop:WaitFailed winErrorCode=6", Raised([&] { thread.Stop(); }));
@@ -265,27 +266,30 @@ TEST(MEngineThread, FailedStopCanBeTriedAgainUntilForceStopGivesUp)
     CloseHandle(ours);
 }
 
-TEST(MEngineThread, WithoutMemoryNoEventIsAddedAndNoThreadIsMade)
+TEST(MEngineThread, WithoutMemoryNoEventIsAddedAndTheFunctorStaysTheCallers)
 {
     const Action nothing = [] {};
     PlatformEvent event(EventReset::Automatic);
     ScriptedThread thread;
-    const MCallbackFunctorPtr functor = FunctorFor(nothing);
-    bool added = false;
+    MCallbackFunctorPtr functor = FunctorFor(nothing);
     ForEachFailingAllocation(
         AllocationFailure::Throws,
         [&] {
             thread.AddEvent(event, functor.get());
-            added = true;
+            functor.release();
         },
-        [&](ShortageOutcome) { EXPECT_FALSE(added); });
-    EXPECT_TRUE(added);
+        [&](ShortageOutcome) { EXPECT_TRUE(functor); });
+    EXPECT_FALSE(functor);
     thread.Start(); // the two tables are still of one length
     thread.Flush();
-    thread.Stop();
+}
 
+TEST(MEngineThread, WithoutMemoryToBuildItNothingStaysBehind)
+{
+    const auto build = [] { ScriptedThread unfinished; };
+    build();
     const ExpectSameHandles handles;
-    ForEachFailingAllocation(
-        AllocationFailure::Throws, [] { ScriptedThread unfinished; },
-        [](ShortageOutcome outcome) { EXPECT_NE(ShortageOutcome::Completed, outcome); });
+    ForEachFailingAllocation(AllocationFailure::Throws, build, [](ShortageOutcome outcome) {
+        EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, outcome);
+    });
 }
