@@ -1,7 +1,6 @@
 #include "xml/MXmlMarkup.h"
 #include "xml/MXmlElementParser.h"
-
-#include <cwchar>
+#include "xml/XmlRunSearch.h"
 
 constexpr std::size_t MXmlMarkup::MaxTextLength;
 
@@ -12,7 +11,7 @@ MXmlMarkup::MXmlMarkup()
 
 int MXmlMarkup::LoadText(const wchar_t* text)
 {
-    const std::size_t length = text ? std::wcslen(text) : 0;
+    const std::size_t length = text ? TextLength(text) : 0;
     CheckLength(length);
     documentText.assign(text ? text : L"", length);
     errorText.clear();

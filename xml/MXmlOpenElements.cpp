@@ -18,20 +18,6 @@ MXmlOpenElements::MXmlOpenElements(const wchar_t* source, bool ignoresCase,
     entries.push_back({startRecord, 0, 0, 0, 0});
 }
 
-void MXmlOpenElements::Push(const MXmlOpenElement& element)
-{
-    if (entries.size() == entries.capacity())
-        entries.reserve(entries.size() * 2 + 6);
-    entries.push_back(element);
-}
-
-void MXmlOpenElements::PopTo(std::int32_t depth)
-{
-    entries.resize(static_cast<std::size_t>(depth) + 1);
-    if (indexedDepth > depth)
-        DropKeysAbove(depth);
-}
-
 std::int32_t MXmlOpenElements::FindNewest(const wchar_t* name, std::int32_t length)
 {
     const std::int32_t far = std::max(Depth() - Nearby, 0);

@@ -32,18 +32,28 @@ public:
         return entries[static_cast<std::size_t>(depth)];
     }
 
-    void Push(const MXmlOpenElement& element);
+    void Push(const MXmlOpenElement& element)
+    {
+        if (entries.size() == entries.capacity())
+            entries.reserve(entries.size() * 2 + 6);
+        entries.push_back(element);
+    }
 
     /// Drops what lies above `depth`.
-    void PopTo(std::int32_t depth);
+    void PopTo(std::int32_t depth)
+    {
+        entries.resize(static_cast<std::size_t>(depth) + 1);
+        if (indexedDepth > depth)
+            DropKeysAbove(depth);
+    }
 
     /// Depth of the uppermost element that an end tag of this name closes, 0 if there is none. An
     /// end tag also closes a longer name that goes on with one of " =/[]".
     std::int32_t FindNewest(const wchar_t* name, std::int32_t length);
 
+private:
     bool Matches(std::int32_t depth, const wchar_t* name, std::int32_t length) const;
 
-private:
     // A name that closes the entry at `depth`, and the next older key of the same hash.
     struct Key {
         std::uint64_t hash;
