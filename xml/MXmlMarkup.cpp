@@ -78,3 +78,12 @@ bool MXmlMarkup::IsElement(std::int32_t record) const
 {
     return record > 0 && record < nextFreeIndex && !records[record].Has(XmlElementDeleted);
 }
+
+// An ill-formed document can leave elements that no walk reaches; they may outlive what contained
+// them.
+bool MXmlMarkup::IsInDocument(std::int32_t record) const
+{
+    while (record != 0 && !records[record].Has(XmlElementDeleted))
+        record = records[record].parent;
+    return record == 0;
+}
