@@ -4,9 +4,9 @@
 #include "diagnostics/FlowId.h"
 #include "diagnostics/MDiagnosticsRegistry.h"
 #include "diagnostics/MFlowLocation.h"
+#include "foundation/MLocale.h"
 
 #include <iomanip>
-#include <locale>
 #include <sstream>
 
 namespace
@@ -17,11 +17,11 @@ bool IsGiven(const wchar_t* text)
     return text && *text;
 }
 
-// A stream in the classic locale, so that no machine's settings group or translate digits.
+// No machine's settings group or translate digits.
 std::wostringstream ClassicStream()
 {
     std::wostringstream text;
-    text.imbue(std::locale::classic());
+    text.imbue(MLocale::GetClassicLocale().GetStreamLocale());
     return text;
 }
 
@@ -46,16 +46,6 @@ MDynObject* MError::Clone() const
 MDynObject* MError::CreateInstance() const
 {
     return new MError;
-}
-
-bool MError::Read(MFilerTaggedPair&, const MString&, const MError&)
-{
-    return false;
-}
-
-bool MError::Write(MFilerTaggedPair&, const MString&) const
-{
-    return false;
 }
 
 MString MError::GetMessageText() const

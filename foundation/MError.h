@@ -35,10 +35,13 @@ public:
     MDynObject* Clone() const override;
     MDynObject* CreateInstance() const override;
 
-    /// Reads the error from a filer. False when that fails.
+    /// Reads the group under the tag into this error, which loses what it held. False when there is
+    /// none or it has no Code; a list of parameters that breaks off ends there. `defaultError` is
+    /// not used.
     virtual bool Read(MFilerTaggedPair& filer, const MString& tagName, const MError& defaultError);
 
-    /// Files the error. False when that fails.
+    /// Files the Code and the parameters, in their order, as a group under the tag; the class is
+    /// not filed. False when that fails, with the group of a failed parameter left open.
     virtual bool Write(MFilerTaggedPair& filer, const MString& tagName) const;
 
     /// What to show a person: the Code, or "Unspecified error" when there is none.

@@ -9,6 +9,9 @@ MException::MException() : chain(new Chain) {}
 
 MException::MException(const MError& error) : MException()
 {
+    const MString chainText = error.GetChainText();
+    if (!chainText.IsEmpty())
+        Unfold(chainText);
     AddError(error);
 }
 
@@ -50,21 +53,6 @@ void MException::TakeFrom(MException& temporary)
 }
 
 void MException::Dismiss(const wchar_t*, const wchar_t*) const {}
-
-bool MException::Write(MFilerTaggedPair&, const MString&) const
-{
-    return false;
-}
-
-bool MException::WriteErrors(MFilerTaggedPair&) const
-{
-    return false;
-}
-
-bool MException::ReadErrors(MFilerTaggedPair&, const MException&)
-{
-    return false;
-}
 
 void ThrowException(const MException& exception)
 {

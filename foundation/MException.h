@@ -52,14 +52,19 @@ public:
     /// Called by `DismissError`; does nothing.
     void Dismiss(const wchar_t* className, const wchar_t* functionName) const;
 
-    /// Files the chain. False when that fails.
+    /// Files the chain as a group under the tag, with the errors in it. False when that fails.
     bool Write(MFilerTaggedPair& filer, const MString& tagName) const;
+
+    /// Files the errors one by one, each as a group "Error". False when one fails, which ends it.
     bool WriteErrors(MFilerTaggedPair& filer) const;
 
-    /// Reads the chain. False when that fails.
+    /// Reads errors for as long as there are any, in place of those held so far. They come back as
+    /// plain `MError` objects, whatever they were. Always true; `defaultException` is not used.
     bool ReadErrors(MFilerTaggedPair& filer, const MException& defaultException);
 
 private:
+    void Unfold(const MString& chainText);
+
     typedef std::list<std::unique_ptr<MError>> Chain;
 
     std::unique_ptr<Chain> chain; // absent only when its allocation answered null

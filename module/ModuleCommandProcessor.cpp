@@ -3,6 +3,8 @@
 #include "diagnostics/MDiagnosticsRegistry.h"
 #include "diagnostics/MFlowLocation.h"
 #include "engine/MMutexLock.h"
+#include "filers/MFilerTaggedPair.h"
+#include "filers/MOutFilerTaggedXml.h"
 #include "foundation/MException.h"
 
 #include <utility>
@@ -17,6 +19,17 @@ const std::uint32_t idleTimeoutMs = 10000;
 std::uint32_t LowBits(const void* pointer)
 {
     return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(pointer));
+}
+
+/// The chain as a document, empty when it cannot be filed.
+std::wstring FatalErrorText(const MException& exception)
+{
+    MOutFilerTaggedXml document(L"ExceptionChain", nullptr);
+    MFilerTaggedPair filer(nullptr, &document);
+    MString text;
+    if (exception.Write(filer, L"Exception"))
+        document.GetDocumentText(&text);
+    return text.c_str();
 }
 
 /// Registering what is registered already changes nothing.
@@ -107,14 +120,14 @@ void ModuleCommandProcessor::Stop()
 
 void ModuleCommandProcessor::OnCommandProcessorIdle() {}
 
-void ModuleCommandProcessor::OnSpontaneousError(const MException&)
+void ModuleCommandProcessor::OnSpontaneousError(const MException& exception)
 {
     static MFlowLocation location(className, L"OnSpontaneousError");
     if (this == nullptr)
         return;
     MFlowScope scope(location.SetObject(this), LowBits(spontaneousErrorCallback.get()));
     if (spontaneousErrorCallback)
-        (*spontaneousErrorCallback)(std::wstring());
+        (*spontaneousErrorCallback)(FatalErrorText(exception));
 }
 
 void ModuleCommandProcessor::OnUnhandledException(_EXCEPTION_POINTERS* pointers)

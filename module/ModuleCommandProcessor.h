@@ -35,7 +35,7 @@ public:
     /// stopped.
     static ModuleCommandProcessor& GetInstance();
 
-    /// Calls the host's callback, on the engine thread that failed.
+    /// Calls the host's callback with the filed chain, on the engine thread that failed.
     void OnSpontaneousError(const MException& exception) override;
 
     virtual ~ModuleCommandProcessor();

@@ -31,10 +31,12 @@ VAREK_API void AttachMFlowLogger(MFlowLogger* logger);
 /// Either may be empty, which removes that callback. The module owns them; it deletes the ones it
 /// had.
 ///
-/// `onSpontaneousError` is called with text when an `MException` ends an engine thread, `onCrash`
-/// with the raw context of a machine fault, or of a foreign C++ exception, on the faulting thread
-/// and with its stack intact; the fault then goes on, and unless the host catches it elsewhere the
-/// process ends. Both run on the engine thread that failed. Nothing restarts it.
+/// `onSpontaneousError` is called with text when an `MException` ends an engine thread: an XML
+/// document with the root "ExceptionChain" and in it the errors, or an empty text when the chain
+/// could not be filed. `onCrash` is called with the raw context of a machine fault, or of a foreign
+/// C++ exception, on the faulting thread and with its stack intact; the fault then goes on, and
+/// unless the host catches it elsewhere the process ends. Both run on the engine thread that
+/// failed. Nothing restarts it.
 ///
 /// Register once, at the start. Raises the `MException` of a failed start; both callbacks are then
 /// deleted uncalled.

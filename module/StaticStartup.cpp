@@ -15,6 +15,8 @@
 #include "foundation/MDynClass.h"
 #include "foundation/MError.h"
 #include "foundation/MErrorOutOfMemory.h"
+#include "foundation/MLocale.h"
+#include "foundation/StandardLocale.h"
 #include "module/ModuleCommandProcessor.h"
 
 #ifdef __GNUC__
@@ -28,9 +30,17 @@
 namespace
 {
 
+struct ClassicLocale {
+    ClassicLocale() { MLocale::GetClassicLocale(); }
+};
+
 // The log first, since everything after it may log.
 IN_START_ORDER MKLoggerAdapterInitialiser adapterInitialiser;
 IN_START_ORDER ClassName registryName(MDiagnosticsRegistry::className);
+
+IN_START_ORDER ClassName localeName(MLocale::className);
+IN_START_ORDER StandardLocale defaultLocale = MakeStandardLocale(""); // nothing reads it
+IN_START_ORDER ClassicLocale classicLocale;
 
 IN_START_ORDER MString stringClassName(L"MString");
 

@@ -1,0 +1,25 @@
+#pragma once
+
+class MXmlMarkup;
+
+/// The names of the families of values, as a filed document has them in the attribute "type".
+namespace ValueFamily
+{
+const wchar_t String[] = L"string";
+const wchar_t Char[] = L"char";
+const wchar_t Byte[] = L"byte";
+const wchar_t Bool[] = L"bool";
+const wchar_t UInt[] = L"uint";
+const wchar_t Int[] = L"int";
+const wchar_t Float[] = L"float";
+} // namespace ValueFamily
+
+/// The attribute that has the family; a group has none.
+const wchar_t valueFamilyAttribute[] = L"type";
+
+/// Writes the declaration and the root element of a filed document into an empty one, and moves to
+/// the root.
+bool StartFiledDocument(MXmlMarkup& document, const wchar_t* rootTag);
+
+/// Leaves a group; false without a document, and at the top.
+bool LeaveGroup(MXmlMarkup* document);

@@ -1,0 +1,5 @@
+#include "filers/IInFilerTagged.h"
+
+IInFilerTagged::IInFilerTagged() : locale(MLocale::GetClassicLocale()) {}
+
+IInFilerTagged::~IInFilerTagged() = default;

@@ -1,0 +1,5 @@
+#include "filers/IOutFilerTagged.h"
+
+IOutFilerTagged::IOutFilerTagged() : locale(MLocale::GetClassicLocale()) {}
+
+IOutFilerTagged::~IOutFilerTagged() = default;

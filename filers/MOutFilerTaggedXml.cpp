@@ -1,0 +1,131 @@
+#include "filers/MOutFilerTaggedXml.h"
+
+#include "filers/FiledDocument.h"
+#include "xml/MXmlMarkup.h"
+
+#include <iomanip>
+#include <sstream>
+
+namespace
+{
+
+// Digits behind the point.
+const int floatPrecision = 8;
+const int doublePrecision = 15;
+
+bool StartDocument(MXmlMarkup& document, const wchar_t* rootTag, const wchar_t* nameSpace)
+{
+    if (!StartFiledDocument(document, rootTag))
+        return false;
+    const bool named = nameSpace && *nameSpace;
+    if (named && !document.SetAttribute(document.GetMainIndex(), L"xmlns", nameSpace))
+        return false;
+    return document.EnterElement();
+}
+
+} // namespace
+
+MOutFilerTaggedXml::MOutFilerTaggedXml(const wchar_t* rootTag, const wchar_t* nameSpace)
+    : document(new MXmlMarkup)
+{
+    if (!StartDocument(*document, rootTag, nameSpace))
+        document.reset();
+}
+
+MOutFilerTaggedXml::~MOutFilerTaggedXml() = default;
+
+bool MOutFilerTaggedXml::WriteChar(const MString& tag, char value)
+{
+    return WriteStreamed(tag, ValueFamily::Char, value);
+}
+
+bool MOutFilerTaggedXml::WriteString(const MString& tag, const MString& value)
+{
+    return WriteText(tag, ValueFamily::String, value.c_str());
+}
+
+bool MOutFilerTaggedXml::WriteDouble(const MString& tag, double value)
+{
+    return WriteStreamed(tag, ValueFamily::Float, value, doublePrecision);
+}
+
+bool MOutFilerTaggedXml::WriteFloat(const MString& tag, float value)
+{
+    return WriteStreamed(tag, ValueFamily::Float, value, floatPrecision);
+}
+
+bool MOutFilerTaggedXml::WriteBool(const MString& tag, bool value)
+{
+    return WriteStreamed(tag, ValueFamily::Bool, static_cast<unsigned short>(value));
+}
+
+bool MOutFilerTaggedXml::WriteByte(const MString& tag, unsigned char value)
+{
+    return WriteStreamed(tag, ValueFamily::Byte, static_cast<unsigned short>(value));
+}
+
+bool MOutFilerTaggedXml::WriteUInt16(const MString& tag, unsigned short value)
+{
+    return WriteStreamed(tag, ValueFamily::UInt, value);
+}
+
+bool MOutFilerTaggedXml::WriteInt16(const MString& tag, short value)
+{
+    return WriteStreamed(tag, ValueFamily::Int, value);
+}
+
+bool MOutFilerTaggedXml::WriteUInt32(const MString& tag, unsigned int value)
+{
+    return WriteStreamed(tag, ValueFamily::UInt, value);
+}
+
+bool MOutFilerTaggedXml::WriteInt32(const MString& tag, int value)
+{
+    return WriteStreamed(tag, ValueFamily::Int, value);
+}
+
+bool MOutFilerTaggedXml::BeginGroup(const MString& tag)
+{
+    return document && document->AddElement(tag.c_str(), nullptr, 0) && document->EnterElement();
+}
+
+bool MOutFilerTaggedXml::EndGroup()
+{
+    return LeaveGroup(document.get());
+}
+
+bool MOutFilerTaggedXml::WriteDocument(const MString& tag, const MString& text)
+{
+    MXmlMarkup embedded;
+    if (!document || !embedded.LoadText(text.c_str()) || !embedded.FindElement())
+        return false;
+    const std::wstring content = embedded.GetInnerMarkup(embedded.GetMainIndex());
+    return document->AddElement(tag.c_str(), nullptr, 0) &&
+           document->ReplaceInnerMarkup(content.c_str());
+}
+
+bool MOutFilerTaggedXml::GetDocumentText(MString* result) const
+{
+    if (!result || !document)
+        return false;
+    *result = document->GetDocumentText().c_str();
+    return true;
+}
+
+template <class T>
+bool MOutFilerTaggedXml::WriteStreamed(const MString& tag, const wchar_t* family, T value,
+                                       int precision)
+{
+    std::wostringstream text;
+    text.imbue(locale.GetStreamLocale());
+    if (precision > 0)
+        text << std::scientific << std::setprecision(precision);
+    text << value;
+    return WriteText(tag, family, text.str().c_str());
+}
+
+bool MOutFilerTaggedXml::WriteText(const MString& tag, const wchar_t* family, const wchar_t* text)
+{
+    return document && document->AddElement(tag.c_str(), text, 0) &&
+           document->SetAttribute(document->GetMainIndex(), valueFamilyAttribute, family);
+}

@@ -1,0 +1,117 @@
+#include "tests/support/Allocations.h"
+
+#include "diagnostics/KLogger.h"
+
+#include <atomic>
+
+#include <windows.h>
+
+namespace
+{
+
+const std::size_t ringBytes = 0x20000 * 40;
+
+std::atomic<std::int64_t> blocksOut;
+
+// What is to fail; written and read by the armed thread, which is none when its id is 0.
+std::atomic<DWORD> armedThread;
+AllocationFailure failure;
+int allocationsLeft;
+bool hasFailed;
+
+bool IsToFail()
+{
+    if (armedThread != GetCurrentThreadId())
+        return false;
+    if (allocationsLeft > 0)
+        --allocationsLeft;
+    if (allocationsLeft > 0 || (hasFailed && failure != AllocationFailure::ThrowsForGood))
+        return false;
+    hasFailed = true;
+    return true;
+}
+
+bool IsCounted(void* block)
+{
+    return HeapSize(GetProcessHeap(), 0, block) != ringBytes;
+}
+
+// A core that holds every name of the module's, so that copying them again takes exactly as many
+// blocks as the module's has gained.
+KLogger& Mirror()
+{
+    static KLogger* const mirror = new KLogger;
+    return *mirror;
+}
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    if (IsToFail()) {
+        if (failure == AllocationFailure::AnswersNull)
+            return nullptr;
+        throw std::bad_alloc();
+    }
+    void* const block = HeapAlloc(GetProcessHeap(), 0, size);
+    if (!block)
+        throw std::bad_alloc();
+    blocksOut += IsCounted(block);
+    return block;
+}
+
+void operator delete(void* block) noexcept
+{
+    if (!block)
+        return;
+    blocksOut -= IsCounted(block);
+    HeapFree(GetProcessHeap(), 0, block);
+}
+
+void operator delete(void* block, std::size_t) noexcept
+{
+    operator delete(block);
+}
+
+void* operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+
+void operator delete[](void* block) noexcept
+{
+    operator delete(block);
+}
+
+void operator delete[](void* block, std::size_t) noexcept
+{
+    operator delete(block);
+}
+
+std::int64_t CountBlocks()
+{
+    static std::int64_t names = 0;
+    KLogger& mirror = Mirror();
+    const std::int64_t before = blocksOut;
+    KLogger::GetModuleLogger()->CopyNamesTo(mirror);
+    names += blocksOut - before;
+    return blocksOut - 2 * names;
+}
+
+FailingAllocation::FailingAllocation(AllocationFailure how, int nth)
+{
+    failure = how;
+    allocationsLeft = nth;
+    hasFailed = false;
+    armedThread = GetCurrentThreadId();
+}
+
+void FailingAllocation::Disarm()
+{
+    armedThread = 0;
+}
+
+bool FailingAllocation::HasFailed() const
+{
+    return hasFailed;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class KLogger;
+class MFlowLoggerImplementation;
+
+/// One record as a dump shows it.
+struct DumpedRecord {
+    std::string text;                  ///< the line for people
+    double seconds;                    ///< the first number
+    std::vector<std::int64_t> numbers; ///< kind, two parameters, class, point, object, thread
+};
+
+/// The records of a dump, oldest first.
+std::vector<DumpedRecord> ReadDump(const std::string& dump);
+
+std::string TakeDump(KLogger& core);
+std::string TakeDump(MFlowLoggerImplementation& logger);
+
+/// The lines for people, oldest first.
+std::vector<std::string> DumpedTexts(KLogger& core);

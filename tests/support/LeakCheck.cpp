@@ -1,0 +1,32 @@
+#include "tests/support/LeakCheck.h"
+
+#include "diagnostics/MFlowLogger.h"
+#include "foundation/MError.h"
+#include "tests/support/Allocations.h"
+
+std::int64_t LeakCheck::expected = 0;
+
+// What the first event and the first number make is kept for good; no test is to answer for it.
+LeakCheck::LeakCheck()
+{
+    MFlowLogger::GetInstance();
+    MError().AddParameter(L"number", 1);
+}
+
+void LeakCheck::Keep(std::int64_t blocks)
+{
+    expected += blocks;
+}
+
+void LeakCheck::OnTestStart(const testing::TestInfo&)
+{
+    expected = CountBlocks();
+}
+
+// The report of a failure takes memory of its own.
+void LeakCheck::OnTestEnd(const testing::TestInfo& test)
+{
+    if (test.result()->Passed()) {
+        EXPECT_EQ(expected, CountBlocks()) << "heap blocks are out after the test";
+    }
+}
