@@ -1,108 +1,120 @@
+// What the document engine costs: loading, walking, appending, and documents made to be slow.
+
+#include "bench/support/Comparison.h"
+#include "bench/support/Report.h"
+#include "bench/support/Sample.h"
+#include "bench/support/TickClock.h"
 #include "bench/XmlCorpora.h"
-#include "bench/support/Interleave.h"
 #include "xml/MXmlMarkup.h"
 
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
-#include <rapidxml.hpp>
-#include <cmath>
+#include <rapidxml/rapidxml.hpp>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
 #include <sstream>
 
 namespace
 {
 
-// Parsing
+typedef rapidxml::xml_document<wchar_t> PeerDocument;
 
-constexpr int RapidFlags = rapidxml::parse_fastest | rapidxml::parse_no_data_nodes;
+const int peerFlags = rapidxml::parse_fastest | rapidxml::parse_no_data_nodes;
 
-void LoadFresh(const std::wstring& text)
+double MedianNanoseconds(unsigned rounds, const std::function<void()>& work)
 {
-    MXmlMarkup document;
-    document.LoadText(text.c_str());
+    Sample times;
+    for (unsigned i = 0; i < rounds; ++i) {
+        const std::uint64_t begin = TickClock::Now();
+        work();
+        times.Add(TickClock::Nanoseconds(TickClock::Now() - begin));
+    }
+    return times.Median();
 }
 
-// The peer parses in place, so it is given a copy of its own, as the engine makes one.
-void LoadPeer(const std::wstring& text)
+/// The peer parses in place, so it gets a copy, as the engine makes one.
+void LoadPeer(const std::wstring& text, std::wstring& copy, PeerDocument& document)
 {
-    std::wstring copy;
-    copy.assign(text.c_str(), wcslen(text.c_str()));
-    rapidxml::xml_document<wchar_t> document;
-    document.parse<RapidFlags>(&copy[0]);
+    copy = text.c_str();
+    document.parse<peerFlags>(&copy[0]);
 }
 
-bool PeerCanRead(const std::wstring& text)
+bool PeerReads(const XmlCorpus& corpus)
 {
     try {
-        LoadPeer(text);
+        std::wstring copy;
+        PeerDocument document;
+        LoadPeer(corpus.text, copy, document);
         return true;
     } catch (const rapidxml::parse_error& error) {
-        std::printf("    rapidxml cannot read it: %s\n", error.what());
+        std::printf("%s: the peer cannot read it: %s\n", corpus.name.c_str(), error.what());
         return false;
     }
 }
 
-void PrintLoad(const char* label, const XmlCorpus& corpus, const Comparison& result)
-{
-    std::printf("  %-24s %-8s %8.0f %8.0f   %5.2f  (%.2f .. %.2f)\n", corpus.name.c_str(), label,
-                static_cast<double>(corpus.text.size()) / result.ours.median / 1e6,
-                static_cast<double>(corpus.text.size()) / result.peer.median / 1e6,
-                result.ratio.median, result.ratio.low, result.ratio.high);
-}
-
+/// One document loaded again and again.
 void CompareLoad(const XmlCorpus& corpus)
 {
-    if (!PeerCanRead(corpus.text))
-        return;
-    PrintLoad("fresh", corpus,
-              Interleave(
-                  31, [&] { LoadFresh(corpus.text); }, [&] { LoadPeer(corpus.text); }));
-
     MXmlMarkup document;
+    const Comparison::Work load = [&](unsigned times) {
+        for (unsigned i = 0; i < times; ++i)
+            document.LoadText(corpus.text.c_str());
+    };
     std::wstring copy;
-    rapidxml::xml_document<wchar_t> peer;
-    PrintLoad("reused", corpus,
-              Interleave(
-                  31, [&] { document.LoadText(corpus.text.c_str()); },
-                  [&] {
-                      copy.assign(corpus.text.c_str(), wcslen(corpus.text.c_str()));
-                      peer.parse<RapidFlags>(&copy[0]);
-                  }));
+    PeerDocument peer;
+    const Comparison::Work loadPeer = [&](unsigned times) {
+        for (unsigned i = 0; i < times; ++i)
+            LoadPeer(corpus.text, copy, peer);
+    };
+    Comparison(corpus.name.c_str(), 1, load, loadPeer).AtMost(1 / 1.5);
 }
 
-void BenchLoad(const std::vector<XmlCorpus>& corpora)
+/// A new document each time, with new memory.
+void CompareFirstLoad(const XmlCorpus& corpus)
 {
-    std::printf("LoadText against rapidxml (parse_fastest, no data nodes), copies included;\n"
-                "fresh document each time, and one used again\n"
-                "  %-33s %8s %8s   ratio of times, median (spread)\n",
-                "", "Mchar/s", "peer");
+    const Comparison::Work load = [&](unsigned) {
+        MXmlMarkup document;
+        document.LoadText(corpus.text.c_str());
+    };
+    const Comparison::Work loadPeer = [&](unsigned) {
+        std::wstring copy;
+        PeerDocument peer;
+        LoadPeer(corpus.text, copy, peer);
+    };
+    Comparison((corpus.name + ", new document").c_str(), 1, load, loadPeer).AtMost(1);
+}
+
+void CompareLoads(const std::vector<XmlCorpus>& corpora)
+{
+    Report::Columns("LoadText : rapidxml, parse_fastest without data nodes");
     for (const XmlCorpus& corpus : corpora) {
-        if (corpus.text.empty())
-            std::printf("  %-24s not there: install %s\n", corpus.name.c_str(),
+        if (corpus.text.empty()) {
+            std::printf("%s is not there: install %s\n", corpus.name.c_str(),
                         corpus.package.c_str());
-        else
+        } else if (PeerReads(corpus)) {
             CompareLoad(corpus);
+            CompareFirstLoad(corpus);
+        }
     }
 }
 
-// Memory
-
-void BenchMemory(const std::vector<XmlCorpus>& corpora)
+void ShowIndexMemory(const std::vector<XmlCorpus>& corpora)
 {
-    std::printf("\nIndex after a parse: records reserved over elements plus the first reservation\n");
+    Report::Heading("Bytes of the index for each element, beyond the first reservation");
     for (const XmlCorpus& corpus : corpora) {
         MXmlMarkup document;
         document.LoadText(corpus.text.c_str());
-        const int elements = document.GetRecordCount() - 1;
-        const int first = static_cast<int>(corpus.text.size() / 64 + 8);
-        const int capacity = document.GetRecordCapacity();
-        std::printf("  %-24s %7d elements, %7d records, %5.2f of 1.6 allowed per element\n",
-                    corpus.name.c_str(), elements, capacity,
-                    std::max(0.0, static_cast<double>(capacity - first) / std::max(elements, 1)));
+        const double reserved = static_cast<double>(corpus.text.size() / 64 + 8);
+        const double grown = std::max(0.0, document.GetRecordCapacity() - reserved);
+        Report::FigureAtMost(corpus.name.c_str(),
+                             grown * sizeof(MXmlElementRecord) / document.GetRecordCount(), "bytes",
+                             1.6 * sizeof(MXmlElementRecord));
     }
 }
 
-// Walking
-
+/// What a walk has taken from a document.
 struct Taken {
     std::size_t characters = 0;
 
@@ -134,79 +146,62 @@ void WalkPeer(const boost::property_tree::wptree& tree, Taken& taken)
     }
 }
 
-double WalkNanoseconds(int elements)
+void CompareWalk(const XmlCorpus& corpus)
 {
     MXmlMarkup document;
-    document.LoadText(MakeTypedElements(elements).c_str());
-    Taken taken;
-    std::vector<double> times;
-    for (int round = 0; round < 7; ++round)
-        times.push_back(Seconds([&] { Walk(document, taken); }) / elements * 1e9);
-    return Spread(times).median;
+    document.LoadText(corpus.text.c_str());
+    Taken ours;
+    Taken theirs;
+    const Comparison::Work walk = [&](unsigned) { Walk(document, ours); };
+    const Comparison::Work loadAndWalkPeer = [&](unsigned) {
+        std::wistringstream stream(corpus.text);
+        boost::property_tree::wptree tree;
+        boost::property_tree::read_xml(stream, tree);
+        WalkPeer(tree, theirs);
+    };
+    Report::Columns("Walk, name, attribute and data : PropertyTree, load and walk");
+    Comparison(corpus.name.c_str(), 1, walk, loadAndWalkPeer).AtMost(1);
 }
 
-void BenchWalk()
+void ShowWalkBySize()
 {
-    std::printf("\nWalk taking name, attribute and data of each element, ns an element\n");
-    for (int elements : {7500, 15000, 30000, 60000, 120000, 240000})
-        std::printf("  %7d elements %6.0f\n", elements, WalkNanoseconds(elements));
-
-    const std::wstring text = MakeTypedElements(60000);
-    MXmlMarkup document;
-    document.LoadText(text.c_str());
-    Taken ours, theirs;
-    const Comparison result = Interleave(
-        5, [&] { Walk(document, ours); },
-        [&] {
-            std::wistringstream stream(text);
-            boost::property_tree::wptree tree;
-            boost::property_tree::read_xml(stream, tree);
-            WalkPeer(tree, theirs);
-        });
-    std::printf("  (a): %.1f ms; PropertyTree's load and walk %.1f ms; %.1f times (%.1f .. %.1f)\n",
-                result.ours.median * 1e3, result.peer.median * 1e3, result.ratio.median,
-                result.ratio.low, result.ratio.high);
+    Report::Heading("Walk by size, for each element");
+    for (int elements : {15000, 30000, 60000, 120000, 240000}) {
+        MXmlMarkup document;
+        document.LoadText(MakeTypedElements(elements).c_str());
+        Taken taken;
+        const double walk = MedianNanoseconds(9, [&] { Walk(document, taken); });
+        Report::Figure((std::to_string(elements) + " elements").c_str(), walk / elements, "ns");
+    }
 }
 
-// Appending
-
-double AppendNanoseconds(int depth, int elements)
+void Append(int depth, int elements)
 {
     MXmlMarkup document;
     for (int i = 0; i < depth; ++i) {
         document.AddElement(L"Level", nullptr, 0);
         document.EnterElement();
     }
-    const double seconds = Seconds([&] {
-        for (int i = 0; i < elements; ++i) {
-            document.AddElement(L"Count", L"42", 0);
-            document.SetAttribute(document.GetMainIndex(), L"type", L"int");
-        }
-    });
-    return seconds / elements * 1e9;
-}
-
-void BenchAppend()
-{
-    std::printf("\nAddElement and SetAttribute at the end, ns an element, median of 7\n"
-                "  %8s %10s %10s %10s   most over least\n",
-                "depth", "10,000", "30,000", "100,000");
-    for (int depth : {1, 100}) {
-        std::vector<double> medians;
-        for (int elements : {10000, 30000, 100000}) {
-            std::vector<double> times;
-            for (int round = 0; round < 7; ++round)
-                times.push_back(AppendNanoseconds(depth, elements));
-            medians.push_back(Spread(times).median);
-        }
-        std::printf("  %8d %10.0f %10.0f %10.0f   %.2f\n", depth, medians[0], medians[1],
-                    medians[2],
-                    *std::max_element(medians.begin(), medians.end()) /
-                        *std::min_element(medians.begin(), medians.end()));
+    for (int i = 0; i < elements; ++i) {
+        document.AddElement(L"Count", L"42", 0);
+        document.SetAttribute(document.GetMainIndex(), L"type", L"int");
     }
 }
 
-// Hostile documents
+/// 100,000 appended elements beside ten times 10,000.
+void CompareAppends()
+{
+    Report::Columns("AddElement and SetAttribute : the same, a tenth of the elements");
+    for (int depth : {1, 100}) {
+        const Comparison::Work appendMany = [=](unsigned) { Append(depth, 100000); };
+        const Comparison::Work appendFew = [=](unsigned) {
+            for (int i = 0; i < 10; ++i)
+                Append(depth, 10000);
+        };
+        const std::string what = "100,000 elements at depth " + std::to_string(depth);
+        Comparison(what.c_str(), 1, appendMany, appendFew).AtMost(1.2);
+    }
+}
 
 std::wstring Repeat(const std::wstring& piece, int count)
 {
@@ -225,44 +220,32 @@ std::wstring Numbered(const std::wstring& before, int count, const std::wstring&
     return text;
 }
 
-struct Hostile {
-    const char* name;
-    std::function<std::wstring(int)> make;
-};
-
-const std::vector<Hostile>& HostileDocuments()
+void CompareHostile(const char* what, const std::function<std::wstring(int)>& make)
 {
-    static const std::vector<Hostile> documents = {
-        {"nested start tags, never closed", [](int n) { return Repeat(L"<a>", n); }},
-        {"open elements, end tags that match none",
-         [](int n) { return Numbered(L"<n", n, L">") + Numbered(L"</m", n, L">"); }},
-        {"the same, names alike up to an =",
-         [](int n) { return Numbered(L"<n=", n, L">") + Numbered(L"</n=x", n, L">"); }},
-        {"a start tag with attributes",
-         [](int n) { return L"<a" + Numbered(L" b", n, L"='c'") + L"/>"; }},
-        {"repetitions of <!", [](int n) { return Repeat(L"<!", n); }},
-        {"open elements closed by an outer end tag",
-         [](int n) { return L"<o>" + Repeat(L"<a>", n) + L"</o>"; }},
-        {"dissolved over and over",
-         [](int n) { return L"<r>" + Repeat(L"<a><b><c></a>", n / 4) + L"</r>"; }},
+    const std::wstring whole = make(1000000);
+    const std::wstring half = make(500000);
+    MXmlMarkup document;
+    const auto load = [&](const std::wstring& text) {
+        return [&](unsigned) { document.LoadText(text.c_str()); };
     };
-    return documents;
+    Comparison(what, 1, load(whole), load(half)).AtMost(2.3);
 }
 
-void BenchHostile()
+void CompareHostileDocuments()
 {
-    std::printf("\nHostile documents, ms; factor for twice the input (2.3 allowed)\n"
-                "  %-42s %8s %8s %8s\n",
-                "", "500,000", "1,000,000", "factor");
-    for (const Hostile& hostile : HostileDocuments()) {
-        const std::wstring half = hostile.make(500000);
-        const std::wstring whole = hostile.make(1000000);
-        MXmlMarkup document;
-        const Comparison result = Interleave(
-            5, [&] { document.LoadText(half.c_str()); }, [&] { document.LoadText(whole.c_str()); });
-        std::printf("  %-42s %8.1f %8.1f %8.2f\n", hostile.name, result.ours.median * 1e3,
-                    result.peer.median * 1e3, result.ratio.median);
-    }
+    Report::Columns("Hostile documents, 1,000,000 times : half as often");
+    CompareHostile("start tags, never closed", [](int n) { return Repeat(L"<a>", n); });
+    CompareHostile("start tags, closed by one outer end tag",
+                   [](int n) { return L"<o>" + Repeat(L"<a>", n) + L"</o>"; });
+    CompareHostile("start tags, then end tags that match none",
+                   [](int n) { return Numbered(L"<n", n, L">") + Numbered(L"</m", n, L">"); });
+    CompareHostile("the same, names alike before an =",
+                   [](int n) { return Numbered(L"<n=", n, L">") + Numbered(L"</n=x", n, L">"); });
+    CompareHostile("two of three start tags not closed",
+                   [](int n) { return L"<r>" + Repeat(L"<a><b><c></a>", n / 4) + L"</r>"; });
+    CompareHostile("attributes of one start tag",
+                   [](int n) { return L"<a" + Numbered(L" b", n, L"='c'") + L"/>"; });
+    CompareHostile("<!", [](int n) { return Repeat(L"<!", n); });
 }
 
 } // namespace
@@ -270,9 +253,10 @@ void BenchHostile()
 int main()
 {
     const std::vector<XmlCorpus> corpora = XmlCorpora();
-    BenchLoad(corpora);
-    BenchMemory(corpora);
-    BenchWalk();
-    BenchAppend();
-    BenchHostile();
+    CompareLoads(corpora);
+    ShowIndexMemory(corpora);
+    CompareWalk(corpora[0]);
+    ShowWalkBySize();
+    CompareAppends();
+    CompareHostileDocuments();
 }

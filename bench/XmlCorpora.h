@@ -14,5 +14,6 @@ struct XmlCorpus {
 /// Small typed elements as the XML filers write them.
 std::wstring MakeTypedElements(int count);
 
-/// All five documents.
+/// All five documents. Characters beyond Latin-1 stand there as U+00FC, because the peer looks at
+/// the low byte of a character only, and takes some for the end of the text.
 std::vector<XmlCorpus> XmlCorpora();
