@@ -6,9 +6,11 @@
 
 std::int64_t LeakCheck::expected = 0;
 
-// What the first event and the first number make is kept for good; no test is to answer for it.
+// What the first event, the first number and the first trace make is kept for good; no test is to
+// answer for it.
 LeakCheck::LeakCheck()
 {
+    SCOPED_TRACE("");
     MFlowLogger::GetInstance();
     MError().AddParameter(L"number", 1);
 }
