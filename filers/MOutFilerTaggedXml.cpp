@@ -34,9 +34,12 @@ MOutFilerTaggedXml::MOutFilerTaggedXml(const wchar_t* rootTag, const wchar_t* na
 
 MOutFilerTaggedXml::~MOutFilerTaggedXml() = default;
 
+// The unit is the byte: what a stream makes of a byte above 127 can depend on the machine's code
+// page.
 bool MOutFilerTaggedXml::WriteChar(const MString& tag, char value)
 {
-    return WriteStreamed(tag, ValueFamily::Char, value);
+    return WriteStreamed(tag, ValueFamily::Char,
+                         static_cast<wchar_t>(static_cast<unsigned char>(value)));
 }
 
 bool MOutFilerTaggedXml::WriteString(const MString& tag, const MString& value)
@@ -117,6 +120,7 @@ bool MOutFilerTaggedXml::WriteStreamed(const MString& tag, const wchar_t* family
                                        int precision)
 {
     std::wostringstream text;
+    text.exceptions(std::ios_base::badbit); // a lack of memory must not cut the text short
     text.imbue(locale.GetStreamLocale());
     if (precision > 0)
         text << std::scientific << std::setprecision(precision);
