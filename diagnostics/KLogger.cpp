@@ -5,8 +5,6 @@
 namespace
 {
 
-const std::uint32_t ringCapacity = 0x20000;
-
 struct EventKind {
     std::int32_t kind;
     const char* name;
@@ -82,32 +80,16 @@ KLogger::KLogger()
     records = new KLogRecord[capacity]();
 }
 
-void KLogger::AddRecord(std::int32_t kind, std::uint32_t param1, std::uint32_t param2,
-                        std::uint32_t classId, std::uint32_t pointId, const void* object)
-{
-    if (this == nullptr || !records)
-        return;
-
-    const std::uint32_t number = writeIndex.fetch_add(1, std::memory_order_relaxed) + 1;
-    KLogRecord& record = records[number % capacity];
-    record.time = ReadCounter();
-    record.kind = kind;
-    record.param1 = param1;
-    record.param2 = param2;
-    record.object = AddressOf(object);
-    record.classId = classId;
-    record.pointId = pointId;
-    record.threadId = GetCurrentThreadId();
-}
-
 // The lock is not released when the insertion throws: a map that ran out of memory in mid-change
-// is closed to everybody rather than read.
+// is closed to everybody rather than read. A name that is there already takes no memory.
 template <class Map>
 void KLogger::Insert(Map& names, KLogLock& lock, typename Map::key_type key,
                      const std::string& name)
 {
     lock.Enter();
-    names.emplace(key, name);
+    const typename Map::iterator place = names.lower_bound(key);
+    if (place == names.end() || place->first != key)
+        names.emplace_hint(place, key, name);
     lock.Leave();
 }
 

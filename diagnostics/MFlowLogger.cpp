@@ -4,6 +4,12 @@
 
 MFlowLogger* MFlowLogger::instance = nullptr;
 
+MFlowLogger* MFlowLogger::MakeInstance()
+{
+    instance = new MFlowLogger;
+    return instance;
+}
+
 MFlowLogger::MFlowLogger() : MFlowLogger(MKLoggerAdapter::GetFlowLoggerImplementation()) {}
 
 MFlowLogger::MFlowLogger(MFlowLoggerImplementation* implementation) : implementation(implementation)

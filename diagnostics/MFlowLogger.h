@@ -31,6 +31,8 @@ public:
     void Attach(MFlowLogger* other);
 
 private:
+    static MFlowLogger* MakeInstance();
+
     static MFlowLogger* instance;
 
     MFlowLoggerImplementation* implementation;
@@ -38,7 +40,5 @@ private:
 
 inline MFlowLogger* MFlowLogger::GetInstance()
 {
-    if (!instance)
-        instance = new MFlowLogger;
-    return instance;
+    return instance ? instance : MakeInstance();
 }

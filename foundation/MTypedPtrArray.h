@@ -50,6 +50,8 @@ private:
     template <class Make>
     static auto MakeOrRaise(Make make) -> decltype(make());
 
+    void DestroyAll();
+
     T** elements;
     std::int32_t count;
     std::int32_t allocated;
@@ -60,7 +62,7 @@ private:
 template <class T, class A>
 MTypedPtrArray<T, A>::~MTypedPtrArray()
 {
-    RemoveAll();
+    DestroyAll();
     delete[] elements;
 }
 
@@ -116,7 +118,9 @@ std::int32_t MTypedPtrArray<T, A>::Add(A value)
 {
     if (count == allocated)
         Grow(0);
-    elements[count] = MakeOrRaise([&value] { return new T(value); });
+    T* const added = MakeOrRaise([&value] { return new T(value); });
+    delete elements[count]; // what `GetAt` may have made there
+    elements[count] = added;
     return count++;
 }
 
@@ -140,9 +144,16 @@ void MTypedPtrArray<T, A>::RemoveAt(std::int32_t index)
 template <class T, class A>
 void MTypedPtrArray<T, A>::RemoveAll()
 {
-    for (std::int32_t i = 0; i < count; ++i) {
+    if (count > 0)
+        DestroyAll();
+    count = 0;
+}
+
+template <class T, class A>
+void MTypedPtrArray<T, A>::DestroyAll()
+{
+    for (std::int32_t i = 0; i < allocated; ++i) {
         delete elements[i];
         elements[i] = nullptr;
     }
-    count = 0;
 }

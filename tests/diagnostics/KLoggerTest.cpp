@@ -206,13 +206,18 @@ TEST(KLogger, NullCoreIgnoresEverything)
 TEST(KLogger, DumpBesideWritersShowsWholeRecords)
 {
     KLogger core;
+    std::atomic<int> writing(0);
     std::atomic<bool> done(false);
     const auto write = [&] {
+        core.AddRecord(-7, 1, 2, 3, 4, &core);
+        ++writing;
         while (!done)
             core.AddRecord(-7, 1, 2, 3, 4, &core);
     };
     std::thread first(write);
     std::thread second(write);
+    while (writing < 2)
+        SwitchToThread();
     std::size_t records = 0;
     for (int i = 0; i < 2; ++i)
         for (const DumpedRecord& record : ReadDump(TakeDump(core))) {

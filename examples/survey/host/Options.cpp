@@ -13,6 +13,10 @@ bool Options::Parse(int argc, const wchar_t* const* argv, Options& options, std:
             options.help = true;
         } else if (argument == L"--dump") {
             options.dump = true;
+        } else if (argument == L"--report") {
+            options.report = true;
+        } else if (argument == L"--fatal") {
+            options.fatal = true;
         } else if (argument == L"--crash") {
             options.crash = true;
         } else {

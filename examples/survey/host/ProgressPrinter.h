@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/PlatformEvent.h"
 #include "examples/survey/module/ISurveyListener.h"
 
 #include <string>
@@ -14,6 +15,10 @@ public:
 
     void OnProgress(std::uint32_t survey, std::uint32_t percent) override;
 
+    /// Returns when the last progress of a survey that succeeded has been printed.
+    void AwaitCompletion();
+
 private:
     const std::vector<std::wstring>& paths;
+    PlatformEvent complete;
 };

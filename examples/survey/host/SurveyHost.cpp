@@ -1,16 +1,18 @@
 #include "examples/survey/host/SurveyHost.h"
 
 #include "diagnostics/ClassName.h"
+#include "diagnostics/MDiagnosticsRegistry.h"
 #include "diagnostics/MFlowLocation.h"
 #include "diagnostics/MFlowLogger.h"
 #include "examples/survey/host/Console.h"
+#include "examples/survey/host/HostRegistry.h"
 #include "examples/survey/host/MiniDumpWriter.h"
 #include "examples/survey/host/Options.h"
+#include "examples/survey/host/ReportFile.h"
 #include "examples/survey/module/Survey.h"
 #include "foundation/MException.h"
 #include "module/Runtime.h"
 
-#include <iomanip>
 #include <iostream>
 #include <sstream>
 
@@ -40,10 +42,14 @@ SurveyHost::SurveyHost(const Options& options) : options(options), progress(opti
 bool SurveyHost::Run()
 {
     GetDiagnosticsRegistry()->RegisterThreadName(L"Host");
+    if (options.report)
+        return PrintReports();
     Connect();
+    if (options.fatal)
+        SurveyFatal();
     if (options.crash)
         SurveyCrash();
-    const bool complete = SurveyAll();
+    const bool complete = options.paths.empty() || SurveyAll();
     Varek::Runtime::Shutdown();
     if (options.dump)
         PrintDump();
@@ -61,46 +67,72 @@ void SurveyHost::Connect()
         std::auto_ptr<FaultCallback>(new MiniDumpWriter(miniDumpPath)));
 }
 
+bool SurveyHost::PrintReports()
+{
+    std::vector<std::wstring> paths = options.paths;
+    if (paths.empty())
+        paths.push_back(HostRegistry::GetReportPath());
+
+    bool complete = true;
+    for (const std::wstring& path : paths) {
+        std::vector<SurveyResult> results;
+        const bool loaded = ReportFile(path).Load(results);
+        complete &= loaded;
+        if (!loaded)
+            Console::Complain(path + L" is no survey report\n");
+        for (const SurveyResult& result : results)
+            Console::Print(result.Describe());
+    }
+    return complete;
+}
+
 bool SurveyHost::SurveyAll()
 {
     static MFlowLocation location(className, L"SurveyAll");
     MFlowScope scope(location.SetObject(this));
     bool complete = true;
-    for (std::uint32_t survey = 0; survey < options.paths.size(); ++survey)
-        complete &= SurveyOne(survey);
+    std::vector<SurveyResult> results;
+    for (std::uint32_t survey = 0; survey < options.paths.size(); ++survey) {
+        results.push_back(SurveyOne(survey));
+        complete &= !results.back().failed;
+    }
+    Keep(results);
     return complete;
 }
 
-bool SurveyHost::SurveyOne(std::uint32_t survey)
+SurveyResult SurveyHost::SurveyOne(std::uint32_t survey)
 {
-    const std::wstring& path = options.paths[survey];
-    SurveyReport report = {};
-    const MExceptionSlot outcome = SurveyFile(path, survey, &progress, report);
+    SurveyResult result;
+    result.path = options.paths[survey];
+    const MExceptionSlot outcome = SurveyFile(result.path, survey, &progress, result.report);
 
     const std::uint32_t errors = outcome->GetErrorCount();
-    if (errors == 0)
-        ShowReport(path, report);
+    result.failed = errors != 0;
+    if (result.failed)
+        result.failure = *outcome->GetError(static_cast<std::int32_t>(errors - 1));
     else
-        ShowFailure(path, *outcome->GetError(static_cast<std::int32_t>(errors - 1)));
-    return errors == 0;
+        progress.AwaitCompletion();
+    Console::Print(result.Describe());
+    return result;
 }
 
-void SurveyHost::ShowReport(const std::wstring& path, const SurveyReport& report)
+void SurveyHost::Keep(const std::vector<SurveyResult>& results)
 {
+    SurveyTotals totals = {};
+    for (const SurveyResult& result : results) {
+        totals.files += !result.failed;
+        totals.bytes += result.report.bytes;
+    }
+    const SurveyTotals last = HostRegistry::GetLastTotals();
+    HostRegistry::SetLastTotals(totals);
+
+    const std::wstring path = HostRegistry::GetReportPath();
+    const bool saved = ReportFile(path).Save(results);
     std::wostringstream text;
-    text << path << L"\n  bytes " << report.bytes << L", lines " << report.lines << L", words "
-         << report.words << L", longest line " << report.longestLine << L", crc32 " << std::hex
-         << std::setfill(L'0') << std::setw(8) << report.crc32 << L"\n";
+    text << L"in all " << totals.files << L" files, " << totals.bytes << L" bytes; last time "
+         << last.files << L" files, " << last.bytes << L" bytes; "
+         << (saved ? L"report in " : L"no report in ") << path << L"\n";
     Console::Print(text.str());
-}
-
-void SurveyHost::ShowFailure(const std::wstring& path, const MError& failure)
-{
-    std::wostringstream text;
-    text << path << L"\n  failed: " << failure.GetCode().c_str() << L"\n";
-    for (const MError::Parameters::value_type& parameter : failure.GetParameters())
-        text << L"    " << parameter.first.c_str() << L" = " << parameter.second.c_str() << L"\n";
-    Console::Complain(text.str());
 }
 
 /// The host's own log: since the two are joined, the module's events stand in it too.

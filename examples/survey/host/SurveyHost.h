@@ -1,17 +1,16 @@
 #pragma once
 
 #include "examples/survey/host/ProgressPrinter.h"
+#include "examples/survey/host/SurveyResult.h"
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-class MError;
 struct Options;
-struct SurveyReport;
 
 /// A host from load to shutdown: joins its flow logger to the module's, registers its callbacks,
-/// has files surveyed, and shows what came of it.
+/// has files surveyed, and shows and keeps what came of it.
 class SurveyHost
 {
 public:
@@ -19,15 +18,15 @@ public:
 
     explicit SurveyHost(const Options& options);
 
-    /// Does what the options ask for. True when every file could be surveyed.
+    /// Does what the options ask for. True when every file could be surveyed, or read.
     bool Run();
 
 private:
     void Connect();
+    bool PrintReports();
     bool SurveyAll();
-    bool SurveyOne(std::uint32_t survey);
-    void ShowReport(const std::wstring& path, const SurveyReport& report);
-    void ShowFailure(const std::wstring& path, const MError& failure);
+    SurveyResult SurveyOne(std::uint32_t survey);
+    void Keep(const std::vector<SurveyResult>& results);
     void PrintDump();
 
     const Options& options;

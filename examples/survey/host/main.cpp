@@ -15,23 +15,35 @@ const wchar_t help[] =
     L"CRC-32.\n"
     L"\n"
     L"  --dump   print the flight recorder at the end: the host's and the module's events\n"
+    L"  --report print a report again: the FILEs, or else the one of the last run\n"
+    L"  --fatal  let an exception end an engine thread first, to see its text arrive\n"
     L"  --crash  fault on the engine thread first, to see survey-host.dmp being written\n"
     L"  --help   this text\n"
     L"\n"
-    L"Exit codes: 0 all files were surveyed, 1 some could not be, 2 the command line is wrong,\n"
+    L"The report of a run goes to survey-report.xml in the current folder, unless the registry\n"
+    L"names another file: HKEY_CURRENT_USER\\Software\\Varek\\Survey\\Settings, ReportFile.\n"
+    L"\n"
+    L"Exit codes: 0 all files were surveyed or read, 1 some could not be, 2 the command line is "
+    L"wrong,\n"
     L"3 the module failed; after a fault, the code that Windows gives (0xC0000005 with --crash).\n";
 
 enum ExitCode { Complete = 0, Incomplete = 1, Usage = 2, Failed = 3 };
+
+std::wstring FailureCode(const MException& exception)
+{
+    const std::uint32_t errors = exception.GetErrorCount();
+    return errors == 0 ? L"(no error)"
+                       : exception.GetError(static_cast<std::int32_t>(errors - 1))
+                             ->GetMessageText()
+                             .c_str();
+}
 
 int RunHost(const Options& options)
 {
     try {
         return SurveyHost(options).Run() ? Complete : Incomplete;
     } catch (MException& exception) {
-        const std::uint32_t errors = exception.GetErrorCount();
-        if (errors != 0)
-            Console::Complain(
-                exception.GetError(static_cast<std::int32_t>(errors - 1))->GetCode().c_str());
+        Console::Complain(L"survey-host: the module failed: " + FailureCode(exception) + L"\n");
         return Failed;
     }
 }
@@ -50,8 +62,8 @@ int wmain(int argc, wchar_t** argv)
         Console::Print(help);
         return Complete;
     }
-    if (options.paths.empty() && !options.crash) {
-        Console::Complain(std::wstring(L"survey-host: no file given\n") + help);
+    if (!options.AskForWork()) {
+        Console::Complain(std::wstring(L"survey-host: nothing to do\n") + help);
         return Usage;
     }
     return RunHost(options);

@@ -1,5 +1,6 @@
 #include "examples/survey/module/Survey.h"
 
+#include "examples/survey/module/FailingThread.h"
 #include "examples/survey/module/SurveyCommand.h"
 #include "foundation/MException.h"
 #include "module/ModuleCommandProcessor.h"
@@ -34,6 +35,13 @@ MExceptionSlot SurveyFile(const std::wstring& path, std::uint32_t survey, ISurve
     const MExceptionSlot slot(std::auto_ptr<MException>(new MException));
     ExecuteOnEngineThread(new SurveyCommand(slot, path, survey, listener, report));
     return slot;
+}
+
+void SurveyFatal()
+{
+    FailingThread thread(&ModuleCommandProcessor::GetInstance());
+    thread.Start();
+    thread.Stop();
 }
 
 void SurveyCrash()

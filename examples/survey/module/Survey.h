@@ -19,6 +19,10 @@ class ISurveyListener;
 VAREK_API MExceptionSlot SurveyFile(const std::wstring& path, std::uint32_t survey,
                                     ISurveyListener* listener, SurveyReport& report);
 
+/// Lets an exception end an engine thread of its own, and returns when that has happened. For
+/// seeing what the host is told.
+VAREK_API void SurveyFatal();
+
 /// Writes through a null pointer on the engine thread. For seeing what then happens; it does not
 /// return.
 VAREK_API void SurveyCrash();

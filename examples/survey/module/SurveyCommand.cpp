@@ -6,6 +6,7 @@
 #include "examples/survey/module/FileReader.h"
 #include "examples/survey/module/SurveyProgressEvent.h"
 #include "examples/survey/module/TextCounter.h"
+#include "examples/survey/module/XmlSurvey.h"
 #include "module/ModuleCommandProcessor.h"
 
 #include <memory>
@@ -36,23 +37,27 @@ void SurveyCommand::Execute()
     FileReader file(path);
     TextCounter counter;
     Crc32 crc;
+    XmlSurvey xml;
     while (file.ReadNext()) {
         counter.Add(file.GetData(), file.GetSize());
         crc.Add(file.GetData(), file.GetSize());
-        ReportProgress(file);
+        xml.Add(file.GetData(), file.GetSize());
+        ReportProgress(file.GetPercent());
     }
+    ReportProgress(100);
     report = counter.GetReport();
     report.crc32 = crc.GetValue();
+    report.xml = xml.GetReport();
 }
 
 /// One event a quarter of the file: the engine thread goes on while it is delivered.
-void SurveyCommand::ReportProgress(const FileReader& file)
+void SurveyCommand::ReportProgress(std::uint32_t percent)
 {
-    const std::uint32_t percent = file.GetPercent() / percentStep * percentStep;
-    if (!listener || percent <= reportedPercent)
+    const std::uint32_t quarter = percent / percentStep * percentStep;
+    if (!listener || quarter <= reportedPercent)
         return;
-    reportedPercent = percent;
-    std::unique_ptr<SurveyProgressEvent> event(new SurveyProgressEvent(listener, survey, percent));
+    reportedPercent = quarter;
+    std::unique_ptr<SurveyProgressEvent> event(new SurveyProgressEvent(listener, survey, quarter));
     ModuleCommandProcessor::GetInstance().GetDesyncScheduler()->ScheduleDesyncEvent(event.get());
     event.release();
 }

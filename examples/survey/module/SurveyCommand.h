@@ -5,7 +5,6 @@
 
 #include <string>
 
-class FileReader;
 class ISurveyListener;
 
 /// Surveys one file on the engine thread.
@@ -19,7 +18,7 @@ public:
 
 private:
     void Execute() override;
-    void ReportProgress(const FileReader& file);
+    void ReportProgress(std::uint32_t percent);
 
     std::wstring path;
     std::uint32_t survey;

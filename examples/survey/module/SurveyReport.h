@@ -1,6 +1,16 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+
+/// What a survey of a file found in it as an XML document.
+struct XmlReport {
+    bool isXml;           ///< whether it looks like one; nothing else is filled if not
+    bool wellFormed;      ///< with one root element
+    std::wstring finding; ///< in words, with its offset in characters; empty if well-formed
+    std::uint64_t elements;
+    std::uint64_t depth; ///< of the innermost element; the root's is 1
+};
 
 /// What a survey of a file found.
 struct SurveyReport {
@@ -9,4 +19,5 @@ struct SurveyReport {
     std::uint64_t words;       ///< runs of anything but blanks
     std::uint64_t longestLine; ///< in bytes, without its line end
     std::uint32_t crc32;       ///< of the whole file
+    XmlReport xml;
 };
