@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <clocale>
 #include <limits>
+#include <thread>
 
 namespace
 {
@@ -110,13 +113,21 @@ TEST(MOutFilerTaggedXml, EmbeddedDocumentTakesTheTag)
               TextOf(filer));
 }
 
-TEST(MOutFilerTaggedXml, ProcessLocaleDoesNotShow)
+TEST(MOutFilerTaggedXml, ProcessLocaleDoesNotShowAndIsLeftAlone)
 {
     const std::string before = setlocale(LC_ALL, nullptr);
     ASSERT_NE(nullptr, setlocale(LC_ALL, "German"));
-    EXPECT_EQ(L"<v type=\"float\">1.50000000e+06</v>",
-              Filed([](MOutFilerTaggedXml& f) { return f.WriteFloat(L"v", 1500000); }));
+    std::atomic<int> wrong{0};
+    std::thread filing([&] {
+        for (int i = 0; i < 2000; ++i)
+            wrong += L"<v type=\"float\">1.50000000e+06</v>" !=
+                     Filed([](MOutFilerTaggedXml& f) { return f.WriteFloat(L"v", 1500000); });
+    });
+    for (int i = 0; i < 20000; ++i)
+        wrong += *localeconv()->decimal_point != ',';
+    filing.join();
     setlocale(LC_ALL, before.c_str());
+    EXPECT_EQ(0, wrong);
 }
 
 TEST(MOutFilerTaggedXml, LackOfMemoryLeavesByException)
