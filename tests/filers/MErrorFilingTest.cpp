@@ -2,7 +2,7 @@
 #include "filers/MInFilerTaggedXml.h"
 #include "filers/MOutFilerTaggedXml.h"
 #include "foundation/MErrorOutOfMemory.h"
-#include "foundation/MException.h"
+#include "tests/filers/ErrorChains.h"
 #include "tests/filers/ScriptedFilers.h"
 #include "tests/support/Allocations.h"
 
@@ -37,35 +37,9 @@ MString Chain(const wchar_t* content)
         .c_str();
 }
 
-class CarryingError : public MError
-{
-public:
-    explicit CarryingError(const MString& text) : MError(L"Carrier"), text(text) {}
-    MString GetChainText() const override { return text; }
-    MDynObject* Clone() const override { return new CarryingError(*this); }
-
-private:
-    MString text;
-};
-
-/// The Codes of a chain with their parameters, in one line.
-std::wstring Summary(const MException& exception)
-{
-    std::wstring summary;
-    for (std::uint32_t i = 0; i < exception.GetErrorCount(); ++i) {
-        const MError& error = *exception.GetError(static_cast<std::int32_t>(i));
-        summary += error.GetCode().c_str();
-        for (const auto& parameter : error.GetParameters())
-            summary +=
-                std::wstring(L" ") + parameter.first.c_str() + L"=" + parameter.second.c_str();
-        summary += L";";
-    }
-    return summary;
-}
-
 std::wstring Unfolded(const MString& text)
 {
-    return Summary(MException(CarryingError(text)));
+    return ChainSummary(MException(CarryingError(text)));
 }
 
 } // namespace
@@ -105,7 +79,7 @@ TEST(ErrorFiling, CarriedChainUnfoldsInFrontOfItsCarrier)
     MException exception(MakeError());
     exception.AddError(MErrorOutOfMemory());
     const MException unfolded{CarryingError(Filed(exception))};
-    EXPECT_EQ(L"Pump.Drain:Blocked Z=<&> a= status=258;;Carrier;", Summary(unfolded));
+    EXPECT_EQ(L"Pump.Drain:Blocked Z=<&> a= status=258;;Carrier;", ChainSummary(unfolded));
     EXPECT_STREQ(L"Unspecified error", unfolded.GetError(1)->GetMessageText().c_str());
     EXPECT_EQ(L"Carrier;", Unfolded(Filed(MException())));
 }
