@@ -3,7 +3,7 @@
 
 MXmlElementParser::MXmlElementParser(MXmlMarkup& markup, std::int32_t startRecord,
                                      MXmlTokenCursor& freshCursor)
-    : document(markup), cursor(freshCursor),
+    : document(markup), records(markup.records), cursor(freshCursor),
       open(cursor.text, (cursor.flags & XmlDocIgnoreCase) != 0, startRecord),
       startLevel(document.records[startRecord].Level())
 {
@@ -172,11 +172,6 @@ void MXmlElementParser::Note(const std::wstring& finding)
 bool MXmlElementParser::HasFinding() const
 {
     return !document.errorText.empty();
-}
-
-MXmlElementRecord& MXmlElementParser::Record(std::int32_t index)
-{
-    return document.records[index];
 }
 
 std::wstring MXmlElementParser::TokenName() const

@@ -2,9 +2,9 @@
 
 #include "xml/MXmlNodeScan.h"
 #include "xml/MXmlOpenElements.h"
+#include "xml/MXmlRecordStore.h"
 
 class MXmlMarkup;
-struct MXmlElementRecord;
 
 /// One run over a text that adds a record to a document for every element it finds. No finding
 /// stops the run; the first one is left in the document's error text.
@@ -35,11 +35,12 @@ private:
 
     void Note(const std::wstring& finding);
     bool HasFinding() const;
-    MXmlElementRecord& Record(std::int32_t index);
+    MXmlElementRecord& Record(std::int32_t index) { return records[index]; }
     std::wstring TokenName() const;
     std::wstring OpenName(const MXmlOpenElement& element) const;
 
     MXmlMarkup& document;
+    MXmlRecordStore& records;
     MXmlTokenCursor& cursor;
     MXmlNodeScan scan;
     MXmlOpenElements open;

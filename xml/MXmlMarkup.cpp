@@ -1,7 +1,6 @@
 #include "xml/MXmlMarkup.h"
 #include "xml/MXmlElementParser.h"
-
-#include <cwchar>
+#include "xml/XmlRunSearch.h"
 
 constexpr std::size_t MXmlMarkup::MaxTextLength;
 
@@ -12,7 +11,7 @@ MXmlMarkup::MXmlMarkup()
 
 int MXmlMarkup::LoadText(const wchar_t* text)
 {
-    const std::size_t length = text ? std::wcslen(text) : 0;
+    const std::size_t length = text ? TextLength(text) : 0;
     CheckLength(length);
     documentText.assign(text ? text : L"", length);
     errorText.clear();
@@ -78,4 +77,13 @@ std::int32_t MXmlMarkup::TakeRecord()
 bool MXmlMarkup::IsElement(std::int32_t record) const
 {
     return record > 0 && record < nextFreeIndex && !records[record].Has(XmlElementDeleted);
+}
+
+// An ill-formed document can leave elements that no walk reaches; they may outlive what contained
+// them.
+bool MXmlMarkup::IsInDocument(std::int32_t record) const
+{
+    while (record != 0 && !records[record].Has(XmlElementDeleted))
+        record = records[record].parent;
+    return record == 0;
 }

@@ -70,7 +70,8 @@ struct MXmlInsertRequest {
 /// characters. `MXmlElementRecord` gives the limits of a single tag. There is no limit on nesting.
 ///
 /// Texts that are passed in end with a zero; a null pointer counts as the empty text where nothing
-/// else is said. A record index that names no element of the document counts as 0.
+/// else is said. A record index that names no element is answered as 0 is: with an empty text, or
+/// false.
 ///
 /// Failure. Bad input is never an error of the program: a text that is not well-formed is indexed
 /// as well as can be, and remains fully usable; operations that cannot be carried out answer false
@@ -243,6 +244,7 @@ private:
     std::int32_t ParseElements(std::int32_t startRecord, MXmlTokenCursor& cursor);
     std::int32_t TakeRecord();
     bool IsElement(std::int32_t record) const;
+    bool IsInDocument(std::int32_t record) const;
 
     void ClearPosition();
     void MoveTo(std::int32_t parent, std::int32_t main, std::int32_t child);

@@ -3,7 +3,7 @@
 bool MXmlMarkup::SetAttribute(std::int32_t record, const wchar_t* name, const wchar_t* value)
 {
     MXmlTokenCursor cursor = CursorAt(0);
-    if (!name || !OpenTag(record, cursor))
+    if (!name || !OpenTag(record, cursor) || !IsInDocument(record))
         return false;
     std::wstring text = L"\"" + EscapeText(value, XmlAddEscapeQuotes) + L"\"";
     std::int32_t offset = cursor.next;

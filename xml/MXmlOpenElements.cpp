@@ -18,20 +18,6 @@ MXmlOpenElements::MXmlOpenElements(const wchar_t* source, bool ignoresCase,
     entries.push_back({startRecord, 0, 0, 0, 0});
 }
 
-void MXmlOpenElements::Push(const MXmlOpenElement& element)
-{
-    if (entries.size() == entries.capacity())
-        entries.reserve(entries.size() * 2 + 6);
-    entries.push_back(element);
-}
-
-void MXmlOpenElements::PopTo(std::int32_t depth)
-{
-    entries.resize(static_cast<std::size_t>(depth) + 1);
-    if (indexedDepth > depth)
-        DropKeysAbove(depth);
-}
-
 std::int32_t MXmlOpenElements::FindNewest(const wchar_t* name, std::int32_t length)
 {
     const std::int32_t far = std::max(Depth() - Nearby, 0);
@@ -56,6 +42,8 @@ bool MXmlOpenElements::Matches(std::int32_t depth, const wchar_t* name, std::int
 
 void MXmlOpenElements::IndexEntries()
 {
+    if (indexedDepth == 0)
+        index.Reserve(entries.size());
     while (indexedDepth < Depth())
         AddKeys(++indexedDepth);
 }
@@ -67,28 +55,15 @@ void MXmlOpenElements::AddKeys(std::int32_t depth)
     std::uint64_t hash = EmptyHash;
     for (std::int32_t i = 0; i < entry.nameLength; ++i) {
         if (i > 0 && XmlCharacters::MayFollowMatch(name[i]))
-            AddKey(hash, depth);
+            index.Add(hash, depth);
         hash = Extend(hash, name[i]);
     }
-    AddKey(hash, depth);
-}
-
-void MXmlOpenElements::AddKey(std::uint64_t hash, std::int32_t depth)
-{
-    std::int32_t& newest = newestKey[hash];
-    keys.push_back({hash, depth, newest});
-    newest = static_cast<std::int32_t>(keys.size());
+    index.Add(hash, depth);
 }
 
 void MXmlOpenElements::DropKeysAbove(std::int32_t depth)
 {
-    for (; !keys.empty() && keys.back().depth > depth; keys.pop_back()) {
-        const Key& key = keys.back();
-        if (key.older == 0)
-            newestKey.erase(key.hash);
-        else
-            newestKey[key.hash] = key.older;
-    }
+    index.DropAbove(depth);
     indexedDepth = depth;
 }
 
@@ -97,13 +72,9 @@ std::int32_t MXmlOpenElements::FindIndexed(const wchar_t* name, std::int32_t len
     std::uint64_t hash = EmptyHash;
     for (std::int32_t i = 0; i < length; ++i)
         hash = Extend(hash, name[i]);
-    const auto newest = newestKey.find(hash);
-    std::int32_t place = newest == newestKey.end() ? 0 : newest->second;
-    while (place != 0) {
-        const Key& key = keys[static_cast<std::size_t>(place) - 1];
-        if (Matches(key.depth, name, length))
-            return key.depth;
-        place = key.older;
+    for (std::int32_t place = index.Newest(hash); place != 0; place = index.Older(place)) {
+        if (Matches(index.Depth(place), name, length))
+            return index.Depth(place);
     }
     return 0;
 }

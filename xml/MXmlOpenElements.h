@@ -1,7 +1,8 @@
 #pragma once
 
+#include "xml/MXmlNameIndex.h"
+
 #include <cstdint>
-#include <unordered_map>
 #include <vector>
 
 /// An element whose end tag has not been seen yet. The children are kept here until it is closed.
@@ -32,30 +33,32 @@ public:
         return entries[static_cast<std::size_t>(depth)];
     }
 
-    void Push(const MXmlOpenElement& element);
+    void Push(const MXmlOpenElement& element)
+    {
+        if (entries.size() == entries.capacity())
+            entries.reserve(entries.size() * 2 + 6);
+        entries.push_back(element);
+    }
 
     /// Drops what lies above `depth`.
-    void PopTo(std::int32_t depth);
+    void PopTo(std::int32_t depth)
+    {
+        entries.resize(static_cast<std::size_t>(depth) + 1);
+        if (indexedDepth > depth)
+            DropKeysAbove(depth);
+    }
 
     /// Depth of the uppermost element that an end tag of this name closes, 0 if there is none. An
     /// end tag also closes a longer name that goes on with one of " =/[]".
     std::int32_t FindNewest(const wchar_t* name, std::int32_t length);
 
-    bool Matches(std::int32_t depth, const wchar_t* name, std::int32_t length) const;
-
 private:
-    // A name that closes the entry at `depth`, and the next older key of the same hash.
-    struct Key {
-        std::uint64_t hash;
-        std::int32_t depth;
-        std::int32_t older;
-    };
+    bool Matches(std::int32_t depth, const wchar_t* name, std::int32_t length) const;
 
     static constexpr std::int32_t Nearby = 16;
 
     void IndexEntries();
     void AddKeys(std::int32_t depth);
-    void AddKey(std::uint64_t hash, std::int32_t depth);
     void DropKeysAbove(std::int32_t depth);
     std::int32_t FindIndexed(const wchar_t* name, std::int32_t length) const;
     std::uint64_t Extend(std::uint64_t hash, wchar_t c) const;
@@ -64,7 +67,5 @@ private:
     bool ignoreCase;
     std::vector<MXmlOpenElement> entries;
     std::int32_t indexedDepth = 0;
-    // Keys of the indexed entries in the order of the stack; places are counted from 1.
-    std::vector<Key> keys;
-    std::unordered_map<std::uint64_t, std::int32_t> newestKey;
+    MXmlNameIndex index;
 };

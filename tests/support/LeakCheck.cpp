@@ -6,12 +6,13 @@
 
 std::int64_t LeakCheck::expected = 0;
 
-// What the first event, number and trace make is kept for good; no test is to answer for it.
+// What the first event, the first number and the first trace make is kept for good; no test is to
+// answer for it.
 LeakCheck::LeakCheck()
 {
+    SCOPED_TRACE("");
     MFlowLogger::GetInstance();
     MError().AddParameter(L"number", 1);
-    SCOPED_TRACE("trace");
 }
 
 void LeakCheck::Keep(std::int64_t blocks)

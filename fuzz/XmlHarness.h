@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+/// Plays an input on a document and answers the first rule that it broke, or an empty text.
+///
+/// An input is a document and operations on it, separated by "|". An operation is a letter, a
+/// character that chooses flags, types or records, and arguments separated by ",":
+///
+///     <a><b/></a>|f|e|f0b|t0name,value|a0c,data
+///
+///     L load        f find        e enter         l leave        s save        r restore
+///     g read        a add element n add node      t set attribute (current)
+///     m replace the inner markup  x set attribute (any record)   c turn the regard of case
+///     u escape and unescape
+///
+/// Characters are bytes; those from 128 up stand for characters from 0x100 up.
+std::string PlayXmlInput(const std::uint8_t* data, std::size_t size);

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+/// Finds out by the hash of a name which entries of a stack have it, the newest first. Keys come
+/// and go in the order of the stack; an entry may have several.
+class MXmlNameIndex
+{
+public:
+    /// Makes room for so many keys at once.
+    void Reserve(std::size_t keyCount);
+
+    /// Adds a key of the entry at `depth`, which must not be below that of any key there.
+    void Add(std::uint64_t hash, std::int32_t depth);
+
+    /// Drops the keys of the entries above `depth`.
+    void DropAbove(std::int32_t depth);
+
+    /// The place of the newest key with that hash, 0 if there is none.
+    std::int32_t Newest(std::uint64_t hash) const;
+
+    /// The place of the next older key with the same hash, 0 if there is none.
+    std::int32_t Older(std::int32_t place) const { return KeyAt(place).older; }
+
+    std::int32_t Depth(std::int32_t place) const { return KeyAt(place).depth; }
+
+private:
+    struct Key {
+        std::uint64_t hash;
+        std::int32_t depth;
+        std::int32_t older;
+    };
+
+    // One for each hash that has been there since the table was last made; `newest` is 0 in a free
+    // one, and in one whose keys are gone, which is told by its hash.
+    struct Slot {
+        std::uint64_t hash;
+        std::int32_t newest;
+        bool taken;
+    };
+
+    const Key& KeyAt(std::int32_t place) const { return keys[static_cast<std::size_t>(place) - 1]; }
+    std::size_t SlotOf(std::uint64_t hash) const;
+    Slot& TakeSlot(std::uint64_t hash);
+    void MakeTable(std::size_t slotCount);
+
+    // Places are counted from 1.
+    std::vector<Key> keys;
+    // As many as a power of two, at most half of them taken.
+    std::vector<Slot> slots;
+    std::size_t takenSlots = 0;
+};
