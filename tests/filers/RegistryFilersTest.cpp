@@ -359,9 +359,12 @@ TEST_F(RegistryFilers, LackOfMemoryLeavesNothingOpen)
         double value = 0;
         reader.ReadDouble(L"v", &value, 0);
     };
-    writeAndRead();
+    const auto failEachTime = [&] {
+        ForEachFailingAllocation(
+            AllocationFailure::Throws, writeAndRead,
+            [](ShortageOutcome outcome) { EXPECT_NE(ShortageOutcome::Completed, outcome); });
+    };
+    failEachTime();
     const ExpectSameHandles handles;
-    ForEachFailingAllocation(AllocationFailure::Throws, writeAndRead, [](ShortageOutcome outcome) {
-        EXPECT_NE(ShortageOutcome::Completed, outcome);
-    });
+    failEachTime();
 }

@@ -13,7 +13,6 @@ LeakCheck::LeakCheck()
 {
     MFlowLogger::GetInstance();
     MError().AddParameter(L"number", 1);
-    SCOPED_TRACE("trace");
 }
 
 void LeakCheck::Skip()
