@@ -1,5 +1,6 @@
 #include "xml/MXmlElementParser.h"
 #include "xml/MXmlMarkup.h"
+#include "xml/XmlRunSearch.h"
 
 MXmlElementParser::MXmlElementParser(MXmlMarkup& markup, std::int32_t startRecord,
                                      MXmlTokenCursor& freshCursor)
@@ -12,6 +13,8 @@ MXmlElementParser::MXmlElementParser(MXmlMarkup& markup, std::int32_t startRecor
 std::int32_t MXmlElementParser::Run()
 {
     for (;;) {
+        // Text leaves no trace, so its nodes are passed over in one go.
+        cursor.next = cursor.OffsetOf(FindCharacter<L'<'>(cursor.Next(), cursor.TextEnd()));
         switch (ScanXmlNode(cursor, scan)) {
         case XmlNodeElement:
             OnStartTag();
