@@ -2,14 +2,14 @@
 
 #include <cwchar>
 
-#if defined(__SSE2__) || defined(_M_X64)
+#if defined(__SSE2__) && defined(__GNUC__)
 #include <emmintrin.h>
 #endif
 
 namespace
 {
 
-#if defined(__SSE2__) || defined(_M_X64)
+#if defined(__SSE2__) && defined(__GNUC__)
 
 template <int Width>
 struct MLanes;
@@ -30,31 +30,27 @@ using Lanes = MLanes<sizeof(wchar_t)>;
 
 constexpr std::ptrdiff_t BlockLength = sizeof(__m128i) / sizeof(wchar_t);
 
-bool AnySet(__m128i lanes)
-{
-    return _mm_movemask_epi8(lanes) != 0;
-}
-
-// Goes on by whole blocks while none of them holds either character.
+// Goes on by whole blocks, to the first character looked for or to less than a block before the
+// end.
 const wchar_t* SkipBlocks(const wchar_t* at, const wchar_t* end, wchar_t first, wchar_t second)
 {
     const __m128i firsts = Lanes::Fill(first);
     const __m128i seconds = Lanes::Fill(second);
     for (; end - at >= BlockLength; at += BlockLength) {
         const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-        if (AnySet(_mm_or_si128(Lanes::Equal(block, firsts), Lanes::Equal(block, seconds))))
-            break;
+        const __m128i hits =
+            _mm_or_si128(Lanes::Equal(block, firsts), Lanes::Equal(block, seconds));
+        const int hitBytes = _mm_movemask_epi8(hits);
+        if (hitBytes != 0)
+            return at + static_cast<std::size_t>(__builtin_ctz(static_cast<unsigned>(hitBytes))) /
+                            sizeof(wchar_t);
     }
     return at;
 }
 
 // Aligned blocks never reach into a page that the text does not reach into, so reading past its end
 // within a block is harmless; only a checker of addresses has to be told.
-#if defined(__GNUC__)
-__attribute__((no_sanitize_address))
-#endif
-const wchar_t*
-SkipBlocksToZero(const wchar_t* at)
+__attribute__((no_sanitize_address)) const wchar_t* SkipBlocksToZero(const wchar_t* at)
 {
     while ((reinterpret_cast<std::uintptr_t>(at) & (sizeof(__m128i) - 1)) != 0) {
         if (*at == 0)
@@ -62,7 +58,8 @@ SkipBlocksToZero(const wchar_t* at)
         ++at;
     }
     const __m128i zeros = _mm_setzero_si128();
-    while (!AnySet(Lanes::Equal(_mm_load_si128(reinterpret_cast<const __m128i*>(at)), zeros)))
+    while (_mm_movemask_epi8(
+               Lanes::Equal(_mm_load_si128(reinterpret_cast<const __m128i*>(at)), zeros)) == 0)
         at += BlockLength;
     return at;
 }

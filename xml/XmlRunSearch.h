@@ -19,7 +19,7 @@ template <wchar_t First, wchar_t Second = First>
 const wchar_t* FindCharacter(const wchar_t* at, const wchar_t* end)
 {
     using XmlCharacters::Bit;
-    constexpr int shortRun = 16;
+    constexpr int shortRun = 4;
     for (int i = 0; i < shortRun; ++i, ++at) {
         if (XmlCharacters::In<Bit(First) | Bit(Second) | Bit(0)>(*at))
             return at;
