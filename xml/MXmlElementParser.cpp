@@ -1,5 +1,6 @@
 #include "xml/MXmlElementParser.h"
 #include "xml/MXmlMarkup.h"
+#include "xml/XmlCharacters.h"
 #include "xml/XmlRunSearch.h"
 
 MXmlElementParser::MXmlElementParser(MXmlMarkup& markup, std::int32_t startRecord,
@@ -15,6 +16,10 @@ std::int32_t MXmlElementParser::Run()
     for (;;) {
         // Text leaves no trace, so its nodes are passed over in one go.
         cursor.next = cursor.OffsetOf(FindCharacter<L'<'>(cursor.Next(), cursor.TextEnd()));
+        if (ClosesTop()) {
+            Close(open.Depth());
+            continue;
+        }
         switch (ScanXmlNode(cursor, scan)) {
         case XmlNodeElement:
             OnStartTag();
@@ -32,6 +37,23 @@ std::int32_t MXmlElementParser::Run()
             break;
         }
     }
+}
+
+// Whether an end tag comes that spells the innermost open element's name and nothing more, as most
+// do. It is then scanned.
+bool MXmlElementParser::ClosesTop()
+{
+    const wchar_t* at = cursor.Next();
+    if (open.Depth() == 0 || *at == 0 || at[1] != L'/')
+        return false;
+    const MXmlOpenElement& top = open.Top();
+    if (!XmlCharacters::Equal(cursor.text + top.nameStart, at + 2, top.nameLength, false) ||
+        at[2 + top.nameLength] != L'>')
+        return false;
+    scan.start = cursor.next;
+    scan.length = top.nameLength + 3;
+    cursor.next = scan.End();
+    return true;
 }
 
 void MXmlElementParser::OnStartTag()

@@ -19,6 +19,7 @@ public:
     std::int32_t Run();
 
 private:
+    bool ClosesTop();
     void OnStartTag();
     void OnEndTag();
     void OnIllFormedNode();
