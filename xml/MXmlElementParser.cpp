@@ -32,7 +32,7 @@ std::int32_t MXmlElementParser::Run()
             break;
         case XmlScanEndOfText:
             OnEndOfText();
-            return firstElement;
+            return open[0].firstChild;
         default:
             break;
         }
@@ -58,35 +58,28 @@ bool MXmlElementParser::ClosesTop()
 
 void MXmlElementParser::OnStartTag()
 {
-    MXmlOpenElement& parent = open.Top();
-    const std::int32_t added = AddRecord(parent);
-    if (parent.firstChild == 0)
-        parent.firstChild = added;
-    else
-        Record(parent.lastChild).nextSibling = added;
-    parent.lastChild = added;
-    if (firstElement == 0)
-        firstElement = added;
-    if ((scan.flags & XmlScanEmptyElement) == 0)
-        open.Push({added, cursor.start, cursor.TokenLength(), 0, 0});
-}
-
-std::int32_t MXmlElementParser::AddRecord(const MXmlOpenElement& parent)
-{
     const std::int32_t added = document.TakeRecord();
-    const bool first = parent.firstChild == 0;
+    MXmlOpenElement& parent = open.Top();
     MXmlElementRecord& record = Record(added);
     record.start = scan.start;
     record.length = scan.length;
     record.tagLengths = static_cast<std::uint32_t>(scan.length) & MXmlElementRecord::StartTagMask;
     record.flagsAndLevel =
-        ((startLevel + static_cast<std::uint32_t>(open.Depth())) & MXmlElementRecord::LevelMask) |
-        (first ? XmlElementFirstChild : 0u);
+        (startLevel + static_cast<std::uint32_t>(open.Depth())) & MXmlElementRecord::LevelMask;
     record.parent = parent.record;
     record.firstChild = 0;
     record.nextSibling = 0;
-    record.previousSibling = first ? added : parent.lastChild;
-    return added;
+    if (parent.firstChild == 0) {
+        record.Set(XmlElementFirstChild);
+        record.previousSibling = added;
+        parent.firstChild = added;
+    } else {
+        record.previousSibling = parent.lastChild;
+        Record(parent.lastChild).nextSibling = added;
+    }
+    parent.lastChild = added;
+    if ((scan.flags & XmlScanEmptyElement) == 0)
+        open.Push({added, cursor.start, cursor.TokenLength(), 0, 0});
 }
 
 void MXmlElementParser::OnEndTag()

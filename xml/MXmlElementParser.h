@@ -25,7 +25,6 @@ private:
     void OnIllFormedNode();
     void OnEndOfText();
 
-    std::int32_t AddRecord(const MXmlOpenElement& parent);
     void Close(std::int32_t depth);
     void KeepChildren(MXmlOpenElement& element);
     void MarkIllFormed();
@@ -45,6 +44,5 @@ private:
     MXmlTokenCursor& cursor;
     MXmlNodeScan scan;
     MXmlOpenElements open;
-    std::int32_t firstElement = 0;
     std::uint32_t startLevel;
 };

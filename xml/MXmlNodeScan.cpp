@@ -49,28 +49,26 @@ const wchar_t* ScanSpace(const MXmlTokenCursor& cursor, const wchar_t* at, MXmlN
 
 // What follows an "=" outside quotes: answers the closing quote of a quoted value, the ">" or end
 // of text where there is no value, and else the first character of an unquoted value.
-const wchar_t* SkipValue(const wchar_t* at)
+const wchar_t* SkipValue(const wchar_t* at, const wchar_t* end)
 {
     while (IsSpace(*at))
         ++at;
-    if (!IsQuote(*at))
-        return at;
-    const wchar_t quote = *at;
-    do
-        ++at;
-    while (*at != quote && *at != 0);
+    if (*at == L'"')
+        return FindCharacter<L'"'>(at + 1, end);
+    if (*at == L'\'')
+        return FindCharacter<L'\''>(at + 1, end);
     return at;
 }
 
 // The ">" that ends the start tag, or the end of text.
-const wchar_t* FindTagEnd(const wchar_t* at)
+const wchar_t* FindTagEnd(const wchar_t* at, const wchar_t* end)
 {
     using XmlCharacters::Bit;
     for (;; ++at) {
         while (!XmlCharacters::In<Bit('=') | Bit('>') | Bit(0)>(*at))
             ++at;
         if (*at == L'=' && at[-1] != L'=')
-            at = SkipValue(at + 1);
+            at = SkipValue(at + 1, end);
         if (*at == L'>' || *at == 0)
             return at;
     }
@@ -87,7 +85,7 @@ const wchar_t* ScanStartTag(MXmlTokenCursor& cursor, const wchar_t* at, MXmlNode
 {
     scan.type = XmlNodeElement;
     const wchar_t* nameEnd = ScanName(cursor, at);
-    const wchar_t* tagEnd = FindTagEnd(nameEnd);
+    const wchar_t* tagEnd = FindTagEnd(nameEnd, cursor.TextEnd());
     if (*tagEnd == 0)
         return Unterminated(cursor, L"Element tag at offset %d unterminated", scan);
     if (ClosesEmptyElement(tagEnd, nameEnd))
