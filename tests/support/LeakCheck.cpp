@@ -11,6 +11,7 @@ bool LeakCheck::skipped = false;
 // answer for it.
 LeakCheck::LeakCheck()
 {
+    SCOPED_TRACE("");
     MFlowLogger::GetInstance();
     MError().AddParameter(L"number", 1);
 }
