@@ -1,5 +1,7 @@
 #include "xml/MXmlElementParser.h"
 #include "xml/MXmlMarkup.h"
+#include "xml/XmlCharacters.h"
+#include "xml/XmlRunSearch.h"
 
 MXmlElementParser::MXmlElementParser(MXmlMarkup& markup, std::int32_t startRecord,
                                      MXmlTokenCursor& freshCursor)
@@ -12,6 +14,12 @@ MXmlElementParser::MXmlElementParser(MXmlMarkup& markup, std::int32_t startRecor
 std::int32_t MXmlElementParser::Run()
 {
     for (;;) {
+        // Text leaves no trace, so its nodes are passed over in one go.
+        cursor.next = cursor.OffsetOf(FindCharacter<L'<'>(cursor.Next(), cursor.TextEnd()));
+        if (ClosesTop()) {
+            Close(open.Depth());
+            continue;
+        }
         switch (ScanXmlNode(cursor, scan)) {
         case XmlNodeElement:
             OnStartTag();
@@ -24,44 +32,54 @@ std::int32_t MXmlElementParser::Run()
             break;
         case XmlScanEndOfText:
             OnEndOfText();
-            return firstElement;
+            return open[0].firstChild;
         default:
             break;
         }
     }
 }
 
-void MXmlElementParser::OnStartTag()
+// Whether an end tag comes that spells the innermost open element's name and nothing more, as most
+// do. It is then scanned.
+bool MXmlElementParser::ClosesTop()
 {
-    MXmlOpenElement& parent = open.Top();
-    const std::int32_t added = AddRecord(parent);
-    if (parent.firstChild == 0)
-        parent.firstChild = added;
-    else
-        Record(parent.lastChild).nextSibling = added;
-    parent.lastChild = added;
-    if (firstElement == 0)
-        firstElement = added;
-    if ((scan.flags & XmlScanEmptyElement) == 0)
-        open.Push({added, cursor.start, cursor.TokenLength(), 0, 0});
+    const wchar_t* at = cursor.Next();
+    if (open.Depth() == 0 || *at == 0 || at[1] != L'/')
+        return false;
+    const MXmlOpenElement& top = open.Top();
+    if (!XmlCharacters::Equal(cursor.text + top.nameStart, at + 2, top.nameLength, false) ||
+        at[2 + top.nameLength] != L'>')
+        return false;
+    scan.start = cursor.next;
+    scan.length = top.nameLength + 3;
+    cursor.next = scan.End();
+    return true;
 }
 
-std::int32_t MXmlElementParser::AddRecord(const MXmlOpenElement& parent)
+void MXmlElementParser::OnStartTag()
 {
     const std::int32_t added = document.TakeRecord();
-    const bool first = parent.firstChild == 0;
+    MXmlOpenElement& parent = open.Top();
     MXmlElementRecord& record = Record(added);
     record.start = scan.start;
     record.length = scan.length;
     record.tagLengths = static_cast<std::uint32_t>(scan.length) & MXmlElementRecord::StartTagMask;
     record.flagsAndLevel =
-        ((startLevel + static_cast<std::uint32_t>(open.Depth())) & MXmlElementRecord::LevelMask) |
-        (first ? XmlElementFirstChild : 0u);
+        (startLevel + static_cast<std::uint32_t>(open.Depth())) & MXmlElementRecord::LevelMask;
     record.parent = parent.record;
     record.firstChild = 0;
     record.nextSibling = 0;
-    record.previousSibling = first ? added : parent.lastChild;
-    return added;
+    if (parent.firstChild == 0) {
+        record.Set(XmlElementFirstChild);
+        record.previousSibling = added;
+        parent.firstChild = added;
+    } else {
+        record.previousSibling = parent.lastChild;
+        Record(parent.lastChild).nextSibling = added;
+    }
+    parent.lastChild = added;
+    if ((scan.flags & XmlScanEmptyElement) == 0)
+        open.Push({added, cursor.start, cursor.TokenLength(), 0, 0});
 }
 
 void MXmlElementParser::OnEndTag()

@@ -19,12 +19,12 @@ public:
     std::int32_t Run();
 
 private:
+    bool ClosesTop();
     void OnStartTag();
     void OnEndTag();
     void OnIllFormedNode();
     void OnEndOfText();
 
-    std::int32_t AddRecord(const MXmlOpenElement& parent);
     void Close(std::int32_t depth);
     void KeepChildren(MXmlOpenElement& element);
     void MarkIllFormed();
@@ -44,6 +44,5 @@ private:
     MXmlTokenCursor& cursor;
     MXmlNodeScan scan;
     MXmlOpenElements open;
-    std::int32_t firstElement = 0;
     std::uint32_t startLevel;
 };

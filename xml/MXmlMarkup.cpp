@@ -67,13 +67,6 @@ bool MXmlMarkup::GrowRecords(std::int32_t count)
     return true;
 }
 
-std::int32_t MXmlMarkup::TakeRecord()
-{
-    if (nextFreeIndex == records.Capacity())
-        GrowRecords(0);
-    return nextFreeIndex++;
-}
-
 bool MXmlMarkup::IsElement(std::int32_t record) const
 {
     return record > 0 && record < nextFreeIndex && !records[record].Has(XmlElementDeleted);

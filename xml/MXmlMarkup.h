@@ -242,7 +242,12 @@ private:
     int ParseDocument();
     void IndexDocument();
     std::int32_t ParseElements(std::int32_t startRecord, MXmlTokenCursor& cursor);
-    std::int32_t TakeRecord();
+    std::int32_t TakeRecord()
+    {
+        if (nextFreeIndex == records.Capacity())
+            GrowRecords(0);
+        return nextFreeIndex++;
+    }
     bool IsElement(std::int32_t record) const;
     bool IsInDocument(std::int32_t record) const;
 

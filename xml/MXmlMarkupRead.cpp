@@ -111,7 +111,8 @@ std::wstring MXmlMarkup::GetElementData(std::int32_t record) const
         return std::wstring();
     const std::int32_t start = CutToText(element.ContentStart());
     const std::int32_t end = CutToText(XmlOffsetSum(start, element.ContentLength()));
-    if (FindEitherCharacter(documentText.c_str(), start, end, L'<', L'<') < end)
+    const wchar_t* text = documentText.c_str();
+    if (FindFarCharacter(text + start, text + std::max(start, end), L'<', L'<') < text + end)
         return ContentData(start, end);
     return UnescapedTextAt(start, end - start);
 }

@@ -6,75 +6,71 @@
 namespace
 {
 
-using XmlCharacters::EndsTagName;
 using XmlCharacters::IsQuote;
 using XmlCharacters::IsSpace;
 
-// Every scan of a kind below answers where its node ends, and fills the rest of `scan`.
+// Every scan of a kind below begins at `at`, answers where its node ends, and fills the rest of
+// `scan`.
 
-std::int32_t Unterminated(const MXmlTokenCursor& cursor, const wchar_t* finding, MXmlNodeScan& scan)
+const wchar_t* Unterminated(const MXmlTokenCursor& cursor, const wchar_t* finding,
+                            MXmlNodeScan& scan)
 {
     scan.type = XmlScanIllFormed;
     scan.finding = finding;
-    return cursor.textLength;
+    return cursor.TextEnd();
 }
 
-std::int32_t ScanName(MXmlTokenCursor& cursor, std::int32_t offset)
+// Makes the name the token of the cursor, and answers its end.
+const wchar_t* ScanName(MXmlTokenCursor& cursor, const wchar_t* at)
 {
-    const wchar_t* at = cursor.text + offset;
-    while (!EndsTagName(*at))
+    cursor.start = cursor.OffsetOf(at);
+    while (!XmlCharacters::EndsTagName(*at))
         ++at;
-    cursor.start = offset;
-    cursor.end = static_cast<std::int32_t>(at - cursor.text) - 1;
-    return cursor.end + 1;
+    cursor.end = cursor.OffsetOf(at) - 1;
+    return at;
 }
 
-std::int32_t ScanText(const MXmlTokenCursor& cursor, std::int32_t offset, MXmlNodeScan& scan)
+const wchar_t* ScanText(const MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
 {
     scan.type = XmlNodeText;
-    offset = FindEitherCharacter(cursor.text, offset, cursor.textLength, L'<', L'>');
-    return cursor.text[offset] == L'>' ? offset + 1 : offset;
+    at = FindCharacter<L'<', L'>'>(at, cursor.TextEnd());
+    return *at == L'>' ? at + 1 : at;
 }
 
-std::int32_t ScanSpace(const MXmlTokenCursor& cursor, std::int32_t offset, MXmlNodeScan& scan)
+const wchar_t* ScanSpace(const MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
 {
-    do
-        ++offset;
-    while (IsSpace(cursor.text[offset]));
-    if (cursor.text[offset] != L'<' && cursor.text[offset] != 0)
-        return ScanText(cursor, offset, scan);
+    while (IsSpace(*at))
+        ++at;
+    if (*at != L'<' && *at != 0)
+        return ScanText(cursor, at, scan);
     scan.type = XmlNodeWhitespace;
-    return offset;
+    return at;
 }
 
 // What follows an "=" outside quotes: answers the closing quote of a quoted value, the ">" or end
 // of text where there is no value, and else the first character of an unquoted value.
-const wchar_t* SkipValue(const wchar_t* at)
+const wchar_t* SkipValue(const wchar_t* at, const wchar_t* end)
 {
     while (IsSpace(*at))
         ++at;
-    if (!IsQuote(*at))
-        return at;
-    const wchar_t quote = *at;
-    do
-        ++at;
-    while (*at != quote && *at != 0);
+    if (*at == L'"')
+        return FindCharacter<L'"'>(at + 1, end);
+    if (*at == L'\'')
+        return FindCharacter<L'\''>(at + 1, end);
     return at;
 }
 
 // The ">" that ends the start tag, or the end of text.
-const wchar_t* FindTagEnd(const wchar_t* at)
+const wchar_t* FindTagEnd(const wchar_t* at, const wchar_t* end)
 {
-    for (;;) {
-        const wchar_t c = *at;
-        if (c == L'>' || c == 0)
+    using XmlCharacters::Bit;
+    for (;; ++at) {
+        while (!XmlCharacters::In<Bit('=') | Bit('>') | Bit(0)>(*at))
+            ++at;
+        if (*at == L'=' && at[-1] != L'=')
+            at = SkipValue(at + 1, end);
+        if (*at == L'>' || *at == 0)
             return at;
-        if (c == L'=' && at[-1] != L'=') {
-            at = SkipValue(at + 1);
-            if (*at == L'>' || *at == 0)
-                return at;
-        }
-        ++at;
     }
 }
 
@@ -85,168 +81,169 @@ bool ClosesEmptyElement(const wchar_t* tagEnd, const wchar_t* nameEnd)
     return tagEnd - 1 == nameEnd || XmlCharacters::MayPrecedeSlash(tagEnd[-2]);
 }
 
-std::int32_t ScanStartTag(MXmlTokenCursor& cursor, std::int32_t offset, MXmlNodeScan& scan)
+const wchar_t* ScanStartTag(MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
 {
     scan.type = XmlNodeElement;
-    const wchar_t* nameEnd = cursor.text + ScanName(cursor, offset);
-    const wchar_t* tagEnd = FindTagEnd(nameEnd);
+    const wchar_t* nameEnd = ScanName(cursor, at);
+    const wchar_t* tagEnd = FindTagEnd(nameEnd, cursor.TextEnd());
     if (*tagEnd == 0)
         return Unterminated(cursor, L"Element tag at offset %d unterminated", scan);
     if (ClosesEmptyElement(tagEnd, nameEnd))
         scan.flags = XmlScanEmptyElement;
-    return static_cast<std::int32_t>(tagEnd - cursor.text) + 1;
+    return tagEnd + 1;
 }
 
-std::int32_t ScanEndTag(MXmlTokenCursor& cursor, std::int32_t offset, MXmlNodeScan& scan)
+const wchar_t* ScanEndTag(MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
 {
     scan.type = XmlScanEndTag;
-    offset =
-        FindEitherCharacter(cursor.text, ScanName(cursor, offset), cursor.textLength, L'>', L'>');
-    if (offset == cursor.textLength)
+    at = FindCharacter<L'>'>(ScanName(cursor, at), cursor.TextEnd());
+    if (*at == 0)
         return Unterminated(cursor, L"Element end tag at offset %d unterminated", scan);
-    return offset + 1;
+    return at + 1;
 }
 
 // Looks for the ">" with the `length` characters of `ending` before it.
-std::int32_t ScanToEnding(const MXmlTokenCursor& cursor, std::int32_t offset, const wchar_t* ending,
-                          std::int32_t length, const wchar_t* unterminated, MXmlNodeScan& scan)
+const wchar_t* ScanToEnding(const MXmlTokenCursor& cursor, const wchar_t* at, const wchar_t* ending,
+                            std::int32_t length, const wchar_t* unterminated, MXmlNodeScan& scan)
 {
-    for (;; ++offset) {
-        offset = FindEitherCharacter(cursor.text, offset, cursor.textLength, L'>', L'>');
-        if (offset == cursor.textLength)
+    for (;; ++at) {
+        at = FindCharacter<L'>'>(at, cursor.TextEnd());
+        if (*at == 0)
             return Unterminated(cursor, unterminated, scan);
         // An ending is never seen in the very first characters of the text, whole or not.
-        if (offset > length + 1 &&
-            XmlCharacters::Equal(cursor.text + offset - length, ending, length, false))
-            return offset + 1;
+        if (cursor.OffsetOf(at) > length + 1 &&
+            XmlCharacters::Equal(at - length, ending, length, false))
+            return at + 1;
     }
 }
 
-std::int32_t ScanInstruction(const MXmlTokenCursor& cursor, std::int32_t offset, MXmlNodeScan& scan)
+const wchar_t* ScanInstruction(const MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
 {
     scan.type = XmlNodeInstruction;
-    return ScanToEnding(cursor, offset, L"?", 1,
-                        L"Processing instruction at offset %d unterminated", scan);
+    return ScanToEnding(cursor, at, L"?", 1, L"Processing instruction at offset %d unterminated",
+                        scan);
 }
 
-std::int32_t ScanComment(const MXmlTokenCursor& cursor, std::int32_t offset, MXmlNodeScan& scan)
+const wchar_t* ScanComment(const MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
 {
     scan.type = XmlNodeComment;
-    return ScanToEnding(cursor, offset, L"--", 2, L"Comment at offset %d unterminated", scan);
+    return ScanToEnding(cursor, at, L"--", 2, L"Comment at offset %d unterminated", scan);
 }
 
-std::int32_t ScanCdata(const MXmlTokenCursor& cursor, std::int32_t offset, MXmlNodeScan& scan)
+const wchar_t* ScanCdata(const MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
 {
     scan.type = XmlNodeCdata;
-    return ScanToEnding(cursor, offset, L"]]", 2, L"CDATA Section at offset %d unterminated", scan);
+    return ScanToEnding(cursor, at, L"]]", 2, L"CDATA Section at offset %d unterminated", scan);
+}
+
+const wchar_t* ScanDoctype(const MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
+{
+    return cursor.text + MXmlDoctypeScanner().Run(cursor, cursor.OffsetOf(at), scan);
 }
 
 // A declaration outside a doctype: "<!" followed by "E", "A" or "N".
-std::int32_t ScanDeclaration(const MXmlTokenCursor& cursor, std::int32_t offset, MXmlNodeScan& scan)
+const wchar_t* ScanDeclaration(const MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
 {
     scan.type = XmlNodeDoctype;
     wchar_t openQuote = 0;
-    for (; offset < cursor.textLength; ++offset) {
-        const wchar_t c = cursor.text[offset];
-        if (c == L'>' && openQuote == 0)
-            return offset + 1;
-        if (c == openQuote)
+    for (; *at != 0; ++at) {
+        if (*at == L'>' && openQuote == 0)
+            return at + 1;
+        if (*at == openQuote)
             openQuote = 0;
-        else if (openQuote == 0 && IsQuote(c))
-            openQuote = c;
+        else if (openQuote == 0 && IsQuote(*at))
+            openQuote = *at;
     }
     return Unterminated(cursor, L"Doctype at offset %d unterminated", scan);
 }
 
-// `offset` is on the character that makes the node ill-formed. Quoted values hide a ">", but
-// nothing hides a "<".
-std::int32_t ScanIllFormed(const MXmlTokenCursor& cursor, std::int32_t offset,
-                           const wchar_t* finding, MXmlNodeScan& scan)
+// Begins on the character that makes the node ill-formed. Quoted values hide a ">", but nothing
+// hides a "<".
+const wchar_t* ScanIllFormed(const MXmlTokenCursor& cursor, const wchar_t* at,
+                             const wchar_t* finding, MXmlNodeScan& scan)
 {
     scan.type = XmlScanIllFormed;
     scan.finding = finding;
     wchar_t openQuote = 0;
     bool awaitsValue = false;
-    for (; offset < cursor.textLength; ++offset) {
-        const wchar_t c = cursor.text[offset];
+    for (; *at != 0; ++at) {
+        const wchar_t c = *at;
         if (c == L'<')
-            return offset;
+            return at;
         if (openQuote != 0) {
             if (c == openQuote)
                 openQuote = 0;
         } else if (c == L'>') {
-            return offset + 1;
+            return at + 1;
         } else if (awaitsValue) {
             openQuote = IsQuote(c) ? c : L'\0';
             awaitsValue = IsSpace(c);
         } else {
-            awaitsValue = c == L'=' && cursor.text[offset - 1] != L'=';
+            awaitsValue = c == L'=' && at[-1] != L'=';
         }
     }
     return Unterminated(cursor, L"tag at offset %d unterminated", scan);
 }
 
-// `offset` is behind the "<!".
-std::int32_t ScanBangTag(const MXmlTokenCursor& cursor, std::int32_t offset, MXmlNodeScan& scan)
+// Begins behind the "<!".
+const wchar_t* ScanBangTag(const MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
 {
-    switch (cursor.text[offset]) {
+    switch (*at) {
     case L'-':
-        if (cursor.text[offset + 1] == L'-')
-            return ScanComment(cursor, offset + 2, scan);
-        return ScanIllFormed(cursor, offset + 1, L"Incorrect comment tag at offset %d", scan);
+        if (at[1] == L'-')
+            return ScanComment(cursor, at + 2, scan);
+        return ScanIllFormed(cursor, at + 1, L"Incorrect comment tag at offset %d", scan);
     case L'[':
-        if (cursor.text[offset + 1] == L'C')
-            return ScanCdata(cursor, offset + 2, scan);
-        return ScanIllFormed(cursor, offset + 1, L"Incorrect tag at offset %d", scan);
+        if (at[1] == L'C')
+            return ScanCdata(cursor, at + 2, scan);
+        return ScanIllFormed(cursor, at + 1, L"Incorrect tag at offset %d", scan);
     case L'D':
-        return MXmlDoctypeScanner().Run(cursor, offset + 1, scan);
+        return ScanDoctype(cursor, at + 1, scan);
     case L'E':
     case L'A':
     case L'N':
-        return ScanDeclaration(cursor, offset + 1, scan);
+        return ScanDeclaration(cursor, at + 1, scan);
     default:
-        return ScanIllFormed(cursor, offset, L"Incorrect ! tag at offset %d", scan);
+        return ScanIllFormed(cursor, at, L"Incorrect ! tag at offset %d", scan);
     }
 }
 
-// `offset` is behind the "<".
-std::int32_t ScanTag(MXmlTokenCursor& cursor, std::int32_t offset, MXmlNodeScan& scan)
+// Begins behind the "<".
+const wchar_t* ScanTag(MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
 {
-    const wchar_t c = cursor.text[offset];
-    if (XmlCharacters::BeginsName(c))
-        return ScanStartTag(cursor, offset, scan);
-    if (c == L'/')
-        return ScanEndTag(cursor, offset + 1, scan);
-    if (c == L'!')
-        return ScanBangTag(cursor, offset + 1, scan);
-    if (c == L'?')
-        return ScanInstruction(cursor, offset + 1, scan);
-    return ScanIllFormed(cursor, offset, L"Incorrect tag name character at offset %d", scan);
+    if (XmlCharacters::BeginsName(*at))
+        return ScanStartTag(cursor, at, scan);
+    if (*at == L'/')
+        return ScanEndTag(cursor, at + 1, scan);
+    if (*at == L'!')
+        return ScanBangTag(cursor, at + 1, scan);
+    if (*at == L'?')
+        return ScanInstruction(cursor, at + 1, scan);
+    return ScanIllFormed(cursor, at, L"Incorrect tag name character at offset %d", scan);
 }
 
-std::int32_t ScanNodeAt(MXmlTokenCursor& cursor, std::int32_t offset, MXmlNodeScan& scan)
+const wchar_t* ScanNode(MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
 {
-    const wchar_t c = cursor.text[offset];
-    if (c == L'<')
-        return ScanTag(cursor, offset + 1, scan);
-    if (IsSpace(c))
-        return ScanSpace(cursor, offset, scan);
-    return ScanText(cursor, offset, scan);
+    if (*at == L'<')
+        return ScanTag(cursor, at + 1, scan);
+    if (IsSpace(*at))
+        return ScanSpace(cursor, at, scan);
+    return ScanText(cursor, at, scan);
 }
 
 } // namespace
 
 std::int32_t ScanXmlNode(MXmlTokenCursor& cursor, MXmlNodeScan& scan)
 {
+    const wchar_t* at = cursor.Next();
     scan.start = cursor.next;
     scan.flags = 0;
-    scan.finding = L"";
-    if (cursor.text[cursor.next] == 0) {
+    if (*at == 0) {
         scan.type = 0;
         scan.length = 0;
         return XmlScanEndOfText;
     }
-    cursor.next = ScanNodeAt(cursor, scan.start, scan);
+    cursor.next = cursor.OffsetOf(ScanNode(cursor, at, scan));
     scan.length = cursor.next - scan.start;
     return scan.type;
 }
@@ -254,8 +251,5 @@ std::int32_t ScanXmlNode(MXmlTokenCursor& cursor, MXmlNodeScan& scan)
 std::wstring MXmlNodeScan::Message() const
 {
     std::wstring message = finding;
-    const std::size_t place = message.find(L"%d");
-    if (place != std::wstring::npos)
-        message.replace(place, 2, std::to_wstring(start));
-    return message;
+    return message.replace(message.find(L"%d"), 2, std::to_wstring(start));
 }

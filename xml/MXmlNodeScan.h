@@ -34,7 +34,7 @@ struct MXmlNodeScan {
     /// Characters consumed.
     std::int32_t length;
     std::uint32_t flags;
-    /// What is wrong with an ill-formed node.
+    /// What is wrong with an ill-formed node; not set for others.
     const wchar_t* finding;
 
     std::int32_t End() const { return start + length; }

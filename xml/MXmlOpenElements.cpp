@@ -6,24 +6,35 @@
 namespace
 {
 
+constexpr std::int32_t FirstCapacity = 6;
 constexpr std::uint64_t EmptyHash = 0xCBF29CE484222325;
 
 } // namespace
 
 MXmlOpenElements::MXmlOpenElements(const wchar_t* source, bool ignoresCase,
                                    std::int32_t startRecord)
-    : text(source), ignoreCase(ignoresCase)
+    : text(source), ignoreCase(ignoresCase), entries(new MXmlOpenElement[FirstCapacity]),
+      capacity(FirstCapacity)
 {
-    entries.reserve(6);
-    entries.push_back({startRecord, 0, 0, 0, 0});
+    entries[0] = {startRecord, 0, 0, 0, 0};
+}
+
+void MXmlOpenElements::Grow()
+{
+    const std::int32_t grownCapacity = capacity * 2 + 6;
+    std::unique_ptr<MXmlOpenElement[]> grown(
+        new MXmlOpenElement[static_cast<std::size_t>(grownCapacity)]);
+    std::copy_n(entries.get(), capacity, grown.get());
+    entries = std::move(grown);
+    capacity = grownCapacity;
 }
 
 std::int32_t MXmlOpenElements::FindNewest(const wchar_t* name, std::int32_t length)
 {
-    const std::int32_t far = std::max(Depth() - Nearby, 0);
-    for (std::int32_t depth = Depth(); depth > far; --depth) {
-        if (Matches(depth, name, length))
-            return depth;
+    const std::int32_t far = std::max(depth - Nearby, 0);
+    for (std::int32_t at = depth; at > far; --at) {
+        if (Matches(at, name, length))
+            return at;
     }
     if (far == 0)
         return 0;
@@ -31,9 +42,9 @@ std::int32_t MXmlOpenElements::FindNewest(const wchar_t* name, std::int32_t leng
     return FindIndexed(name, length);
 }
 
-bool MXmlOpenElements::Matches(std::int32_t depth, const wchar_t* name, std::int32_t length) const
+bool MXmlOpenElements::Matches(std::int32_t at, const wchar_t* name, std::int32_t length) const
 {
-    const MXmlOpenElement& entry = entries[static_cast<std::size_t>(depth)];
+    const MXmlOpenElement& entry = entries[at];
     const wchar_t* entryName = text + entry.nameStart;
     return length <= entry.nameLength &&
            XmlCharacters::Equal(entryName, name, length, ignoreCase) &&
@@ -43,25 +54,25 @@ bool MXmlOpenElements::Matches(std::int32_t depth, const wchar_t* name, std::int
 void MXmlOpenElements::IndexEntries()
 {
     if (indexedDepth == 0)
-        index.Reserve(entries.size());
-    while (indexedDepth < Depth())
+        index.Reserve(static_cast<std::size_t>(depth));
+    while (indexedDepth < depth)
         AddKeys(++indexedDepth);
 }
 
-void MXmlOpenElements::AddKeys(std::int32_t depth)
+void MXmlOpenElements::AddKeys(std::int32_t at)
 {
-    const MXmlOpenElement& entry = entries[static_cast<std::size_t>(depth)];
+    const MXmlOpenElement& entry = entries[at];
     const wchar_t* name = text + entry.nameStart;
     std::uint64_t hash = EmptyHash;
     for (std::int32_t i = 0; i < entry.nameLength; ++i) {
         if (i > 0 && XmlCharacters::MayFollowMatch(name[i]))
-            index.Add(hash, depth);
+            index.Add(hash, at);
         hash = Extend(hash, name[i]);
     }
-    index.Add(hash, depth);
+    index.Add(hash, at);
 }
 
-void MXmlOpenElements::DropKeysAbove(std::int32_t depth)
+void MXmlOpenElements::DropKeys()
 {
     index.DropAbove(depth);
     indexedDepth = depth;

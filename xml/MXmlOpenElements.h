@@ -3,7 +3,7 @@
 #include "xml/MXmlNameIndex.h"
 
 #include <cstdint>
-#include <vector>
+#include <memory>
 
 /// An element whose end tag has not been seen yet. The children are kept here until it is closed.
 struct MXmlOpenElement {
@@ -26,26 +26,23 @@ class MXmlOpenElements
 public:
     MXmlOpenElements(const wchar_t* source, bool ignoresCase, std::int32_t startRecord);
 
-    std::int32_t Depth() const { return static_cast<std::int32_t>(entries.size()) - 1; }
-    MXmlOpenElement& Top() { return entries.back(); }
-    MXmlOpenElement& operator[](std::int32_t depth)
-    {
-        return entries[static_cast<std::size_t>(depth)];
-    }
+    std::int32_t Depth() const { return depth; }
+    MXmlOpenElement& Top() { return entries[depth]; }
+    MXmlOpenElement& operator[](std::int32_t at) { return entries[at]; }
 
     void Push(const MXmlOpenElement& element)
     {
-        if (entries.size() == entries.capacity())
-            entries.reserve(entries.size() * 2 + 6);
-        entries.push_back(element);
+        if (depth + 1 == capacity)
+            Grow();
+        entries[++depth] = element;
     }
 
-    /// Drops what lies above `depth`.
-    void PopTo(std::int32_t depth)
+    /// Drops what lies above `newDepth`.
+    void PopTo(std::int32_t newDepth)
     {
-        entries.resize(static_cast<std::size_t>(depth) + 1);
+        depth = newDepth;
         if (indexedDepth > depth)
-            DropKeysAbove(depth);
+            DropKeys();
     }
 
     /// Depth of the uppermost element that an end tag of this name closes, 0 if there is none. An
@@ -53,19 +50,22 @@ public:
     std::int32_t FindNewest(const wchar_t* name, std::int32_t length);
 
 private:
-    bool Matches(std::int32_t depth, const wchar_t* name, std::int32_t length) const;
+    bool Matches(std::int32_t at, const wchar_t* name, std::int32_t length) const;
 
     static constexpr std::int32_t Nearby = 16;
 
+    void Grow();
     void IndexEntries();
-    void AddKeys(std::int32_t depth);
-    void DropKeysAbove(std::int32_t depth);
+    void AddKeys(std::int32_t at);
+    void DropKeys();
     std::int32_t FindIndexed(const wchar_t* name, std::int32_t length) const;
     std::uint64_t Extend(std::uint64_t hash, wchar_t c) const;
 
     const wchar_t* text;
     bool ignoreCase;
-    std::vector<MXmlOpenElement> entries;
+    std::unique_ptr<MXmlOpenElement[]> entries;
+    std::int32_t capacity;
+    std::int32_t depth = 0;
     std::int32_t indexedDepth = 0;
     MXmlNameIndex index;
 };

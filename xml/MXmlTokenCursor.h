@@ -16,6 +16,9 @@ struct MXmlTokenCursor {
 
     std::int32_t TokenLength() const { return end - start + 1; }
     const wchar_t* Token() const { return text + start; }
+    const wchar_t* Next() const { return text + next; }
+    const wchar_t* TextEnd() const { return text + textLength; }
+    std::int32_t OffsetOf(const wchar_t* at) const { return static_cast<std::int32_t>(at - text); }
     bool Quoted() const { return (flags & XmlCursorQuoted) != 0; }
 
     /// Offset of the current token's first character.

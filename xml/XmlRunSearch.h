@@ -1,5 +1,7 @@
 #pragma once
 
+#include "xml/XmlCharacters.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -7,7 +9,20 @@
 /// long texts takes a third of the time of a parse.
 std::size_t TextLength(const wchar_t* text);
 
-/// Offset of the first `first` or `second` in the text at or behind `from`, or `length` if there is
-/// none. Made for runs of any length, short ones included.
-std::int32_t FindEitherCharacter(const wchar_t* text, std::int32_t from, std::int32_t length,
-                                 wchar_t first, wchar_t second);
+/// As `FindCharacter`, for what is likely to be far away.
+const wchar_t* FindFarCharacter(const wchar_t* at, const wchar_t* end, wchar_t first,
+                                wchar_t second);
+
+/// The first `First` or `Second` at or behind `at`, or `end` if there is none. The text ends with a
+/// zero at `end`. Most runs are short, and setting up wide compares costs them more than it saves.
+template <wchar_t First, wchar_t Second = First>
+const wchar_t* FindCharacter(const wchar_t* at, const wchar_t* end)
+{
+    using XmlCharacters::Bit;
+    constexpr int shortRun = 4;
+    for (int i = 0; i < shortRun; ++i, ++at) {
+        if (XmlCharacters::In<Bit(First) | Bit(Second) | Bit(0)>(*at))
+            return at;
+    }
+    return FindFarCharacter(at, end, First, Second);
+}
