@@ -58,11 +58,13 @@ public:
 
     void Fire() override
     {
-        struct Signal {
-            ~Signal() { SetEvent(done); }
-            HANDLE done;
-        } signal = {done};
-        Do(deed);
+        try {
+            Do(deed);
+        } catch (MException&) {
+            SetEvent(done);
+            throw;
+        }
+        SetEvent(done);
     }
 
 private:
