@@ -192,7 +192,7 @@ TEST_F(RegistryFilers, AnyBytesAreReadAsTextWithinTheirBounds)
         {REG_BINARY, {'A', 0, 'B'}, L"AB"},
         {REG_BINARY, {}, L""},
         {REG_SZ, {'A', 0, 'B', 0}, L"AB"},
-        {REG_SZ, Text(L"A\0B"), L"A"},
+        {REG_BINARY, {'A', 0, 0, 0, 'B', 0}, L"A"},
     };
     for (const auto& one : cases) {
         Store(one.type, one.bytes);
