@@ -144,6 +144,11 @@ void ShowAllocations(const char* what, std::size_t allocations)
 
 int main()
 {
+    // An exchange is as quick as its two threads are placed, which changes from run to run and hits
+    // one side only. On one processor both sides are placed alike, and nothing is lost: one of the
+    // threads always waits for the other.
+    SetProcessAffinityMask(GetCurrentProcess(), 1);
+
     MCommandProcessor processor(nullptr, nullptr, nullptr, nullptr, 0);
     processor.Start();
     IdleScheduler scheduler;
@@ -155,7 +160,6 @@ int main()
     Report::Heading("Allocations in a steady state");
     ShowAllocations("queue, put and taken 1000 times", AllocationsOfQueue(1000));
     ShowAllocations("1000 events", AllocationsOfEvents(scheduler, 1000));
-    Report::Figure("1000 commands, each with a fresh outcome",
-                   static_cast<double>(AllocationsOfCommands(processor, 1000)), "allocations");
+    ShowAllocations("1000 commands", AllocationsOfCommands(processor, 1000));
     processor.Stop();
 }

@@ -8,6 +8,16 @@
 
 #include <windows.h>
 
+namespace
+{
+
+// What a record holds beside the two numbers; time, thread and logger come by themselves.
+const char event[] = "Timing_point ({}, {}) in_class {} at {} for_object {}";
+const char className[] = "Bench";
+const char functionName[] = "LogTimingPoints";
+
+} // namespace
+
 struct SpdlogPeer::Logger {
     spdlog::logger logger;
 };
@@ -22,7 +32,7 @@ SpdlogPeer::~SpdlogPeer() = default;
 
 void SpdlogPeer::LogTimingPoint(std::uint32_t a, std::uint32_t b)
 {
-    logger->logger.info("Timing_point ({}, {})", a, b);
+    logger->logger.info(event, a, b, className, functionName, static_cast<const void*>(this));
 }
 
 void SpdlogPeer::LogTimingPointByCounter(std::uint32_t a, std::uint32_t b)
@@ -30,7 +40,8 @@ void SpdlogPeer::LogTimingPointByCounter(std::uint32_t a, std::uint32_t b)
     LARGE_INTEGER ticks;
     QueryPerformanceCounter(&ticks);
     spdlog::memory_buf_t text;
-    fmt::format_to(fmt::appender(text), "Timing_point ({}, {})", a, b);
+    fmt::format_to(fmt::appender(text), event, a, b, className, functionName,
+                   static_cast<const void*>(this));
     logger->logger.log(spdlog::log_clock::time_point(spdlog::log_clock::duration(ticks.QuadPart)),
                        spdlog::source_loc(), spdlog::level::info,
                        spdlog::string_view_t(text.data(), text.size()));

@@ -85,6 +85,7 @@ void MCommandProcessor::RunLoop()
         if (!WaitForEvents(idleTimeoutMs))
             RunIdleFunctor();
     } while (!IsStopRequested());
+    ServeStop();
 }
 
 void MCommandProcessor::RunIdleFunctor()

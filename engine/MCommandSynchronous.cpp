@@ -6,19 +6,6 @@
 
 const wchar_t MCommandSynchronous::className[] = L"MCommandSynchronous";
 
-namespace
-{
-
-void Fill(MExceptionSlot& slot, const MException& outcome)
-{
-    if (slot.IsEmpty())
-        return;
-    MException copy(outcome);
-    slot->TakeFrom(copy);
-}
-
-} // namespace
-
 MCommandSynchronous::MCommandSynchronous(const MExceptionSlot& exceptionSlot)
     : exceptionSlot(exceptionSlot), completionEvent(nullptr)
 {
@@ -28,11 +15,18 @@ MCommandSynchronous::~MCommandSynchronous() = default;
 
 void MCommandSynchronous::ExecuteGenericCommand()
 {
-    Fill(exceptionSlot, MException());
+    if (!exceptionSlot.IsEmpty())
+        FillSlot(MException());
     try {
         Execute();
     } catch (MException& exception) {
-        Fill(exceptionSlot, exception);
+        if (!exceptionSlot.IsEmpty())
+            FillSlot(exception);
     }
     SetEvent(completionEvent);
+}
+
+void MCommandSynchronous::FillSlot(MException outcome)
+{
+    exceptionSlot->TakeFrom(outcome);
 }

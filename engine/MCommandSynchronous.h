@@ -4,6 +4,8 @@
 #include "engine/MExceptionSlot.h"
 #include "engine/PlatformEvent.h"
 
+class MException;
+
 /// The base of concrete commands: work that a caller waits for.
 ///
 /// A subclass carries its input, and a pointer to wherever its result goes, since the command
@@ -37,6 +39,8 @@ protected:
 
 private:
     friend class MCommandProcessor;
+
+    void FillSlot(MException outcome);
 
     MExceptionSlot exceptionSlot;
     HANDLE completionEvent; // of the waiting call, which closes it

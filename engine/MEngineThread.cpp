@@ -33,7 +33,7 @@ MEngineThread::MEngineThread(IThreadErrorHandler* errorHandler)
     : state(EngineThreadState::Inactive), threadId(0), threadHandle(nullptr),
       flushRequestEvent(EventReset::Automatic), stopEvent(EventReset::Manual),
       threadStartedEvent(EventReset::Automatic), flushDoneEvent(EventReset::Automatic),
-      errorHandler(errorHandler)
+      errorHandler(errorHandler), stopServed(false)
 {
     static MFlowLocation location(className, className);
     AddEvent(flushRequestEvent, MakeFunctor(this, &MEngineThread::OnFlushWrapper));
@@ -58,6 +58,7 @@ void MEngineThread::Start()
     if (state != EngineThreadState::Inactive)
         RaiseError(location.SetObject(this).SetLine(__LINE__), L"AlreadyRunning");
     ResetEvent(stopEvent);
+    stopServed = false;
     CreateThread(location);
     ChangeState(EngineThreadState::Starting);
     try {
@@ -156,6 +157,12 @@ bool MEngineThread::IsStopRequested() const
     return WaitForSingleObject(stopEvent, 0) == WAIT_OBJECT_0;
 }
 
+void MEngineThread::ServeStop()
+{
+    if (!stopServed)
+        OnStopWrapper();
+}
+
 bool MEngineThread::IsThreadActive() const
 {
     return state != EngineThreadState::Inactive;
@@ -248,5 +255,6 @@ void MEngineThread::OnStopWrapper()
 {
     static MFlowLocation location(className, L"OnStopWrapper");
     MFlowScope scope(location.SetObject(this));
+    stopServed = true;
     OnStop();
 }

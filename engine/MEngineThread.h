@@ -21,7 +21,7 @@ enum class EngineThreadState : std::uint32_t { Inactive, Starting, Running, Stop
 /// The table holds up to 64 handles; the lowest signalled index wins, one functor a pass. Index 0
 /// is the flush request, index 1 the stop, so a subclass can add 62 of its own. A subclass supplies
 /// `ThreadFunction`, which does its set-up, calls `SignalThreadStarted` once, loops on
-/// `WaitForEvents` until `IsStopRequested`, and undoes its set-up:
+/// `WaitForEvents` until `IsStopRequested`, serves the stop, and undoes its set-up:
 ///
 ///     void Pump::ThreadFunction()
 ///     {
@@ -29,6 +29,7 @@ enum class EngineThreadState : std::uint32_t { Inactive, Starting, Running, Stop
 ///         do
 ///             WaitForEvents(waitForEver);
 ///         while (!IsStopRequested());
+///         ServeStop();
 ///     }
 ///
 /// Threads: `Start`, `Stop` and `Flush` may be called from any thread but the engine thread itself;
@@ -89,6 +90,10 @@ protected:
     void SignalThreadStarted();
 
     bool IsStopRequested() const;
+
+    /// Calls `OnStop` unless it has been called since `Start`: a stop that is asked for while a
+    /// functor runs ends the loop before the wait comes to dispatch it.
+    void ServeStop();
     bool IsThreadActive() const;
 
     /// Makes the object "Inactive" whatever happens, stopping the thread first if it runs; the
@@ -119,4 +124,5 @@ private:
     std::vector<HANDLE> waitHandles; // in order of dispatch
     std::vector<MCallbackFunctorPtr> waitFunctors;
     IThreadErrorHandler* errorHandler;
+    bool stopServed;
 };

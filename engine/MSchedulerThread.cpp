@@ -52,6 +52,7 @@ void MSchedulerThread::RunLoop()
     do
         WaitForEvents(waitForEver);
     while (!IsStopRequested());
+    ServeStop();
 }
 
 void MSchedulerThread::LeaveCom()

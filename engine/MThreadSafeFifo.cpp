@@ -1,6 +1,6 @@
 #include "engine/MThreadSafeFifo.h"
 
-#include "foundation/MString.h"
+#include "foundation/MakeOrRaise.h"
 
 #include <cstddef>
 
@@ -91,27 +91,12 @@ void MThreadSafeFifo<T, A>::Clear()
     ResetEvent(notEmptyEvent);
 }
 
-// Whatever the allocator throws, and a null result, count as exhausted memory.
-template <class T, class A>
-T* MThreadSafeFifo<T, A>::Allocate(std::int32_t capacity)
-{
-    T* fresh = nullptr;
-    try {
-        fresh = new T[static_cast<std::size_t>(capacity)];
-    } catch (...) {
-        fresh = nullptr;
-    }
-    if (!fresh)
-        RaiseOutOfMemory();
-    return fresh;
-}
-
 template <class T, class A>
 void MThreadSafeFifo<T, A>::GrowTo(std::int32_t newCapacity)
 {
     if (newCapacity == capacity)
         return;
-    T* const fresh = Allocate(newCapacity);
+    T* const fresh = MakeOrRaise([=] { return new T[static_cast<std::size_t>(newCapacity)]; });
     for (std::int32_t i = 0; i < count; ++i)
         fresh[i] = buffer[(head + i) % capacity];
     delete[] buffer;

@@ -74,8 +74,6 @@ public:
     void Clear() override;
 
 private:
-    static T* Allocate(std::int32_t capacity);
-
     void GrowTo(std::int32_t newCapacity);
 
     T* buffer;

@@ -162,6 +162,7 @@ bool MInFilerTaggedXml::ReadStreamed(const MString& tag, const wchar_t* family, 
     if (!FindValue(tag, family, text))
         return false;
     std::wistringstream stream(text.c_str());
+    stream.exceptions(std::ios_base::badbit);
     stream.imbue(locale.GetStreamLocale());
     Streamed value = static_cast<Streamed>(defaultValue);
     const bool converted = static_cast<bool>(stream >> value);

@@ -3,7 +3,8 @@
 #include "filers/FiledDocument.h"
 #include "xml/MXmlMarkup.h"
 
-#include <iomanip>
+#include <cmath>
+#include <cstdio>
 #include <sstream>
 
 namespace
@@ -12,6 +13,19 @@ namespace
 // Digits behind the point.
 const int floatPrecision = 8;
 const int doublePrecision = 15;
+
+/// The number as a stream prints it in scientific form. No stream is asked, since the library's
+/// sets the locale of the whole process while it prints a floating number, and other threads
+/// notice.
+std::wstring ScientificText(double value, int precision)
+{
+    char text[40];
+    const int length = std::snprintf(text, sizeof text, "%.*e", precision, value);
+    const std::size_t point = std::signbit(value) ? 2 : 1;
+    if (std::isfinite(value))
+        text[point] = '.'; // whatever the process takes for it
+    return std::wstring(text, text + length);
+}
 
 bool StartDocument(MXmlMarkup& document, const wchar_t* rootTag, const wchar_t* nameSpace)
 {
@@ -34,9 +48,12 @@ MOutFilerTaggedXml::MOutFilerTaggedXml(const wchar_t* rootTag, const wchar_t* na
 
 MOutFilerTaggedXml::~MOutFilerTaggedXml() = default;
 
+// The unit is the byte: what a stream makes of a byte above 127 can depend on the machine's code
+// page.
 bool MOutFilerTaggedXml::WriteChar(const MString& tag, char value)
 {
-    return WriteStreamed(tag, ValueFamily::Char, value);
+    return WriteStreamed(tag, ValueFamily::Char,
+                         static_cast<wchar_t>(static_cast<unsigned char>(value)));
 }
 
 bool MOutFilerTaggedXml::WriteString(const MString& tag, const MString& value)
@@ -46,12 +63,13 @@ bool MOutFilerTaggedXml::WriteString(const MString& tag, const MString& value)
 
 bool MOutFilerTaggedXml::WriteDouble(const MString& tag, double value)
 {
-    return WriteStreamed(tag, ValueFamily::Float, value, doublePrecision);
+    return WriteText(tag, ValueFamily::Float, ScientificText(value, doublePrecision).c_str());
 }
 
 bool MOutFilerTaggedXml::WriteFloat(const MString& tag, float value)
 {
-    return WriteStreamed(tag, ValueFamily::Float, value, floatPrecision);
+    const double widened = static_cast<double>(value);
+    return WriteText(tag, ValueFamily::Float, ScientificText(widened, floatPrecision).c_str());
 }
 
 bool MOutFilerTaggedXml::WriteBool(const MString& tag, bool value)
@@ -113,13 +131,11 @@ bool MOutFilerTaggedXml::GetDocumentText(MString* result) const
 }
 
 template <class T>
-bool MOutFilerTaggedXml::WriteStreamed(const MString& tag, const wchar_t* family, T value,
-                                       int precision)
+bool MOutFilerTaggedXml::WriteStreamed(const MString& tag, const wchar_t* family, T value)
 {
     std::wostringstream text;
+    text.exceptions(std::ios_base::badbit); // a lack of memory must not cut the text short
     text.imbue(locale.GetStreamLocale());
-    if (precision > 0)
-        text << std::scientific << std::setprecision(precision);
     text << value;
     return WriteText(tag, family, text.str().c_str());
 }

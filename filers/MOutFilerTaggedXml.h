@@ -55,7 +55,7 @@ public:
 
 private:
     template <class T>
-    bool WriteStreamed(const MString& tag, const wchar_t* family, T value, int precision = 0);
+    bool WriteStreamed(const MString& tag, const wchar_t* family, T value);
     bool WriteText(const MString& tag, const wchar_t* family, const wchar_t* text);
 
     std::unique_ptr<MXmlMarkup> document;

@@ -17,10 +17,11 @@ bool IsGiven(const wchar_t* text)
     return text && *text;
 }
 
-// No machine's settings group or translate digits.
+// No machine's settings group or translate digits, and a lack of memory does not cut them short.
 std::wostringstream ClassicStream()
 {
     std::wostringstream text;
+    text.exceptions(std::ios_base::badbit);
     text.imbue(MLocale::GetClassicLocale().GetStreamLocale());
     return text;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/MakeOrRaise.h"
 #include "foundation/MString.h"
 
 #include <algorithm>
@@ -47,9 +48,6 @@ public:
 private:
     static const std::int32_t maximum = 2147483647;
 
-    template <class Make>
-    static auto MakeOrRaise(Make make) -> decltype(make());
-
     void DestroyAll();
 
     T** elements;
@@ -64,22 +62,6 @@ MTypedPtrArray<T, A>::~MTypedPtrArray()
 {
     DestroyAll();
     delete[] elements;
-}
-
-/// Whatever the allocation throws, and a null result, count as exhausted memory.
-template <class T, class A>
-template <class Make>
-auto MTypedPtrArray<T, A>::MakeOrRaise(Make make) -> decltype(make())
-{
-    decltype(make()) made = nullptr;
-    try {
-        made = make();
-    } catch (...) {
-        made = nullptr;
-    }
-    if (!made)
-        RaiseOutOfMemory();
-    return made;
 }
 
 template <class T, class A>

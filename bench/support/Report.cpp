@@ -58,7 +58,6 @@ void Report::Figure(const char* what, double value, const char* unit)
 
 void Report::FigureAtMost(const char* what, double value, const char* unit, double bar)
 {
-    std::printf("%-44s %12.0f %s  <= %.0f  %s\n", what, value, unit, bar,
-                Verdict(value, bar));
+    std::printf("%-44s %12.0f %s  <= %.0f  %s\n", what, value, unit, bar, Verdict(value, bar));
     std::fflush(stdout);
 }

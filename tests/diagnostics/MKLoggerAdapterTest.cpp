@@ -7,6 +7,7 @@
 #include "diagnostics/MFlowLocation.h"
 #include "diagnostics/MFlowLogger.h"
 #include "tests/support/DumpedRecord.h"
+#include "tests/support/ForeignLogger.h"
 #include "tests/support/NullObject.h"
 
 #include <gtest/gtest.h>
@@ -39,17 +40,6 @@ std::vector<std::int64_t> Kinds(KLogger& core)
 }
 
 typedef std::vector<std::int64_t> KindList;
-
-class ForeignLogger : public MFlowLoggerImplementation
-{
-    void LogEvent(std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t,
-                  const void*) override
-    {
-    }
-    void DumpToStream(std::ostream&) override {}
-    bool DumpToFile() override { return false; }
-    void AttachLogger(MFlowLoggerImplementation*) override {}
-};
 
 std::vector<DumpedRecord> ModuleRecordsOf(const void* object)
 {

@@ -1,16 +1,17 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
-/// Handles that this process holds open, as the system counts them.
-std::size_t CountHandles();
+/// The handles that this process holds open.
+std::vector<void*> ListHandles();
 
 /// Expects its block to leave as many handles open as it found. Run the scenario once before: what
 /// opens handles on first use keeps them.
 class ExpectSameHandles
 {
 public:
-    ExpectSameHandles() : before(CountHandles()) {}
+    ExpectSameHandles() : before(ListHandles().size()) {}
     ExpectSameHandles(const ExpectSameHandles&) = delete;
     ExpectSameHandles& operator=(const ExpectSameHandles&) = delete;
     ~ExpectSameHandles();

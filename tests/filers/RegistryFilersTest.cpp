@@ -1,0 +1,286 @@
+#include "filers/IInFilerTaggedRegistry.h"
+#include "filers/IOutFilerTaggedRegistry.h"
+#include "tests/support/Allocations.h"
+#include "tests/support/ProcessHandles.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+const wchar_t areaName[] = L"FilersTest";
+
+typedef std::vector<BYTE> Bytes;
+
+Bytes Dword(DWORD number)
+{
+    const BYTE* const bytes = reinterpret_cast<const BYTE*>(&number);
+    return Bytes(bytes, bytes + sizeof number);
+}
+
+Bytes Text(const std::wstring& text)
+{
+    const BYTE* const bytes = reinterpret_cast<const BYTE*>(text.c_str());
+    return Bytes(bytes, bytes + 2 * (text.size() + 1));
+}
+
+MString Formatted(const wchar_t* format, double value)
+{
+    return MLocale::GetClassicLocale().FormatText(format, value);
+}
+
+/// Looks into the area, and changes it, with the system's own calls.
+class RegistryFilers : public testing::Test
+{
+protected:
+    RegistryFilers() { RemoveKeys(); }
+    ~RegistryFilers() override { RemoveKeys(); }
+
+    static std::wstring PathOf(const std::wstring& groups)
+    {
+        return std::wstring(L"Software\\Varek\\") + areaName + (groups.empty() ? L"" : L"\\") +
+               groups;
+    }
+
+    static bool Exists(const wchar_t* groups)
+    {
+        HKEY key = nullptr;
+        const LSTATUS status =
+            RegOpenKeyExW(HKEY_CURRENT_USER, PathOf(groups).c_str(), 0, KEY_READ, &key);
+        RegCloseKey(key);
+        return status == ERROR_SUCCESS;
+    }
+
+    /// The bytes of a value, if it is of that type.
+    static Bytes Stored(DWORD type, const wchar_t* name, const wchar_t* groups = L"")
+    {
+        Bytes bytes(200);
+        DWORD size = 200;
+        DWORD stored = REG_NONE;
+        RegGetValueW(HKEY_CURRENT_USER, PathOf(groups).c_str(), name, RRF_RT_ANY, &stored,
+                     bytes.data(), &size);
+        bytes.resize(stored == type ? size : 0);
+        return bytes;
+    }
+
+    static void Store(DWORD type, const Bytes& bytes)
+    {
+        ASSERT_EQ(ERROR_SUCCESS, RegSetKeyValueW(HKEY_CURRENT_USER, PathOf(L"").c_str(), L"v", type,
+                                                 bytes.data(), static_cast<DWORD>(bytes.size())));
+    }
+
+    IOutFilerTaggedRegistry out{areaName};
+    IInFilerTaggedRegistry in{areaName, false};
+
+private:
+    static void RemoveKeys()
+    {
+        RegDeleteTreeW(HKEY_CURRENT_USER, PathOf(L"").c_str());
+        RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Varek"); // stays if it has other areas
+    }
+};
+
+} // namespace
+
+TEST_F(RegistryFilers, ValuesAreStoredAsTypesOfTheSystem)
+{
+    EXPECT_TRUE(out.WriteChar(L"char", -1) && out.WriteByte(L"byte", 200));
+    EXPECT_TRUE(out.WriteBool(L"bool", true) && out.WriteUInt16(L"uint16", 65535));
+    EXPECT_TRUE(out.WriteInt16(L"int16", -2) && out.WriteUInt32(L"uint32", 4000000000u));
+    EXPECT_TRUE(out.WriteString(L"string", L"text") && out.WriteString(L"empty", MString()));
+    EXPECT_TRUE(out.WriteDouble(L"double", -0.1) && out.WriteFloat(L"float", 1234567.0f));
+    EXPECT_TRUE(out.WriteInt32(MString(), -3)); // the key's default value
+    EXPECT_EQ(Dword(0xFFFFFFFF), Stored(REG_DWORD, L"char"));
+    EXPECT_EQ(Dword(200), Stored(REG_DWORD, L"byte"));
+    EXPECT_EQ(Dword(1), Stored(REG_DWORD, L"bool"));
+    EXPECT_EQ(Dword(65535), Stored(REG_DWORD, L"uint16"));
+    EXPECT_EQ(Dword(0xFFFFFFFE), Stored(REG_DWORD, L"int16"));
+    EXPECT_EQ(Dword(4000000000u), Stored(REG_DWORD, L"uint32"));
+    EXPECT_EQ(Text(L"text"), Stored(REG_SZ, L"string"));
+    EXPECT_EQ(Text(L""), Stored(REG_SZ, L"empty"));
+    EXPECT_EQ(Text(Formatted(L"%.14le", -0.1).c_str()), Stored(REG_SZ, L"double"));
+    EXPECT_EQ(Text(Formatted(L"%e", 1234567).c_str()), Stored(REG_SZ, L"float"));
+    EXPECT_EQ(Dword(0xFFFFFFFD), Stored(REG_DWORD, nullptr));
+    EXPECT_FALSE(out.WriteDocument(L"d", L"<r/>"));
+}
+
+TEST_F(RegistryFilers, GroupsAreKeys)
+{
+    EXPECT_TRUE(out.BeginGroup(L"a") && out.BeginGroup(L"b\\c"));
+    EXPECT_FALSE(Exists(L""));
+    EXPECT_TRUE(out.WriteInt32(L"v\\w", 1) && out.EndGroup());
+    EXPECT_TRUE(out.WriteInt32(L"v", 2) && out.EndGroup());
+    EXPECT_FALSE(out.EndGroup());
+    EXPECT_TRUE(out.WriteInt32(L"v", 3));
+    EXPECT_EQ(Dword(1), Stored(REG_DWORD, L"v\\w", L"a\\b\\c"));
+    EXPECT_EQ(Dword(2), Stored(REG_DWORD, L"v", L"a"));
+    EXPECT_EQ(Dword(3), Stored(REG_DWORD, L"v"));
+    int number = 0;
+    EXPECT_TRUE(in.BeginGroup(L"a\\b") && in.BeginGroup(L"c"));
+    EXPECT_TRUE(in.ReadInt32(L"v\\w", &number, 0) && in.EndGroup() && in.EndGroup());
+    EXPECT_EQ(1, number);
+    EXPECT_FALSE(in.EndGroup());
+}
+
+TEST_F(RegistryFilers, OnlyAFilerThatMayCreatesKeys)
+{
+    IInFilerTaggedRegistry creating(areaName, true);
+    for (IInFilerTaggedRegistry* filer : {&in, &creating}) {
+        int number = 0;
+        MString text(L"untouched");
+        EXPECT_TRUE(filer->BeginGroup(L"g"));
+        EXPECT_FALSE(filer->ReadInt32(L"v", &number, 9));
+        EXPECT_EQ(9, number);
+        EXPECT_FALSE(filer->ReadString(L"v", text, L"default"));
+        EXPECT_STREQ(L"default", text.c_str());
+        EXPECT_FALSE(filer->ReadDocument(L"v", text));
+        EXPECT_EQ(filer == &creating, Exists(L"g"));
+    }
+}
+
+TEST_F(RegistryFilers, NumbersAreCutFromWhateverIsStored)
+{
+    const struct {
+        DWORD type;
+        Bytes bytes;
+        bool read;
+        DWORD number;
+    } cases[] = {
+        {REG_DWORD, Dword(0x12345678), true, 0x12345678},
+        {REG_DWORD, Dword(256), true, 256},
+        {REG_SZ, Text(L"A"), true, 0x41},
+        {REG_SZ, Text(L"AB"), false, 9},
+        {REG_BINARY, {0x7F}, true, 0x7F},
+        {REG_BINARY, {}, true, 0},
+        {REG_QWORD, {1, 0, 0, 0, 0, 0, 0, 0}, false, 9},
+    };
+    for (const auto& one : cases) {
+        Store(one.type, one.bytes);
+        unsigned int number = 0;
+        short half = 0;
+        unsigned char byte = 0;
+        bool flag = false;
+        char character = 0;
+        EXPECT_EQ(one.read, in.ReadUInt32(L"v", &number, 9));
+        EXPECT_EQ(one.read, in.ReadInt16(L"v", &half, 9));
+        EXPECT_EQ(one.read, in.ReadByte(L"v", &byte, 9));
+        EXPECT_EQ(one.read, in.ReadBool(L"v", &flag, true));
+        EXPECT_EQ(one.read && one.type == REG_DWORD, in.ReadChar(L"v", &character, 9));
+        EXPECT_EQ(one.number, number);
+        EXPECT_EQ(static_cast<short>(one.number), half);
+        EXPECT_EQ(static_cast<unsigned char>(one.number), byte);
+        EXPECT_EQ(one.number != 0, flag);
+        EXPECT_EQ(static_cast<char>(one.number), character); // also where the type is refused
+    }
+    EXPECT_FALSE(in.ReadInt32(L"v", nullptr, 9));
+}
+
+TEST_F(RegistryFilers, AnyBytesAreReadAsTextWithinTheirBounds)
+{
+    const struct {
+        DWORD type;
+        Bytes bytes;
+        const wchar_t* text;
+    } cases[] = {
+        {REG_DWORD, Dword(0x00420041), L"AB"},
+        {REG_BINARY, {'A', 0, 'B'}, L"AB"},
+        {REG_BINARY, {}, L""},
+        {REG_SZ, {'A', 0, 'B', 0}, L"AB"},
+        {REG_SZ, Text(L"A\0B"), L"A"},
+    };
+    for (const auto& one : cases) {
+        Store(one.type, one.bytes);
+        MString text;
+        EXPECT_TRUE(in.ReadString(L"v", text, L"default"));
+        EXPECT_STREQ(one.text, text.c_str());
+    }
+}
+
+TEST_F(RegistryFilers, FloatingNumbersAreScanned)
+{
+    const struct {
+        const wchar_t* text;
+        bool read;
+        double value;
+    } cases[] = {
+        {L"12abc", true, 12}, {L" -2.5e3", true, -2500}, {L"", false, 9},
+        {L"  ", false, 9},    {L"x", false, 9},
+    };
+    for (const auto& one : cases) {
+        Store(REG_SZ, Text(one.text));
+        double value = 0;
+        float narrow = 0;
+        EXPECT_EQ(one.read, in.ReadDouble(L"v", &value, 9)) << one.text;
+        EXPECT_EQ(one.value, value) << one.text;
+        EXPECT_EQ(one.read, in.ReadFloat(L"v", &narrow, 9)) << one.text;
+        EXPECT_EQ(one.value, static_cast<double>(narrow)) << one.text;
+    }
+}
+
+// The root of the machine is turned to a key of this test's, first without the path to the area.
+TEST_F(RegistryFilers, WhatCannotBeOpenedFails)
+{
+    EXPECT_TRUE(out.BeginGroup(std::wstring(300, L'g').c_str())); // longer than the name of a key
+    EXPECT_FALSE(out.WriteInt32(L"v", 1));
+    EXPECT_TRUE(out.EndGroup());
+
+    HKEY machine = nullptr;
+    RegCreateKeyExW(HKEY_CURRENT_USER, PathOf(L"machine").c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                    nullptr, &machine, nullptr);
+    ASSERT_EQ(ERROR_SUCCESS, RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine));
+    IInFilerTaggedRegistry creating(areaName, true);
+    EXPECT_TRUE(out.SetRootKey(1) && in.SetRootKey(1) && creating.SetRootKey(1));
+    EXPECT_FALSE(out.SetRootKey(2) || in.SetRootKey(-1));
+    int number = 0;
+    EXPECT_FALSE(out.WriteInt32(L"v", 1) || in.ReadInt32(L"v", &number, 9) ||
+                 creating.ReadInt32(L"v", &number, 9));
+    HKEY path = nullptr;
+    RegCreateKeyExW(machine, L"Software\\Wow6432Node", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                    &path, nullptr);
+    EXPECT_TRUE(out.WriteInt32(L"v", 1) && in.ReadInt32(L"v", &number, 9));
+    RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+    RegCloseKey(path);
+    RegCloseKey(machine);
+    const std::wstring area = std::wstring(L"machine\\Software\\Wow6432Node\\Varek\\") + areaName;
+    EXPECT_EQ(Dword(1), Stored(REG_DWORD, L"v", area.c_str()));
+}
+
+TEST_F(RegistryFilers, TwoThreadsWorkOnOneArea)
+{
+    std::thread writer([] {
+        IOutFilerTaggedRegistry filer(areaName);
+        for (int i = 1; i <= 100; ++i)
+            filer.WriteInt32(L"v", i);
+    });
+    for (int last = 0; last < 100;) {
+        int number = 0;
+        in.ReadInt32(L"v", &number, last);
+        ASSERT_GE(number, last);
+        last = number;
+    }
+    writer.join();
+}
+
+TEST_F(RegistryFilers, LackOfMemoryLeavesNothingOpen)
+{
+    const auto writeAndRead = [] {
+        IOutFilerTaggedRegistry filer(areaName);
+        IInFilerTaggedRegistry reader(areaName, true);
+        double value = 0;
+        filer.BeginGroup(L"a") && filer.BeginGroup(L"b") && filer.WriteDouble(L"v", 1.5) &&
+            reader.BeginGroup(L"a\\b") && reader.ReadDouble(L"v", &value, 0);
+    };
+    const auto failEachTime = [&] {
+        ForEachFailingAllocation(
+            AllocationFailure::Throws, writeAndRead,
+            [](ShortageOutcome outcome) { EXPECT_NE(ShortageOutcome::Completed, outcome); });
+    };
+    failEachTime();
+    const ExpectSameHandles handles;
+    failEachTime();
+}
