@@ -6,7 +6,7 @@ bool MXmlMarkup::SetAttribute(std::int32_t record, const wchar_t* name, const wc
     if (!name || !OpenTag(record, cursor) || !IsInDocument(record))
         return false;
     std::wstring text = L"\"" + EscapeText(value, XmlAddEscapeQuotes) + L"\"";
-    std::int32_t offset = cursor.next;
+    std::int32_t offset = 0;
     std::int32_t count = 0;
     if (FindAttribute(cursor, name, 0)) {
         offset = cursor.Quoted() ? cursor.start - 1 : cursor.start;

@@ -64,17 +64,20 @@ public:
             });
         });
         held.Pass();
-        const std::size_t handles = ListHandles().size();
         for (std::string& outcome : outcomes)
             callers.emplace_back([this, &processor, &outcome] {
+                ++ready;
                 start.Pass();
                 outcome = Execute(processor, [this] { ++executed; });
             });
-        // A call opens its completion event just before it queues its command.
-        start.Open();
-        while (ListHandles().size() < handles + 6)
+        while (ready < 3)
             Sleep(1);
-        Sleep(20);
+        // A call opens its completion event just before it queues its command.
+        const std::size_t handles = ListHandles().size();
+        start.Open();
+        while (ListHandles().size() < handles + 3)
+            Sleep(1);
+        Sleep(30);
     }
 
     /// Lets the processor go and waits for the callers.
@@ -92,6 +95,7 @@ private:
     Gate held;
     Gate go;
     Gate start;
+    std::atomic<int> ready{0};
     std::vector<std::thread> callers;
 };
 

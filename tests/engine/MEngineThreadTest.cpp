@@ -280,8 +280,15 @@ TEST(MEngineThread, WithoutMemoryNoEventIsAddedAndTheFunctorStaysTheCallers)
         },
         [&](ShortageOutcome) { EXPECT_TRUE(functor); });
     EXPECT_FALSE(functor);
-    thread.Start(); // the two tables are still of one length
-    thread.Flush();
+
+    // Handles and functors still stand side by side.
+    Gate served;
+    PlatformEvent next(EventReset::Automatic);
+    const Action open = [&] { served.Open(); };
+    thread.Serve(next, open);
+    thread.Start();
+    SetEvent(next);
+    served.Pass();
 }
 
 TEST(MEngineThread, WithoutMemoryToBuildItNothingStaysBehind)

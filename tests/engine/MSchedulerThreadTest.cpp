@@ -36,6 +36,39 @@ bool IsInCom()
     return CoGetApartmentType(&type, &qualifier) == S_OK && type == APTTYPE_MTA;
 }
 
+/// Counts how often the thread that it was registered on leaves COM.
+class ComSpy : public IInitializeSpy
+{
+public:
+    void Register()
+    {
+        ULARGE_INTEGER cookie;
+        CoRegisterInitializeSpy(this, &cookie);
+    }
+
+    int leaves = 0;
+
+private:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override
+    {
+        *object = this;
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE PreInitialize(DWORD, DWORD) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE PostInitialize(HRESULT result, DWORD, DWORD) override
+    {
+        return result;
+    }
+    HRESULT STDMETHODCALLTYPE PreUninitialize(DWORD) override
+    {
+        ++leaves;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE PostUninitialize(DWORD) override { return S_OK; }
+};
+
 } // namespace
 
 TEST(MSchedulerThread, RestartedItServesWhatWasRegisteredEarlierAndLater)
@@ -59,11 +92,13 @@ TEST(MSchedulerThread, RestartedItServesWhatWasRegisteredEarlierAndLater)
     second.Pass();
 }
 
-TEST(MSchedulerThread, FunctorsRunInTheMultithreadedApartment)
+TEST(MSchedulerThread, FunctorsRunInTheMultithreadedApartmentWhichTheThreadLeavesAtItsEnd)
 {
     Gate done;
+    ComSpy spy;
     bool inCom = false;
     Scheduled scheduled([&] {
+        spy.Register();
         inCom = IsInCom();
         done.Open();
     });
@@ -71,29 +106,30 @@ TEST(MSchedulerThread, FunctorsRunInTheMultithreadedApartment)
     SetEvent(scheduled.event);
     done.Pass();
     EXPECT_TRUE(inCom);
+    scheduled.thread.Stop();
+    EXPECT_EQ(1, spy.leaves);
 }
 
 TEST(MSchedulerThread, FunctorThatFailsEndsTheThreadWhichLeavesComOnce)
 {
     Gate ended;
-    bool leftOnce = false;
-    bool leftForGood = false;
-    Scheduled scheduled([] {
-        CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    ComSpy spy;
+    int leavesAtTheError = 0;
+    Scheduled scheduled([&] {
+        spy.Register();
         Raise(L"Unexpected");
     });
     scheduled.recorder.onError = [&] {
-        leftOnce = IsInCom(); // by the entry that the functor made
-        CoUninitialize();
-        leftForGood = !IsInCom();
+        leavesAtTheError = spy.leaves;
         ended.Open();
     };
     scheduled.thread.Start();
     SetEvent(scheduled.event);
     ended.Pass();
     EXPECT_EQ("Unexpected;", scheduled.recorder.failures);
-    EXPECT_TRUE(leftOnce);
-    EXPECT_TRUE(leftForGood);
+    EXPECT_EQ(1, leavesAtTheError);
     EXPECT_EQ("MSchedulerThread.RegisterSchedulerEvent:ThreadRunning",
               Raised([&] { scheduled.Register(); }));
+    scheduled.thread.Stop();
+    EXPECT_EQ(1, spy.leaves);
 }
