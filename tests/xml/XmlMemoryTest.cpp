@@ -68,8 +68,9 @@ TEST(XmlMemory, FailedEditLeavesADocumentThatLoads)
         },
         [&](ShortageOutcome outcome) {
             EXPECT_EQ(outcome, ShortageOutcome::RaisedBadAlloc);
-            if (document)
+            if (document) {
                 EXPECT_EQ(document->LoadText(L"<a>text</a>"), 1);
+            }
         });
 }
 
