@@ -198,10 +198,12 @@ private:
     std::string AddNode(const Operation& operation)
     {
         const std::int32_t type = 1 << (operation.choice & 7);
+        const std::uint32_t flags = Flags(operation.choice & 0x42);
         NoteParent(document.GetParentIndex());
-        if (type == XmlNodeElement)
-            NoteLineBreak(document.GetParentIndex(), XmlAddNoLineBreak);
-        if (!document.AddNode(type, operation.first.c_str(), Flags(operation.choice & 0x42)))
+        const bool breaksLine =
+            (type & (XmlNodeInstruction | XmlNodeComment | XmlNodeDoctype)) != 0;
+        NoteLineBreak(document.GetParentIndex(), breaksLine ? flags : XmlAddNoLineBreak);
+        if (!document.AddNode(type, operation.first.c_str(), flags))
             return Refused();
         if (type == XmlNodeElement)
             fresh = fresh && IsPlainName(operation.first);
