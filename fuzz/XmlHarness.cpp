@@ -176,8 +176,10 @@ private:
     std::string AddElement(const Operation& operation)
     {
         const std::uint32_t flags = Flags(operation.choice);
-        NoteParent((flags & XmlAddChild) != 0 ? document.GetMainIndex()
-                                              : document.GetParentIndex());
+        const std::int32_t parent =
+            (flags & XmlAddChild) != 0 ? document.GetMainIndex() : document.GetParentIndex();
+        NoteParent(parent);
+        NoteLineBreak(parent, flags);
         const wchar_t* data = operation.hasSecond ? operation.second.c_str() : nullptr;
         if (!document.AddElement(operation.first.c_str(), data, flags))
             return Refused();
@@ -196,8 +198,12 @@ private:
     std::string AddNode(const Operation& operation)
     {
         const std::int32_t type = 1 << (operation.choice & 7);
+        const std::uint32_t flags = Flags(operation.choice & 0x42);
         NoteParent(document.GetParentIndex());
-        if (!document.AddNode(type, operation.first.c_str(), Flags(operation.choice & 0x42)))
+        const bool breaksLine =
+            (type & (XmlNodeInstruction | XmlNodeComment | XmlNodeDoctype)) != 0;
+        NoteLineBreak(document.GetParentIndex(), breaksLine ? flags : XmlAddNoLineBreak);
+        if (!document.AddNode(type, operation.first.c_str(), flags))
             return Refused();
         if (type == XmlNodeElement)
             fresh = fresh && IsPlainName(operation.first);
@@ -257,6 +263,15 @@ private:
     {
         if (parent != 0)
             fresh = fresh && IsPlainTag(StartTag(parent));
+    }
+
+    // Between two tags without a content a line break comes in front even of a node that wants
+    // none, and is taken for the node's beginning.
+    void NoteLineBreak(std::int32_t parent, std::uint32_t flags)
+    {
+        const MXmlElementRecord& element = document.GetRecord(parent);
+        if (parent != 0 && element.ContentLength() == 0 && !element.IsEmptyElement())
+            fresh = fresh && (flags & XmlAddNoLineBreak) == 0;
     }
 
     std::wstring StartTag(std::int32_t record) const

@@ -112,7 +112,7 @@ std::wstring MXmlMarkup::GetElementData(std::int32_t record) const
     const std::int32_t start = CutToText(element.ContentStart());
     const std::int32_t end = CutToText(XmlOffsetSum(start, element.ContentLength()));
     const wchar_t* text = documentText.c_str();
-    if (FindFarCharacter(text + start, text + std::max(start, end), L'<', L'<') < text + end)
+    if (FindCharacter<L'<'>(text + start, text + documentText.size()) < text + end)
         return ContentData(start, end);
     return UnescapedTextAt(start, end - start);
 }

@@ -30,19 +30,21 @@ const wchar_t* ScanName(MXmlTokenCursor& cursor, const wchar_t* at)
     return at;
 }
 
-const wchar_t* ScanText(const MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
+const wchar_t* ScanText(const wchar_t* at, MXmlNodeScan& scan)
 {
     scan.type = XmlNodeText;
-    at = FindCharacter<L'<', L'>'>(at, cursor.TextEnd());
+    using XmlCharacters::Bit;
+    while (!XmlCharacters::In<Bit('<') | Bit('>') | Bit(0)>(*at))
+        ++at;
     return *at == L'>' ? at + 1 : at;
 }
 
-const wchar_t* ScanSpace(const MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
+const wchar_t* ScanSpace(const wchar_t* at, MXmlNodeScan& scan)
 {
     while (IsSpace(*at))
         ++at;
     if (*at != L'<' && *at != 0)
-        return ScanText(cursor, at, scan);
+        return ScanText(at, scan);
     scan.type = XmlNodeWhitespace;
     return at;
 }
@@ -227,8 +229,8 @@ const wchar_t* ScanNode(MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan
     if (*at == L'<')
         return ScanTag(cursor, at + 1, scan);
     if (IsSpace(*at))
-        return ScanSpace(cursor, at, scan);
-    return ScanText(cursor, at, scan);
+        return ScanSpace(at, scan);
+    return ScanText(at, scan);
 }
 
 } // namespace

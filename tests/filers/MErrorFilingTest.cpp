@@ -80,6 +80,7 @@ TEST(ErrorFiling, CarriedChainUnfoldsInFrontOfItsCarrier)
     exception.AddError(MErrorOutOfMemory());
     const MException unfolded{CarryingError(Filed(exception))};
     EXPECT_EQ(L"Pump.Drain:Blocked Z=<&> a= status=258;;Carrier;", ChainSummary(unfolded));
+    ASSERT_EQ(3u, unfolded.GetErrorCount());
     EXPECT_STREQ(L"Unspecified error", unfolded.GetError(1)->GetMessageText().c_str());
     EXPECT_EQ(L"Carrier;", Unfolded(Filed(MException())));
 }

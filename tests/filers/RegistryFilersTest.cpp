@@ -185,19 +185,20 @@ TEST_F(RegistryFilers, AnyBytesAreReadAsTextWithinTheirBounds)
     const struct {
         DWORD type;
         Bytes bytes;
-        const wchar_t* text;
+        std::wstring text;
     } cases[] = {
+        {REG_BINARY, Bytes(160, 'A'), std::wstring(80, 0x4141)},
         {REG_DWORD, Dword(0x00420041), L"AB"},
         {REG_BINARY, {'A', 0, 'B'}, L"AB"},
         {REG_BINARY, {}, L""},
         {REG_SZ, {'A', 0, 'B', 0}, L"AB"},
-        {REG_SZ, Text(L"A\0B"), L"A"},
+        {REG_BINARY, {'A', 0, 0, 0, 'B', 0}, L"A"},
     };
     for (const auto& one : cases) {
         Store(one.type, one.bytes);
         MString text;
         EXPECT_TRUE(in.ReadString(L"v", text, L"default"));
-        EXPECT_STREQ(one.text, text.c_str());
+        EXPECT_EQ(one.text, text.c_str());
     }
 }
 

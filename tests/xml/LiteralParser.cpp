@@ -361,11 +361,10 @@ bool LiteralParser::Matches(const std::wstring& name) const
     for (std::int32_t i = 0; i < tokenLength; ++i) {
         const wchar_t a = text[tokenStart + i];
         const wchar_t b = name[i];
-        const bool same = a == b || (ignoreCase && a < 128 && b < 128 &&
-                                     std::towlower(a) == std::towlower(b));
+        const bool same =
+            a == b || (ignoreCase && a < 128 && b < 128 && std::towlower(a) == std::towlower(b));
         if (!same)
             return false;
     }
-    return name.size() == static_cast<std::size_t>(tokenLength) ||
-           In(L" =/[]", name[tokenLength]);
+    return name.size() == static_cast<std::size_t>(tokenLength) || In(L" =/[]", name[tokenLength]);
 }
