@@ -39,10 +39,8 @@ std::string BrokenStore(const MXmlMarkup& document)
 {
     if (document.GetRecordCount() < 1 || document.GetRecordCount() > document.GetRecordCapacity())
         return "more records in use than the store holds";
-    const MXmlElementRecord& top = document.GetRecord(0);
-    if (top.StartTagLength() != 0 ||
-        static_cast<std::size_t>(top.length) != document.GetDocumentText().size())
-        return "the document's record does not span the text";
+    if (!document.GetRecord(0).IsDocument())
+        return "the document's record is none";
     return std::string();
 }
 
@@ -129,6 +127,21 @@ std::string BrokenRule(const MXmlMarkup& document)
             return broken;
     }
     return std::string();
+}
+
+bool SpansText(const MXmlMarkup& document)
+{
+    return static_cast<std::size_t>(document.GetRecord(0).length) ==
+           document.GetDocumentText().size();
+}
+
+bool AllHaveStartTags(const MXmlMarkup& document)
+{
+    for (std::int32_t i = 1; i < document.GetRecordCount(); ++i) {
+        if (IsLive(document, i) && document.GetRecord(i).StartTagLength() == 0)
+            return false;
+    }
+    return true;
 }
 
 std::string StaleIndex(const MXmlMarkup& document)

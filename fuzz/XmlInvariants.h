@@ -7,6 +7,13 @@
 /// that loading and editing can bring about, of ill-formed documents too.
 std::string BrokenRule(const MXmlMarkup& document);
 
+/// Whether the document's record is as long as the text. Holds while `AllHaveStartTags`.
+bool SpansText(const MXmlMarkup& document);
+
+/// Whether no element has a start tag of length 0. Setting an attribute whose old value reaches far
+/// behind its tag can make one, and what is shifted then stops at it.
+bool AllHaveStartTags(const MXmlMarkup& document);
+
 /// Where the index differs from one made afresh from the document's text, or empty. Holds while
 /// nothing ill-formed was loaded or added.
 std::string StaleIndex(const MXmlMarkup& document);

@@ -3,57 +3,59 @@
 void MXmlNameIndex::Reserve(std::size_t keyCount)
 {
     keys.reserve(keyCount);
-    std::size_t slotCount = 64;
-    while (slotCount < keyCount * 2)
-        slotCount *= 2;
-    if (slotCount > slots.size())
-        MakeTable(slotCount);
+    MakeTable(keyCount);
 }
 
 void MXmlNameIndex::Add(std::uint64_t hash, std::int32_t depth)
 {
+    // A table that is full of keys that are gone is made anew as well, perhaps no larger.
     if ((takenSlots + 1) * 2 > slots.size())
-        Reserve(keys.size() * 2 + 1);
-    Slot& slot = TakeSlot(hash);
-    keys.push_back({hash, depth, slot.newest});
-    slot.newest = static_cast<std::int32_t>(keys.size());
+        MakeTable(keys.size() * 2 + 1);
+    keys.push_back({hash, depth, 0});
+    AddToSlot(keys.back(), static_cast<std::int32_t>(keys.size()));
 }
 
 void MXmlNameIndex::DropAbove(std::int32_t depth)
 {
-    for (; !keys.empty() && keys.back().depth > depth; keys.pop_back())
-        slots[SlotOf(keys.back().hash)].newest = keys.back().older;
+    for (; !keys.empty() && keys.back().depth > depth; keys.pop_back()) {
+        const Key& key = keys.back();
+        slots[SlotOf(key.hash)].newest = key.older != 0 ? key.older : Gone;
+    }
 }
 
 std::int32_t MXmlNameIndex::Newest(std::uint64_t hash) const
 {
-    return slots.empty() ? 0 : slots[SlotOf(hash)].newest;
+    const std::int32_t newest = slots.empty() ? 0 : slots[SlotOf(hash)].newest;
+    return newest == Gone ? 0 : newest;
 }
 
-// The slot with that hash, or the free one where it would go.
+// The slot for that hash, or the free one where it would be.
 std::size_t MXmlNameIndex::SlotOf(std::uint64_t hash) const
 {
     const std::size_t mask = slots.size() - 1;
-    std::size_t slot = static_cast<std::size_t>(hash >> 32 ^ hash) & mask;
-    while (slots[slot].taken && slots[slot].hash != hash)
+    const std::uint32_t upperHash = static_cast<std::uint32_t>(hash >> 32);
+    std::size_t slot = static_cast<std::size_t>(hash) & mask;
+    while (slots[slot].newest != 0 && slots[slot].upperHash != upperHash)
         slot = (slot + 1) & mask;
     return slot;
 }
 
-MXmlNameIndex::Slot& MXmlNameIndex::TakeSlot(std::uint64_t hash)
+void MXmlNameIndex::AddToSlot(Key& key, std::int32_t place)
 {
-    Slot& slot = slots[SlotOf(hash)];
-    if (!slot.taken) {
-        slot = {hash, 0, true};
+    Slot& slot = slots[SlotOf(key.hash)];
+    if (slot.newest == 0)
         ++takenSlots;
-    }
-    return slot;
+    key.older = slot.newest > 0 ? slot.newest : 0;
+    slot = {static_cast<std::uint32_t>(key.hash >> 32), place};
 }
 
-void MXmlNameIndex::MakeTable(std::size_t slotCount)
+void MXmlNameIndex::MakeTable(std::size_t keyCount)
 {
-    slots.assign(slotCount, {0, 0, false});
+    std::size_t slotCount = 64;
+    while (slotCount < keyCount * 2)
+        slotCount *= 2;
+    slots.assign(slotCount, {0, 0});
     takenSlots = 0;
     for (std::size_t i = 0; i < keys.size(); ++i)
-        TakeSlot(keys[i].hash).newest = static_cast<std::int32_t>(i) + 1;
+        AddToSlot(keys[i], static_cast<std::int32_t>(i) + 1);
 }

@@ -18,10 +18,10 @@ public:
     /// Drops the keys of the entries above `depth`.
     void DropAbove(std::int32_t depth);
 
-    /// The place of the newest key with that hash, 0 if there is none.
+    /// The place of the newest key that may have that hash, 0 if there is none.
     std::int32_t Newest(std::uint64_t hash) const;
 
-    /// The place of the next older key with the same hash, 0 if there is none.
+    /// The place of the next older one, 0 if there is none.
     std::int32_t Older(std::int32_t place) const { return KeyAt(place).older; }
 
     std::int32_t Depth(std::int32_t place) const { return KeyAt(place).depth; }
@@ -33,18 +33,20 @@ private:
         std::int32_t older;
     };
 
-    // One for each hash that has been there since the table was last made; `newest` is 0 in a free
-    // one, and in one whose keys are gone, which is told by its hash.
+    // For the keys whose hashes have the same upper half and lead to this place. Small, because
+    // what a search costs is to fetch one. `newest` is 0 in a free slot, and `Gone` where there are
+    // no keys any more.
     struct Slot {
-        std::uint64_t hash;
+        std::uint32_t upperHash;
         std::int32_t newest;
-        bool taken;
     };
+
+    static constexpr std::int32_t Gone = -1;
 
     const Key& KeyAt(std::int32_t place) const { return keys[static_cast<std::size_t>(place) - 1]; }
     std::size_t SlotOf(std::uint64_t hash) const;
-    Slot& TakeSlot(std::uint64_t hash);
-    void MakeTable(std::size_t slotCount);
+    void AddToSlot(Key& key, std::int32_t place);
+    void MakeTable(std::size_t keyCount);
 
     // Places are counted from 1.
     std::vector<Key> keys;

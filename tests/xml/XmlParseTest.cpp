@@ -281,6 +281,19 @@ TEST(XmlParse, RandomNestingAsLiterally)
         ASSERT_TRUE(SameAsLiterally(RandomNesting(random), i % 4 == 0));
 }
 
+TEST(XmlParse, DeepNamesThatComeAndGoAsLiterally)
+{
+    std::wstring text = L"<r>";
+    for (int round = 0; round < 100; ++round) {
+        const std::wstring outer = L"o" + std::to_wstring(round);
+        text += L"<" + outer + L">";
+        for (int i = 0; i < 20; ++i)
+            text += L"<n" + std::to_wstring(round * 100 + i) + L">";
+        text += L"</none></" + outer + L">";
+    }
+    EXPECT_TRUE(SameAsLiterally(text + L"</r>"));
+}
+
 TEST(XmlParse, EveryPrefixAsLiterally)
 {
     const std::wstring text =
