@@ -118,7 +118,11 @@ private:
         }
     }
 
-    void Load(const std::wstring& text) { fresh = document.LoadText(text.c_str()) == 1; }
+    void Load(const std::wstring& text)
+    {
+        fresh = document.LoadText(text.c_str()) == 1;
+        spans = true;
+    }
 
     void Move(const Operation& operation)
     {
@@ -299,8 +303,11 @@ private:
         return Check(fresh);
     }
 
-    std::string Check(bool indexIsFresh) const
+    std::string Check(bool indexIsFresh)
     {
+        spans = spans && AllHaveStartTags(document);
+        if (spans && !SpansText(document))
+            return "the document's record does not span the text";
         const std::string broken = BrokenRule(document);
         return broken.empty() && indexIsFresh ? StaleIndex(document) : broken;
     }
@@ -309,6 +316,8 @@ private:
     std::wstring before;
     // Nothing ill-formed was loaded or added.
     bool fresh = false;
+    // Every element has had a start tag since.
+    bool spans = true;
 };
 
 } // namespace

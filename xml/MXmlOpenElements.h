@@ -52,7 +52,7 @@ public:
 private:
     bool Matches(std::int32_t at, const wchar_t* name, std::int32_t length) const;
 
-    static constexpr std::int32_t Nearby = 16;
+    static constexpr std::int32_t Nearby = 4;
 
     void Grow();
     void IndexEntries();
