@@ -1,11 +1,8 @@
 #include "tests/filers/ChainModule.h"
 
-#include "diagnostics/MFlowLocation.h"
 #include "engine/MEngineThread.h"
-#include "filers/MFilerTaggedPair.h"
-#include "filers/MOutFilerTaggedXml.h"
+#include "foundation/MException.h"
 #include "module/ModuleCommandProcessor.h"
-#include "tests/filers/ErrorChains.h"
 
 namespace
 {
@@ -13,51 +10,37 @@ namespace
 class FailingThread : public MEngineThread
 {
 public:
-    explicit FailingThread(IThreadErrorHandler* errorHandler) : MEngineThread(errorHandler) {}
+    explicit FailingThread(const std::wstring& text)
+        : MEngineThread(&ModuleCommandProcessor::GetInstance()), cause(text.c_str())
+    {
+        cause.AddParameter(L"pressure", 17);
+    }
 
 private:
     void ThreadFunction() override
     {
         SignalThreadStarted();
-        MError cause(L"Pump.Drain:Blocked");
-        cause.AddParameter(L"pressure", 17);
         MException exception(cause);
         exception.AddError(MError(L"Plant.Run:Stopped & cold"));
         ThrowException(exception);
     }
     void OnFlush() override {}
     void OnStop() override {}
+
+    CarryingError cause;
 };
 
 } // namespace
 
-void FailOnEngineThread(TextReceiver* receiver)
+void FailOnEngineThread(const std::wstring& text, TextReceiver* receiver)
 {
     Varek::Runtime::RegisterFatalErrorHandlers(
         std::auto_ptr<TextReceiver>(receiver),
         std::auto_ptr<Varek::Runtime::CallbackFunctor1Param<_EXCEPTION_POINTERS*>>());
-    FailingThread thread(&ModuleCommandProcessor::GetInstance());
-    thread.Start();
-    thread.Stop();
-}
-
-void CarryChain(const std::wstring& text, TextReceiver& receiver)
-{
-    try {
-        static MFlowLocation location(L"ChainModule", L"CarryChain");
-        CarryingError error(text.c_str());
-        location.Throw(error);
-    } catch (const MException& exception) {
-        MOutFilerTaggedXml document(L"ExceptionChain", nullptr);
-        MFilerTaggedPair filer(nullptr, &document);
-        MString filed;
-        exception.Write(filer, L"Exception");
-        document.GetDocumentText(&filed);
-        receiver(filed.c_str());
+    {
+        FailingThread thread(text);
+        thread.Start();
+        thread.Stop();
     }
-}
-
-void StopModule()
-{
     Varek::Runtime::Shutdown();
 }
