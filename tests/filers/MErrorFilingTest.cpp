@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include <windows.h>
 
 namespace
@@ -95,6 +97,16 @@ private:
     int countdown;
 };
 
+/// Where a virtual function stands among those of its class: the table comes first in a pointer to
+/// one, as an offset that is marked by an odd number.
+template <class Function>
+std::size_t SlotOf(Function function)
+{
+    std::size_t offset = 0;
+    std::memcpy(&offset, &function, sizeof offset);
+    return (offset - 1) / sizeof(void*);
+}
+
 } // namespace
 
 TEST(ErrorFiling, ChainHasItsForm)
@@ -119,6 +131,7 @@ TEST(ErrorFiling, CarriedChainUnfoldsInFrontOfItsCarrierAsFarAsItCanBeRead)
                                L"<Parameter><Name type='string'>n</Name>"
                                L"<Value type='string'>v</Value></Parameter><Parameter>";
     const std::wstring end = L"</Parameter></Error></Exception></ExceptionChain>";
+    const std::wstring error = L"<Error><Code type='string'>c</Code></Error>";
     const struct {
         MString text;
         const wchar_t* unfolded;
@@ -127,11 +140,8 @@ TEST(ErrorFiling, CarriedChainUnfoldsInFrontOfItsCarrierAsFarAsItCanBeRead)
         {Filed(MException()), L"Carrier;"},
         {L"something went wrong", L"Carrier;"},
         {L"<ExceptionChain><Exception/>", L"Carrier;"},
-        {L"<Chain><Exception><Error><Code type='string'>c</Code></Error></Exception></Chain>",
-         L"Carrier;"},
-        {L"<ExceptionChain><Error><Code type='string'>c</Code></Error></ExceptionChain>",
-         L"Carrier;"},
-        {L"<ExceptionChain><Exception><Error/></Exception></ExceptionChain>", L"Carrier;"},
+        {(L"<Chain><Exception>" + error + L"</Exception></Chain>").c_str(), L"Carrier;"},
+        {(L"<ExceptionChain>" + error + L"</ExceptionChain>").c_str(), L"Carrier;"},
         {(start + L"<Value type='string'>w</Value>" + end).c_str(), L"c n=v;Carrier;"},
         {(start + L"<Name type='string'>n</Name><Value type='string'>w</Value>" + end).c_str(),
          L"c n=v;Carrier;"},
@@ -155,23 +165,30 @@ TEST(ErrorFiling, FailedWriteEndsTheChainAndLeavesTheGroupOfAParameterOpen)
     error.AddParameter(L"name", L"value");
     MException exception(error);
     exception.AddError(MError(L"second"));
-    const struct {
-        const wchar_t* call;
-        const wchar_t* callsAfterItsFailure;
-    } cases[] = {
-        {L"X( ", L""},       {L"Error( ", L") "},  {L"Code ", L") ) "}, {L"Parameter( ", L") ) "},
-        {L"Name ", L") ) "}, {L"Value ", L") ) "}, {L") ", L") ) "},    {L") ", L") "},
-        {L"Error( ", L") "}, {L"Code ", L") ) "},  {L") ", L") "},      {L") ", L""},
-    };
-    std::wstring calls;
-    int nth = 0;
-    for (const auto& one : cases) {
-        calls += one.call;
-        ScriptedFiler out(++nth);
+    const wchar_t* const calls[] = {L"X( ",     L"Error( ", L"Code ", L"Parameter( ",
+                                    L"Name ",   L"Value ",  L") ",    L") ",
+                                    L"Error( ", L"Code ",   L") ",    L") "};
+    const int endsAfterFailure[] = {0, 1, 2, 2, 2, 2, 2, 1, 1, 2, 1, 0};
+    std::wstring expected;
+    for (int i = 0; i < 12; ++i) {
+        ScriptedFiler out(i + 1);
         MFilerTaggedPair filer(nullptr, &out);
         EXPECT_FALSE(exception.Write(filer, L"X"));
-        EXPECT_EQ(calls + one.callsAfterItsFailure, out.calls);
+        expected += calls[i];
+        const std::wstring ends[] = {L"", L") ", L") ) "};
+        EXPECT_EQ(expected + ends[endsAfterFailure[i]], out.calls);
     }
+}
+
+// The destructor has two slots in front of them.
+TEST(MFilerTaggedPair, FilersHaveTheirSlotsInOrder)
+{
+    EXPECT_EQ(2u, SlotOf(&IOutFilerTagged::WriteChar));
+    EXPECT_EQ(3u, SlotOf(&IOutFilerTagged::WriteString));
+    EXPECT_EQ(14u, SlotOf(&IOutFilerTagged::WriteDocument));
+    EXPECT_EQ(2u, SlotOf(&IInFilerTagged::ReadString));
+    EXPECT_EQ(3u, SlotOf(&IInFilerTagged::ReadChar));
+    EXPECT_EQ(14u, SlotOf(&IInFilerTagged::ReadDocument));
 }
 
 TEST(MFilerTaggedPair, GroupsGoToBothWhateverTheFirstAnswers)

@@ -131,76 +131,52 @@ TEST_F(RegistryFilers, OnlyAFilerThatMayCreatesKeys)
     }
 }
 
-TEST_F(RegistryFilers, NumbersAreCutFromWhateverIsStored)
+TEST_F(RegistryFilers, AnyBytesAreReadWithinTheirBounds)
 {
     const struct {
         DWORD type;
         Bytes bytes;
-        bool read;
         DWORD number;
+        std::wstring text;
     } cases[] = {
-        {REG_DWORD, Dword(0x12345678), true, 0x12345678},
-        {REG_DWORD, Dword(256), true, 256},
-        {REG_SZ, Text(L"A"), true, 0x41},
-        {REG_SZ, Text(L"AB"), false, 9},
-        {REG_BINARY, {0x7F}, true, 0x7F},
-        {REG_BINARY, {}, true, 0},
-        {REG_QWORD, {1, 0, 0, 0, 0, 0, 0, 0}, false, 9},
+        {REG_DWORD, Dword(0x00420041), 0x00420041, L"AB"},
+        {REG_DWORD, Dword(256), 256, L"\x100"},
+        {REG_SZ, {'A', 0, 'B', 0}, 9, L"AB"},
+        {REG_BINARY, {'A', 0, 'B'}, 0x00420041, L"AB"},
+        {REG_BINARY, {0x7F}, 0x7F, L"\x7F"},
+        {REG_BINARY, {}, 0, L""},
+        {REG_BINARY, {'A', 0, 0, 0, 'B', 0}, 9, L"A"}, // too long for a number
+        {REG_QWORD, {1, 0, 0, 0, 0, 0, 0, 0}, 9, L"\x1"},
+        {REG_BINARY, Bytes(160, 'A'), 9, std::wstring(80, 0x4141)},
     };
     for (const auto& one : cases) {
         Store(one.type, one.bytes);
+        const bool read = one.number != 9;
         unsigned int number = 0;
         bool flag = false;
         char character = 0;
-        EXPECT_EQ(one.read, in.ReadUInt32(L"v", &number, 9));
-        EXPECT_EQ(one.read, in.ReadBool(L"v", &flag, true));
-        EXPECT_EQ(one.read && one.type == REG_DWORD, in.ReadChar(L"v", &character, 9));
+        MString text;
+        EXPECT_EQ(read, in.ReadUInt32(L"v", &number, 9));
+        EXPECT_EQ(read, in.ReadBool(L"v", &flag, true));
+        EXPECT_EQ(read && one.type == REG_DWORD, in.ReadChar(L"v", &character, 9));
         EXPECT_EQ(one.number, number);
         EXPECT_EQ(one.number != 0, flag);
         EXPECT_EQ(static_cast<char>(one.number), character); // also where the type is refused
+        EXPECT_TRUE(in.ReadString(L"v", text, L"default"));
+        EXPECT_EQ(one.text, text.c_str());
     }
     EXPECT_FALSE(in.ReadInt32(L"v", nullptr, 9));
 }
 
-TEST_F(RegistryFilers, AnyBytesAreReadAsTextWithinTheirBounds)
-{
-    const struct {
-        DWORD type;
-        Bytes bytes;
-        std::wstring text;
-    } cases[] = {
-        {REG_BINARY, Bytes(160, 'A'), std::wstring(80, 0x4141)},
-        {REG_DWORD, Dword(0x00420041), L"AB"},
-        {REG_BINARY, {'A', 0, 'B'}, L"AB"},
-        {REG_BINARY, {}, L""},
-        {REG_SZ, {'A', 0, 'B', 0}, L"AB"},
-        {REG_BINARY, {'A', 0, 0, 0, 'B', 0}, L"A"},
-    };
-    for (const auto& one : cases) {
-        Store(one.type, one.bytes);
-        MString text;
-        EXPECT_TRUE(in.ReadString(L"v", text, L"default"));
-        EXPECT_EQ(one.text, text.c_str());
-    }
-}
-
 TEST_F(RegistryFilers, FloatingNumbersAreScanned)
 {
-    const struct {
-        const wchar_t* text;
-        bool read;
-        double value;
-    } cases[] = {
-        {L"12abc", true, 12},
-        {L" -2.5e3", true, -2500},
-        {L"", false, 9},
-        {L"x", false, 9},
-    };
+    const std::pair<const wchar_t*, double> cases[] = {
+        {L"12abc", 12}, {L" -2.5e3", -2500}, {L"", 9}, {L"x", 9}};
     for (const auto& one : cases) {
-        Store(REG_SZ, Text(one.text));
+        Store(REG_SZ, Text(one.first));
         double value = 0;
-        EXPECT_EQ(one.read, in.ReadDouble(L"v", &value, 9)) << one.text;
-        EXPECT_EQ(one.value, value) << one.text;
+        EXPECT_EQ(one.second != 9, in.ReadDouble(L"v", &value, 9)) << one.first;
+        EXPECT_EQ(one.second, value) << one.first;
     }
 }
 

@@ -159,33 +159,23 @@ TEST(MInFilerTaggedXml, GroupsAreFoundForwardOnly)
 
 TEST(MInFilerTaggedXml, WrongDocumentGivesDefaults)
 {
-    const wchar_t named[] = L"<r xmlns='n'><v type='int'>1</v></r>";
-    const wchar_t plain[] = L"<r><v type='int'>1</v></r>";
-    const struct {
-        const wchar_t* text;
-        const wchar_t* rootTag;
-        const wchar_t* nameSpace;
-        bool accepted;
-    } cases[] = {
-        {named, L"r", nullptr, true},
-        {named, nullptr, L"", true},
-        {named, L"", L"n", true},
-        {named, L"r", L"N", false},
-        {plain, L"r", L"n", false},
-        {plain, L"R", nullptr, false},
-        {L"<r><v type='int'>1</v></r><r/>", L"r", nullptr, false},
-        {L"<r><v type='int'>1</v>", L"r", nullptr, false},
-        {L"", nullptr, nullptr, false},
+    const auto accepts = [](const wchar_t* text, const wchar_t* rootTag, const wchar_t* nameSpace) {
+        MInFilerTaggedXml filer(text, rootTag, nameSpace);
+        MString result;
+        const bool accepted = NextInt(filer, L"v") == 1;
+        EXPECT_FALSE(filer.ReadString(L"s", result, L"default"));
+        EXPECT_STREQ(L"default", result.c_str());
+        EXPECT_EQ(accepted, filer.EndGroup());
+        EXPECT_FALSE(filer.BeginGroup(L"g") || filer.ReadDocument(L"g", result));
+        return accepted;
     };
-    for (const auto& one : cases) {
-        MInFilerTaggedXml filer(one.text, one.rootTag, one.nameSpace);
-        EXPECT_EQ(one.accepted ? 1 : -1, NextInt(filer, L"v")) << one.text;
-        MString text;
-        EXPECT_FALSE(filer.ReadString(L"s", text, L"default"));
-        EXPECT_STREQ(L"default", text.c_str());
-        EXPECT_EQ(one.accepted, filer.EndGroup());
-        EXPECT_FALSE(filer.BeginGroup(L"g") || filer.ReadDocument(L"g", text));
-    }
+    const wchar_t named[] = L"<r xmlns='n'><v type='int'>1</v></r>";
+    EXPECT_TRUE(accepts(named, L"r", nullptr) && accepts(named, nullptr, L""));
+    EXPECT_TRUE(accepts(named, L"", L"n"));
+    EXPECT_FALSE(accepts(named, L"r", L"N") || accepts(named, L"R", nullptr));
+    EXPECT_FALSE(accepts(L"<r><v type='int'>1</v></r>", L"r", L"n"));
+    EXPECT_FALSE(accepts(L"<r><v type='int'>1</v></r><r/>", L"r", nullptr));
+    EXPECT_FALSE(accepts(L"<r><v type='int'>1</v>", L"r", nullptr) || accepts(L"", L"", L""));
 }
 
 TEST(XmlFilers, EmbeddedDocumentTakesTheTagAndIsReadByAFilerOfItsOwn)
