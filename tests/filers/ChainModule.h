@@ -19,7 +19,7 @@ private:
 
 typedef Varek::Runtime::CallbackFunctor1Param<const std::wstring&> TextReceiver;
 
-/// What the modules of the chain test export beside the three functions of every module: ends an
-/// engine thread by an exception whose first error carries the chain filed in `text`, and shuts the
-/// module down. `receiver` gets the fatal error text and goes to the module.
-extern "C" VAREK_API void FailOnEngineThread(const std::wstring& text, TextReceiver* receiver);
+/// What the modules of the chain test export beside the three functions of every module: fails as
+/// an engine thread does, by an exception whose first error carries the chain filed in `text`, and
+/// shuts the module down. `receiver` gets the fatal error text and goes to the module.
+extern "C" VAREK_API void FailCarrying(const std::wstring& text, TextReceiver* receiver);
