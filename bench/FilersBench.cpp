@@ -102,11 +102,11 @@ void CompareValues()
     Comparison(
         "write : PropertyTree", 1, [](unsigned) { WriteValues(many); },
         [](unsigned) { PropertyTreePeer::WriteValues(many); })
-        .AtMost(1);
+        .AtMost(0.5);
     Comparison(
         "read : PropertyTree", 1, [&](unsigned) { ReadValues(text, many); },
         [&](unsigned) { PropertyTreePeer::ReadValues(peerText); })
-        .AtMost(1);
+        .AtMost(0.5);
 }
 
 MException MakeChain()

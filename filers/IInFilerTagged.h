@@ -2,8 +2,6 @@
 
 #include "foundation/MLocale.h"
 
-class MString;
-
 /// Reads what an `IOutFilerTagged` has filed: typed values by name ("tag"), with nesting.
 ///
 ///     void Load(IInFilerTagged& filer)

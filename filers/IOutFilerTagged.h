@@ -2,8 +2,6 @@
 
 #include "foundation/MLocale.h"
 
-class MString;
-
 /// Files typed values by name ("tag"), with nesting. Where they go is the affair of the class
 /// behind it: XML text (`MOutFilerTaggedXml`) or the registry (`IOutFilerTaggedRegistry`).
 ///

@@ -3,7 +3,6 @@
 #include "filers/IOutFilerTagged.h"
 
 #include <memory>
-#include <string>
 
 class MXmlMarkup;
 

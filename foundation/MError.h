@@ -37,7 +37,7 @@ public:
 
     /// Reads the group under the tag into this error, which loses what it held. False when there is
     /// none or it has no Code; a list of parameters that breaks off ends there. `defaultError` is
-    /// not used.
+    /// not used. As with `MException::ReadErrors`, the filer must go forward.
     virtual bool Read(MFilerTaggedPair& filer, const MString& tagName, const MError& defaultError);
 
     /// Files the Code and the parameters, in their order, as a group under the tag; the class is

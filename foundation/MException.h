@@ -59,7 +59,9 @@ public:
     bool WriteErrors(MFilerTaggedPair& filer) const;
 
     /// Reads errors for as long as there are any, in place of those held so far. They come back as
-    /// plain `MError` objects, whatever they were. Always true; `defaultException` is not used.
+    /// plain `MError` objects, whatever they were. Always true; `defaultException` is not used. The
+    /// filer must go forward, as those on XML do: the registry finds the same group each time, and
+    /// reading from it would not end.
     bool ReadErrors(MFilerTaggedPair& filer, const MException& defaultException);
 
 private:

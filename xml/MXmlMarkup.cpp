@@ -72,8 +72,8 @@ bool MXmlMarkup::IsElement(std::int32_t record) const
     return record > 0 && record < nextFreeIndex && !records[record].Has(XmlElementDeleted);
 }
 
-// An ill-formed document can leave elements that no walk reaches; they may outlive what contained
-// them.
+// A guard for records that were deleted with what contains them: no attribute is set on an element
+// whose text is gone.
 bool MXmlMarkup::IsInDocument(std::int32_t record) const
 {
     while (record != 0 && !records[record].Has(XmlElementDeleted))

@@ -14,7 +14,8 @@ constexpr std::uint32_t XmlDocIgnoreCase = 0x8;
 enum MXmlAddFlag : std::uint32_t {
     /// `AddElement`: the data goes in as a CDATA section.
     XmlAddCdata = 0x1,
-    /// No line break behind the new node.
+    /// No line break behind the new node. The first node between two tags with nothing in between
+    /// has one in front all the same, and is then taken to begin with it.
     XmlAddNoLineBreak = 0x2,
     /// `AddElement` without data writes " />" instead of "/>".
     XmlAddSpaceSlash = 0x4,
@@ -28,7 +29,8 @@ enum MXmlAddFlag : std::uint32_t {
     XmlAddReplaceContent = 0x1000,
     /// In front of the current node and not behind it.
     XmlAddBefore = 0x2000,
-    /// `AddElement`: among the children of the current element, at its current child.
+    /// `AddElement`: among the children of the current element, at its current child. The new one
+    /// becomes the current child; the current element stays.
     XmlAddChild = 0x4000
 };
 
@@ -70,8 +72,7 @@ struct MXmlInsertRequest {
 /// characters. `MXmlElementRecord` gives the limits of a single tag. There is no limit on nesting.
 ///
 /// Texts that are passed in end with a zero; a null pointer counts as the empty text where nothing
-/// else is said. A record index that names no element is answered as 0 is: with an empty text, or
-/// false.
+/// else is said. A record index that names no element is answered with an empty text, or false.
 ///
 /// Failure. Bad input is never an error of the program: a text that is not well-formed is indexed
 /// as well as can be, and remains fully usable; operations that cannot be carried out answer false
@@ -162,7 +163,8 @@ public:
     std::wstring GetAttribute(std::int32_t record, const wchar_t* name) const;
 
     /// The unescaped text of an element without child elements, CDATA sections included; empty for
-    /// an element with children. For the current node: its text without the delimiters.
+    /// an element with children. For the current node: its text without the delimiters. Of record
+    /// 0, the text of a document without elements.
     std::wstring GetElementData(std::int32_t record) const;
 
     /// The text between the tags as it stands in the document.
@@ -180,13 +182,19 @@ public:
     bool AddElement(const wchar_t* name, const wchar_t* data, std::uint32_t flags);
 
     /// Adds a node of an `MXmlNodeType` behind the current one and moves to it; see
-    /// `BuildNodeText`. False if that is.
+    /// `BuildNodeText`. False if that is. Comments, instructions and the doctype get a line break
+    /// behind them; text and CDATA count as `XmlAddNoLineBreak`. The current element is afterwards
+    /// the one in front of the node: the last of the level if there was none, or with
+    /// `XmlAddBefore` the one before, or none.
     bool AddNode(std::int32_t type, const wchar_t* text, std::uint32_t flags);
 
     /// Puts the markup in place of all that the current element contains, unchanged, and indexes
     /// it. Answers 1 if it is well-formed, else 0 with the finding in `GetErrorText`, its offset
     /// counted from the front of the markup; the markup is in place either way. Answers 0 and does
     /// nothing if the position is not on an element.
+    ///
+    /// After markup without an element, what is then put at the very front of the document goes
+    /// where the markup is, until the next load; stand on the root and use `XmlAddBefore` instead.
     int ReplaceInnerMarkup(const wchar_t* markup);
 
     // Conversions

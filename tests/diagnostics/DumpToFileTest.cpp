@@ -32,7 +32,7 @@ struct DumpToFile : testing::Test {
 
 } // namespace
 
-TEST_F(DumpToFile, ReplacesTheFileAndWritesLinesOfItsPlatform)
+TEST_F(DumpToFile, ReplacesTheFileByLinesOfItsPlatformUnlessItCannotBeOpened)
 {
     core.AddRecord(-7, 1, 2, 3, 4, nullptr);
     EXPECT_TRUE(adapter.DumpToFile());
@@ -43,12 +43,8 @@ TEST_F(DumpToFile, ReplacesTheFileAndWritesLinesOfItsPlatform)
     EXPECT_NE(std::string::npos, text.find("\r\n    0.000000, -7, 1, 2, 3, 4, 0, "));
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'),
               std::count(text.begin(), text.end(), '\r'));
-}
 
-TEST_F(DumpToFile, FileThatCannotBeOpenedAnswersFalse)
-{
-    const HANDLE taken = CreateFileA(dumpPath, GENERIC_READ, 0, nullptr, OPEN_ALWAYS,
-                                     FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE taken = CreateFileA(dumpPath, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_FALSE(adapter.DumpToFile());
     CloseHandle(taken);
 }

@@ -12,8 +12,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 namespace
 {
 
@@ -31,25 +29,31 @@ struct LogPair : testing::Test {
     }
 };
 
-std::vector<std::int64_t> Kinds(KLogger& core)
+typedef std::vector<std::int64_t> Numbers;
+
+Numbers Kinds(KLogger& core)
 {
-    std::vector<std::int64_t> kinds;
+    Numbers kinds;
     for (const DumpedRecord& record : ReadDump(TakeDump(core)))
         kinds.push_back(record.numbers[0]);
     return kinds;
 }
 
-typedef std::vector<std::int64_t> KindList;
-
 std::vector<DumpedRecord> ModuleRecordsOf(const void* object)
 {
+    const auto address = static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(object));
     std::vector<DumpedRecord> found;
     for (const DumpedRecord& record :
          ReadDump(TakeDump(*MFlowLogger::GetInstance()->GetImplementation())))
-        if (record.numbers[5] ==
-            static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(object)))
+        if (record.numbers[5] == address)
             found.push_back(record);
     return found;
+}
+
+/// The kind and the two parameters.
+Numbers FirstNumbers(const DumpedRecord& record)
+{
+    return Numbers(record.numbers.begin(), record.numbers.begin() + 3);
 }
 
 } // namespace
@@ -58,7 +62,7 @@ TEST_F(LogPair, EventIndexesBecomeKinds)
 {
     for (std::uint32_t index = FlowEventFirstPoint; index <= FlowEventMessageReceive; ++index)
         ours.LogEvent(index, 0, 0, 0, 0, nullptr);
-    EXPECT_EQ((KindList{0, -105, -104, -103, -14, -13, -25, -7, -8, 0, -102, -101, -21, -20}),
+    EXPECT_EQ((Numbers{0, -105, -104, -103, -14, -13, -25, -7, -8, 0, -102, -101, -21, -20}),
               Kinds(ourCore));
 }
 
@@ -69,45 +73,39 @@ TEST_F(LogPair, AttachedLogReceivesEventsAndNames)
     ours.RegisterFunctionName(3, 4,
                               L"Af\x0174"
                               L"er"); // cut to its low bits: 't'
+    ours.RegisterStateName(3, 7, L"Open");
     LogOne(ours);
+    ours.LogEvent(FlowEventStateChange, 7, 0, 3, 4, this);
     LogOne(theirs);
 
-    EXPECT_EQ((KindList{-202, 0}), Kinds(ourCore));
-    EXPECT_EQ((KindList{-202, 0, 0}), Kinds(theirCore));
-    EXPECT_EQ(0u,
-              DumpedTexts(theirCore)[1].find("% Timing_point (1, 2) in_class Before at After "));
+    EXPECT_EQ((Numbers{-202, 0, -25}), Kinds(ourCore));
+    EXPECT_EQ((Numbers{-202, 0, -25, 0}), Kinds(theirCore));
+    const std::vector<std::string> texts = DumpedTexts(theirCore);
+    EXPECT_EQ(0u, texts[1].find("% Timing_point (1, 2) in_class Before at After "));
+    EXPECT_EQ(0u, texts[2].find("% State_change to Open in_class Before at After "));
 }
 
-TEST_F(LogPair, NullAndForeignLoggersDetachOnce)
+TEST_F(LogPair, NullAndForeignLoggersDetachOnceAndAnAttachedOneReplaces)
 {
     ForeignLogger foreign;
+    KLogger thirdCore;
+    MKLoggerAdapter third(&thirdCore);
     ours.AttachLogger(nullptr);
-    EXPECT_EQ(KindList{}, Kinds(ourCore));
-
+    ours.AttachLogger(&third);
     ours.AttachLogger(&theirs);
     ours.AttachLogger(&foreign);
     ours.AttachLogger(nullptr);
     LogOne(ours);
-    EXPECT_EQ((KindList{-202, -201, 0}), Kinds(ourCore));
-    EXPECT_EQ((KindList{-202, -201}), Kinds(theirCore));
-}
-
-TEST_F(LogPair, SecondAttachReplacesTheFirstSilently)
-{
-    KLogger thirdCore;
-    MKLoggerAdapter third(&thirdCore);
-    ours.AttachLogger(&theirs);
-    ours.AttachLogger(&third);
-    LogOne(ours);
-    EXPECT_EQ((KindList{-202}), Kinds(theirCore));
-    EXPECT_EQ((KindList{-202, 0}), Kinds(thirdCore));
+    EXPECT_EQ((Numbers{-202, -202, -201, 0}), Kinds(ourCore));
+    EXPECT_EQ((Numbers{-202, -201}), Kinds(theirCore));
+    EXPECT_EQ((Numbers{-202}), Kinds(thirdCore));
 }
 
 TEST_F(LogPair, LogAttachedToItselfRecordsTwice)
 {
     ours.AttachLogger(&ours);
     LogOne(ours);
-    EXPECT_EQ((KindList{-202, -202, 0, 0}), Kinds(ourCore));
+    EXPECT_EQ((Numbers{-202, -202, 0, 0}), Kinds(ourCore));
 }
 
 TEST_F(LogPair, HolderAttachesWhatAnotherHolds)
@@ -118,7 +116,7 @@ TEST_F(LogPair, HolderAttachesWhatAnotherHolds)
     none->Attach(&their);
     our.Attach(&their);
     our.Attach(none);
-    EXPECT_EQ((KindList{-202, -201}), Kinds(theirCore));
+    EXPECT_EQ((Numbers{-202, -201}), Kinds(theirCore));
 }
 
 TEST(MFlowLocation, RecordsSayWhereAndForWhom)
@@ -134,11 +132,10 @@ TEST(MFlowLocation, RecordsSayWhereAndForWhom)
 
     const std::vector<DumpedRecord> records = ModuleRecordsOf(&object);
     ASSERT_EQ(4u, records.size());
-    const std::int64_t expected[][3] = {{-14, 0, -1}, {-13, 0, 77}, {-25, 2, 9}, {0, 5, 6}};
+    const Numbers expected[] = {{-14, 0, -1}, {-13, 0, 77}, {-25, 2, 9}, {0, 5, 6}};
     for (std::size_t i = 0; i < records.size(); ++i) {
         EXPECT_NE(std::string::npos, records[i].text.find(" in_class FlowTester at Trace "));
-        for (std::size_t field = 0; field < 3; ++field)
-            EXPECT_EQ(expected[i][field], records[i].numbers[field]);
+        EXPECT_EQ(expected[i], FirstNumbers(records[i]));
     }
 }
 
@@ -156,11 +153,7 @@ TEST(MFlowScope, ClosesAsItWasOpenedByReturnAndByException)
     }
     const std::vector<DumpedRecord> records = ModuleRecordsOf(&object);
     ASSERT_EQ(2u, records.size());
-    EXPECT_EQ(-7, records[0].numbers[0]);
-    EXPECT_EQ(-8, records[1].numbers[0]);
-    for (const DumpedRecord& record : records) {
-        EXPECT_EQ(1, record.numbers[1]);
-        EXPECT_EQ(2, record.numbers[2]);
-    }
+    EXPECT_EQ((Numbers{-7, 1, 2}), FirstNumbers(records[0]));
+    EXPECT_EQ((Numbers{-8, 1, 2}), FirstNumbers(records[1]));
     EXPECT_TRUE(ModuleRecordsOf(&other).empty());
 }

@@ -3,10 +3,13 @@
 #include "engine/MCommandSynchronous.h"
 #include "engine/MDesyncEvent.h"
 #include "engine/MEngineThread.h"
+#include "tests/support/Allocations.h"
+#include "tests/support/ProcessHandles.h"
 
 #include <functional>
-#include <memory>
 #include <string>
+#include <thread>
+#include <type_traits>
 
 typedef std::function<void()> Action;
 
@@ -29,14 +32,14 @@ public:
     void OnUnhandledException(_EXCEPTION_POINTERS*) override {}
 
     std::string failures; ///< each as `FailureText` has it, with a semicolon behind
-    Action onError = [] {};
+    Gate failed;          ///< opened by the first
 };
 
 /// An engine thread that does what a test tells it, its inside open.
-class ScriptedThread : public MEngineThread
+class ScriptedThread : public FailureRecorder, public MEngineThread
 {
 public:
-    explicit ScriptedThread(IThreadErrorHandler* handler = nullptr) : MEngineThread(handler) {}
+    ScriptedThread() : MEngineThread(this) {}
     ~ScriptedThread() override { ForceStop(); }
 
     using MEngineThread::AddEvent;
@@ -44,9 +47,6 @@ public:
     using MEngineThread::IsStopRequested;
     using MEngineThread::IsThreadActive;
     using MEngineThread::SignalThreadStarted;
-
-    /// Calls `action`, which must outlive this, whenever `event` is set.
-    void Serve(HANDLE event, const Action& action);
 
     Action onStart = [this] { SignalThreadStarted(); };
     Action onFlush = [] {};
@@ -58,9 +58,32 @@ private:
     void OnStop() override { onStop(); }
 };
 
-/// A functor and an event that call `action`, which they do not own.
-MCallbackFunctorPtr FunctorFor(const Action& action);
-MDesyncEvent* NewEvent(const Action& action);
+// Functors and events are freed without a destructor being run, so they take lambdas that capture
+// plain data only.
+
+template <class Body>
+MCallbackFunctorPtr FunctorFor(Body body)
+{
+    static_assert(std::is_trivially_destructible<Body>::value, "would never be destroyed");
+    struct Functor final : MCallbackFunctor {
+        explicit Functor(Body body) : body(body) {}
+        void Invoke() override { body(); }
+        Body body;
+    };
+    return MCallbackFunctorPtr(new Functor(body));
+}
+
+template <class Body>
+MDesyncEvent* NewEvent(Body body)
+{
+    static_assert(std::is_trivially_destructible<Body>::value, "would never be destroyed");
+    struct Event final : MDesyncEvent {
+        explicit Event(Body body) : body(body) {}
+        void Fire() override { body(); }
+        Body body;
+    };
+    return new Event(body);
+}
 
 /// A command that calls `action`; what it raises goes into `slot`.
 std::auto_ptr<MCommandSynchronous> NewCommand(const Action& action,
@@ -71,3 +94,42 @@ MExceptionSlot NewSlot();
 
 /// Raises an `MException` with the Code `code`.
 [[noreturn]] void Raise(const wchar_t* code);
+
+/// Runs `body` on `count` threads at once, with the thread's number.
+template <class Body>
+void RunOnThreads(int count, Body body)
+{
+    std::vector<std::thread> threads;
+    for (int number = 0; number < count; ++number)
+        threads.emplace_back([&body, number] { body(number); });
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+/// The ways in which allocations fail that go through `MakeOrRaise`. The last leaves no memory for
+/// the `MException` either.
+const AllocationFailure allocationFailures[] = {
+    AllocationFailure::Throws, AllocationFailure::AnswersNull, AllocationFailure::ThrowsForGood};
+
+/// Runs `operation`, its first allocation going through `MakeOrRaise` and failing.
+template <class Operation>
+void ExpectOutOfMemory(AllocationFailure how, Operation operation)
+{
+    FailingAllocation failing(how, 1);
+    const ShortageOutcome outcome = RunShortOfMemory(operation);
+    failing.Disarm();
+    EXPECT_EQ(how == AllocationFailure::ThrowsForGood ? ShortageOutcome::RaisedBadAlloc
+                                                      : ShortageOutcome::RaisedMException,
+              outcome);
+}
+
+/// Expects a construction to leave nothing behind, whichever of its allocations fails.
+template <class Build>
+void ExpectUnwoundWithoutMemory(Build build)
+{
+    build();
+    const ExpectSameHandles handles;
+    ForEachFailingAllocation(AllocationFailure::Throws, build, [](ShortageOutcome outcome) {
+        EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, outcome);
+    });
+}

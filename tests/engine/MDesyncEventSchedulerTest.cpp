@@ -1,8 +1,6 @@
 #include "engine/MDesyncEventScheduler.h"
 
 #include "tests/engine/EngineFixtures.h"
-#include "tests/support/Allocations.h"
-#include "tests/support/ProcessHandles.h"
 #include "tests/support/Raised.h"
 
 #include <gtest/gtest.h>
@@ -12,16 +10,19 @@
 namespace
 {
 
-/// Actions that write down their order; `Await` holds up the test until the last one has run.
+/// Events that write down their order; `Await` holds up the test until the last one has been fired.
 class Diary
 {
 public:
-    Action Entry(const std::string& text)
+    MDesyncEvent* Entry(char mark)
     {
-        return [this, text] { entries += text; };
+        return NewEvent([this, mark] { entries += mark; });
     }
 
-    const Action last = [this] { end.Open(); };
+    MDesyncEvent* Last()
+    {
+        return NewEvent([this] { end.Open(); });
+    }
 
     std::string Await()
     {
@@ -37,32 +38,16 @@ private:
 
 } // namespace
 
-TEST(MDesyncEventScheduler, EventsWaitForEnableAndAreFiredInOrder)
+TEST(MDesyncEventScheduler, EventsWaitForEnableAndAreFiredInOrderPastOneThatFails)
 {
     Diary diary;
-    const Action one = diary.Entry("1");
-    const Action two = diary.Entry("2");
     MDesyncEventScheduler scheduler(nullptr);
     scheduler.Disable();
-    scheduler.ScheduleDesyncEvent(NewEvent(one));
-    scheduler.ScheduleDesyncEvent(NewEvent(two));
-    scheduler.ScheduleDesyncEvent(NewEvent(diary.last));
+    MDesyncEvent* const failing = NewEvent([] { Raise(L"dismissed"); });
+    for (MDesyncEvent* event : {diary.Entry('1'), failing, diary.Entry('3'), diary.Last()})
+        scheduler.ScheduleDesyncEvent(event);
     EXPECT_EQ("", diary.entries);
     scheduler.Enable();
-    EXPECT_EQ("12", diary.Await());
-    EXPECT_EQ("MEngineThread.Start:AlreadyRunning", Raised([&] { scheduler.Enable(); }));
-}
-
-TEST(MDesyncEventScheduler, EventThatFailsHoldsUpNobody)
-{
-    Diary diary;
-    const Action one = diary.Entry("1");
-    const Action three = diary.Entry("3");
-    const Action fails = [] { Raise(L"dismissed"); };
-    MDesyncEventScheduler scheduler(nullptr);
-    scheduler.Enable();
-    for (const Action* action : {&one, &fails, &three, &diary.last})
-        scheduler.ScheduleDesyncEvent(NewEvent(*action));
     EXPECT_EQ("13", diary.Await());
 }
 
@@ -70,19 +55,17 @@ TEST(MDesyncEventScheduler, DisableWaitsForTheBurstAndTheNextEnableTakesUpTheRes
 {
     Diary diary;
     Gate fired;
-    const Action one = [&] {
-        fired.Open();
-        diary.entries += "1";
-    };
-    const Action two = diary.Entry("2");
     MDesyncEventScheduler scheduler(nullptr);
     scheduler.Enable();
-    scheduler.ScheduleDesyncEvent(NewEvent(one));
+    scheduler.ScheduleDesyncEvent(NewEvent([&] {
+        fired.Open();
+        diary.entries += "1";
+    }));
     fired.Pass();
     scheduler.Disable();
     EXPECT_EQ("1", diary.entries);
-    scheduler.ScheduleDesyncEvent(NewEvent(two));
-    scheduler.ScheduleDesyncEvent(NewEvent(diary.last));
+    scheduler.ScheduleDesyncEvent(diary.Entry('2'));
+    scheduler.ScheduleDesyncEvent(diary.Last());
     scheduler.Enable();
     EXPECT_EQ("12", diary.Await());
 }
@@ -92,13 +75,12 @@ TEST(MDesyncEventScheduler, DisableFromAnEventIsDismissedAndDeliveryGoesOn)
     Diary diary;
     std::string failure;
     MDesyncEventScheduler scheduler(nullptr);
-    const Action disable = [&] {
+    scheduler.Enable();
+    scheduler.ScheduleDesyncEvent(NewEvent([&] {
         failure = Raised([&] { scheduler.Disable(); });
         scheduler.Disable();
-    };
-    scheduler.Enable();
-    scheduler.ScheduleDesyncEvent(NewEvent(disable));
-    scheduler.ScheduleDesyncEvent(NewEvent(diary.last));
+    }));
+    scheduler.ScheduleDesyncEvent(diary.Last());
     diary.Await();
     EXPECT_EQ("MEngineThread.Flush:CannotFlushSelf", failure);
 }
@@ -106,34 +88,23 @@ TEST(MDesyncEventScheduler, DisableFromAnEventIsDismissedAndDeliveryGoesOn)
 TEST(MDesyncEventScheduler, DestroyedItDropsWhatIsQueuedWithoutFreeingIt)
 {
     Diary diary;
-    const Action never = diary.Entry("never");
-    MDesyncEvent* const event = NewEvent(never);
+    MDesyncEvent* const event = diary.Entry('1');
     {
-        MDesyncEventScheduler scheduler(nullptr);
-        scheduler.ScheduleDesyncEvent(event);
+        MDesyncEventScheduler enabled(nullptr);
+        enabled.Enable();
+        MDesyncEventScheduler disabled(nullptr);
+        disabled.ScheduleDesyncEvent(event);
     }
     EXPECT_EQ("", diary.entries);
     event->Fire();
     ::operator delete(event);
-    MDesyncEventScheduler enabled(nullptr);
-    enabled.Enable();
 }
 
 TEST(MDesyncEventScheduler, WithoutMemoryTheEventStaysTheCallers)
 {
-    const Action nothing = [] {};
     MDesyncEventScheduler scheduler(nullptr);
-    MDesyncEvent* const event = NewEvent(nothing);
-    FailingAllocation failing(AllocationFailure::Throws, 1);
-    const ShortageOutcome outcome = RunShortOfMemory([&] { scheduler.ScheduleDesyncEvent(event); });
-    failing.Disarm();
-    EXPECT_EQ(ShortageOutcome::RaisedMException, outcome);
+    MDesyncEvent* const event = NewEvent([] {});
+    ExpectOutOfMemory(AllocationFailure::Throws, [&] { scheduler.ScheduleDesyncEvent(event); });
     ::operator delete(event);
-
-    const auto build = [] { MDesyncEventScheduler unfinished(nullptr); };
-    build();
-    const ExpectSameHandles handles;
-    ForEachFailingAllocation(AllocationFailure::Throws, build, [](ShortageOutcome ended) {
-        EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, ended);
-    });
+    ExpectUnwoundWithoutMemory([] { MDesyncEventScheduler unfinished(nullptr); });
 }

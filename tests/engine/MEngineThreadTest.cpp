@@ -1,123 +1,67 @@
 #include "engine/MEngineThread.h"
 
-#include "diagnostics/MFlowLogger.h"
 #include "tests/engine/EngineFixtures.h"
-#include "tests/support/Allocations.h"
-#include "tests/support/DumpedRecord.h"
-#include "tests/support/ProcessHandles.h"
 #include "tests/support/Raised.h"
 
 #include <gtest/gtest.h>
-
-#include <thread>
 
 #include <windows.h>
 
 namespace
 {
 
-/// The states that `thread` went through since it was built, as the dump names them.
-std::string StatesOf(const MEngineThread& thread)
-{
-    const std::int64_t construction = -14;
-    const std::int64_t stateChange = -25;
-    const std::int64_t object =
-        static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(&thread));
-    std::string states;
-    for (const DumpedRecord& record :
-         ReadDump(TakeDump(*MFlowLogger::GetInstance()->GetImplementation()))) {
-        if (record.numbers[5] != object)
-            continue;
-        if (record.numbers[0] == construction)
-            states.clear();
-        if (record.numbers[0] == stateChange)
-            states += record.text.substr(18, record.text.find(" in_class") - 17);
+const char diedInFlush[] = "MEngineThread.Flush:ThreadExitedUnexpectedly";
+
+/// An event of `thread` that calls `body`.
+struct ServedEvent : PlatformEvent {
+    template <class Body>
+    ServedEvent(ScriptedThread& thread, Body body) : PlatformEvent(EventReset::Automatic)
+    {
+        MCallbackFunctorPtr functor = FunctorFor(body);
+        thread.AddEvent(*this, functor.get());
+        functor.release();
     }
-    return states;
-}
-
-/// Closes every handle of a thread but one of the caller's own, which it gives; waits on the handle
-/// that the engine thread object keeps then fail.
-HANDLE CloseHandlesOfThread(DWORD threadId)
-{
-    const std::vector<HANDLE> handles = ListHandles();
-    const HANDLE ours = OpenThread(SYNCHRONIZE, FALSE, threadId);
-    for (HANDLE handle : handles)
-        if (GetThreadId(handle) == threadId)
-            CloseHandle(handle);
-    return ours;
-}
-
-const HANDLE noHandle = reinterpret_cast<HANDLE>(0x7FFFFFF0);
-
-/// A mutex object whose owner has died without giving it back.
-HANDLE NewAbandonedMutex()
-{
-    const HANDLE mutex = CreateMutexW(nullptr, FALSE, nullptr);
-    std::thread([mutex] { WaitForSingleObject(mutex, INFINITE); }).join();
-    return mutex;
-}
+};
 
 } // namespace
 
-TEST(MEngineThread, NeverStartedItHasNothingToStop)
-{
-    ScriptedThread thread;
-    thread.Stop();
-    thread.Flush();
-    EXPECT_EQ("", StatesOf(thread));
-    thread.ForceStop();
-    EXPECT_EQ("Inactive ", StatesOf(thread));
-}
-
-TEST(MEngineThread, StartedAgainItRunsASecondThread)
-{
-    ScriptedThread thread;
-    thread.Start();
-    EXPECT_EQ("MEngineThread.Start:AlreadyRunning", Raised([&] { thread.Start(); }));
-    EXPECT_FALSE(thread.IsStopRequested());
-    thread.Stop();
-    EXPECT_TRUE(thread.IsStopRequested());
-    thread.Start();
-    EXPECT_FALSE(thread.IsStopRequested());
-    thread.Stop();
-    EXPECT_EQ("Starting Running Stopping Inactive Starting Running Stopping Inactive ",
-              StatesOf(thread));
-}
-
-TEST(MEngineThread, FlushAndStopReturnWhenTheThreadHasServedThem)
+TEST(MEngineThread, EachLifeServesItsFlushesAndItsStopOnce)
 {
     ScriptedThread thread;
     std::string calls;
     thread.onFlush = [&] { calls += "flush "; };
     thread.onStop = [&] { calls += "stop "; };
-    thread.Start();
+    thread.Stop();
     thread.Flush();
-    EXPECT_EQ("flush ", calls);
-    thread.Stop();
-    thread.Start();
-    thread.Stop();
-    EXPECT_EQ("stop ", calls.substr(calls.size() - 5));
+    thread.ForceStop();
+    for (int life = 0; life < 2; ++life) {
+        thread.Start();
+        EXPECT_EQ("MEngineThread.Start:AlreadyRunning", Raised([&] { thread.Start(); }));
+        EXPECT_FALSE(thread.IsStopRequested());
+        thread.Flush();
+        EXPECT_EQ("flush ", calls);
+        thread.Stop();
+        EXPECT_EQ("flush stop ", calls);
+        EXPECT_TRUE(thread.IsStopRequested());
+        EXPECT_FALSE(thread.IsThreadActive());
+        calls.clear();
+    }
+    EXPECT_EQ("", thread.failures);
 }
 
 TEST(MEngineThread, StopOrFlushFromItsOwnThreadEndsTheThreadAndLeavesItRunning)
 {
     for (bool stops : {true, false}) {
-        FailureRecorder recorder;
-        ScriptedThread thread(&recorder);
-        Gate ended;
-        PlatformEvent event(EventReset::Automatic);
-        const Action selfCall = [&] { stops ? thread.Stop() : thread.Flush(); };
-        recorder.onError = [&] { ended.Open(); };
-        thread.Serve(event, selfCall);
+        ScriptedThread thread;
+        ServedEvent event(thread, [&, stops] { stops ? thread.Stop() : thread.Flush(); });
         thread.Start();
         SetEvent(event);
-        ended.Pass();
+        thread.failed.Pass();
         EXPECT_EQ(stops ? "MEngineThread.Stop:CannotStopSelf;"
                         : "MEngineThread.Flush:CannotFlushSelf;",
-                  recorder.failures);
+                  thread.failures);
         EXPECT_TRUE(thread.IsThreadActive());
-        EXPECT_EQ("MEngineThread.Flush:ThreadExitedUnexpectedly", Raised([&] { thread.Flush(); }));
+        EXPECT_EQ(diedInFlush, Raised([&] { thread.Flush(); }));
         thread.Stop();
         EXPECT_FALSE(thread.IsThreadActive());
     }
@@ -125,81 +69,47 @@ TEST(MEngineThread, StopOrFlushFromItsOwnThreadEndsTheThreadAndLeavesItRunning)
 
 TEST(MEngineThread, BodyThatFailsBeforeTheSignalFailsStart)
 {
-    FailureRecorder recorder;
-    ScriptedThread thread(&recorder);
-    const DWORD caller = GetCurrentThreadId();
-    const auto failOnTheNewThread = [&] {
-        EXPECT_NE(caller, GetCurrentThreadId());
-        Raise(L"NoSetup");
-    };
+    ScriptedThread thread;
     const Action works = thread.onStart;
-    thread.onStart = failOnTheNewThread;
+    thread.onStart = [] { Raise(L"NoSetup"); };
     EXPECT_EQ("MEngineThread.Start:ThreadExitedUnexpectedly", Raised([&] { thread.Start(); }));
-    EXPECT_EQ("NoSetup;", recorder.failures);
-    EXPECT_EQ("Starting Inactive ", StatesOf(thread));
+    EXPECT_EQ("NoSetup;", thread.failures);
     thread.onStart = works;
     thread.Start();
     thread.Stop();
 }
 
-TEST(MEngineThread, ThreadThatStartsAndDiesAtOnceHasStarted)
-{
-    ScriptedThread thread;
-    thread.onStart = [&] {
-        thread.SignalThreadStarted();
-        Raise(L"nobody is told");
-    };
-    thread.Start();
-    EXPECT_EQ("MEngineThread.Flush:ThreadExitedUnexpectedly", Raised([&] { thread.Flush(); }));
-    thread.Stop();
-    EXPECT_FALSE(thread.IsThreadActive());
-}
-
-TEST(MEngineThread, OnFlushThatRaisesFailsTheFlush)
-{
-    FailureRecorder recorder;
-    ScriptedThread thread(&recorder);
-    thread.onFlush = [] { Raise(L"Clogged"); };
-    thread.Start();
-    EXPECT_EQ("MEngineThread.Flush:ThreadExitedUnexpectedly", Raised([&] { thread.Flush(); }));
-    EXPECT_EQ("Clogged;", recorder.failures);
-}
-
 // The request of a flush that failed is served by the next thread, ahead of everything else, and
 // what that leaves set satisfies the next flush at once.
-TEST(MEngineThread, LeftOverFlushIsServedFirstAndAnswersTheNext)
+TEST(MEngineThread, ThreadThatDiesAtOnceHasStartedAndLeavesItsFlushToTheNext)
 {
     ScriptedThread thread;
     std::string calls;
     Gate blocked;
     Gate go;
-    PlatformEvent early(EventReset::Automatic);
-    PlatformEvent late(EventReset::Automatic);
-    const Action onEarly = [&] { calls += "early "; };
-    const Action onLate = [&] {
+    ServedEvent early(thread, [&] { calls += "early "; });
+    ServedEvent late(thread, [&] {
         calls += "late";
         blocked.Open();
         go.Pass();
-    };
-    thread.Serve(early, onEarly);
-    thread.Serve(late, onLate);
+    });
     thread.onFlush = [&] { calls += "flush "; };
     const Action works = thread.onStart;
     thread.onStart = [&] {
         thread.SignalThreadStarted();
         Raise(L"dies");
     };
-    thread.Start();
-    while (Raised([&] { thread.Flush(); }).empty())
-        ;
-    thread.Stop();
+    for (int life = 0; life < 20; ++life) {
+        thread.Start();
+        EXPECT_EQ(diedInFlush, Raised([&] { thread.Flush(); }));
+        thread.Stop();
+    }
 
     SetEvent(late);
     SetEvent(early);
     thread.onStart = works;
     thread.Start();
     blocked.Pass();
-    EXPECT_EQ("flush early late", calls);
     thread.Flush(); // though the thread is held up
     EXPECT_EQ("flush early late", calls);
     go.Open();
@@ -208,40 +118,35 @@ TEST(MEngineThread, LeftOverFlushIsServedFirstAndAnswersTheNext)
 TEST(MEngineThread, TableTakes62EventsOfASubclass)
 {
     ScriptedThread thread;
-    const Action nothing = [] {};
-    Gate last;
-    const Action open = [&] { last.Open(); };
+    Gate served;
     PlatformEvent unset(EventReset::Automatic);
-    PlatformEvent event(EventReset::Automatic);
     for (int i = 0; i < 61; ++i)
-        thread.Serve(unset, nothing);
-    thread.Serve(event, open);
-    const MCallbackFunctorPtr stillOurs = FunctorFor(nothing);
+        thread.AddEvent(unset, FunctorFor([] {}).release());
+    ServedEvent last(thread, [&] { served.Open(); });
+    const MCallbackFunctorPtr stillOurs = FunctorFor([] {});
     EXPECT_EQ("MEngineThread.AddEvent:TooManyWaitableEvents",
               Raised([&] { thread.AddEvent(unset, stillOurs.get()); }));
     thread.Start();
-    SetEvent(event);
-    last.Pass();
+    SetEvent(last);
+    served.Pass();
 }
 
 TEST(MEngineThread, WaitThatFailsEndsTheThreadWithItsReason)
 {
-    const HANDLE abandoned = NewAbandonedMutex();
+    const HANDLE closed = reinterpret_cast<HANDLE>(0x7FFFFFF0);
+    const HANDLE abandoned = CreateMutexW(nullptr, FALSE, nullptr);
+    RunOnThreads(1, [=](int) { WaitForSingleObject(abandoned, INFINITE); });
     const struct {
         HANDLE handle;
         const char* failure;
-    } cases[] = {{noHandle, "MEngineThread.WaitForEvents:WaitFailed winErrorCode=6;"},
+    } cases[] = {{closed, "MEngineThread.WaitForEvents:WaitFailed winErrorCode=6;"},
                  {abandoned, "MEngineThread.WaitForEvents:Abandoned status=130;"}};
     for (const auto& example : cases) {
-        FailureRecorder recorder;
-        ScriptedThread thread(&recorder);
-        const Action nothing = [] {};
-        Gate ended;
-        recorder.onError = [&] { ended.Open(); };
-        thread.Serve(example.handle, nothing);
+        ScriptedThread thread;
+        thread.AddEvent(example.handle, FunctorFor([] {}).release());
         thread.Start();
-        ended.Pass();
-        EXPECT_EQ(example.failure, recorder.failures);
+        thread.failed.Pass();
+        EXPECT_EQ(example.failure, thread.failures);
     }
     CloseHandle(abandoned);
 }
@@ -255,11 +160,15 @@ TEST(MEngineThread, FailedStopCanBeTriedAgainUntilForceStopGivesUp)
         thread.SignalThreadStarted();
     };
     thread.Start();
-    const HANDLE ours = CloseHandlesOfThread(threadId);
+    const std::vector<HANDLE> handles = ListHandles();
+    const HANDLE ours = OpenThread(SYNCHRONIZE, FALSE, threadId);
+    for (HANDLE handle : handles)
+        if (GetThreadId(handle) == threadId)
+            CloseHandle(handle);
     EXPECT_EQ("MEngineThread.Flush:WaitFailed winErrorCode=6", Raised([&] { thread.Flush(); }));
     for (int attempt = 0; attempt < 2; ++attempt)
         EXPECT_EQ("MEngineThread.Stop:WaitFailed winErrorCode=6", Raised([&] { thread.Stop(); }));
-    EXPECT_EQ("Starting Running Stopping Stopping ", StatesOf(thread));
+    EXPECT_TRUE(thread.IsThreadActive());
     thread.ForceStop();
     EXPECT_FALSE(thread.IsThreadActive());
     WaitForSingleObject(ours, INFINITE);
@@ -268,10 +177,9 @@ TEST(MEngineThread, FailedStopCanBeTriedAgainUntilForceStopGivesUp)
 
 TEST(MEngineThread, WithoutMemoryNoEventIsAddedAndTheFunctorStaysTheCallers)
 {
-    const Action nothing = [] {};
-    PlatformEvent event(EventReset::Automatic);
     ScriptedThread thread;
-    MCallbackFunctorPtr functor = FunctorFor(nothing);
+    PlatformEvent event(EventReset::Automatic);
+    MCallbackFunctorPtr functor = FunctorFor([] {});
     ForEachFailingAllocation(
         AllocationFailure::Throws,
         [&] {
@@ -283,9 +191,7 @@ TEST(MEngineThread, WithoutMemoryNoEventIsAddedAndTheFunctorStaysTheCallers)
 
     // Handles and functors still stand side by side.
     Gate served;
-    PlatformEvent next(EventReset::Automatic);
-    const Action open = [&] { served.Open(); };
-    thread.Serve(next, open);
+    ServedEvent next(thread, [&] { served.Open(); });
     thread.Start();
     SetEvent(next);
     served.Pass();
@@ -293,10 +199,5 @@ TEST(MEngineThread, WithoutMemoryNoEventIsAddedAndTheFunctorStaysTheCallers)
 
 TEST(MEngineThread, WithoutMemoryToBuildItNothingStaysBehind)
 {
-    const auto build = [] { ScriptedThread unfinished; };
-    build();
-    const ExpectSameHandles handles;
-    ForEachFailingAllocation(AllocationFailure::Throws, build, [](ShortageOutcome outcome) {
-        EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, outcome);
-    });
+    ExpectUnwoundWithoutMemory([] { ScriptedThread unfinished; });
 }

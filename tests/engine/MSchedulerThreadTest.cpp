@@ -12,43 +12,8 @@
 namespace
 {
 
-/// A scheduler thread with one event that does what a test says.
-struct Scheduled {
-    explicit Scheduled(const Action& action) : action(action) { Register(); }
-
-    void Register()
-    {
-        MCallbackFunctorPtr functor = FunctorFor(action);
-        thread.RegisterSchedulerEvent(event, functor.get());
-        functor.release();
-    }
-
-    PlatformEvent event{EventReset::Automatic};
-    Action action;
-    FailureRecorder recorder;
-    MSchedulerThread thread{&recorder};
-};
-
-bool IsInCom()
-{
-    APTTYPE type;
-    APTTYPEQUALIFIER qualifier;
-    return CoGetApartmentType(&type, &qualifier) == S_OK && type == APTTYPE_MTA;
-}
-
-/// Counts how often the thread that it was registered on leaves COM.
-class ComSpy : public IInitializeSpy
-{
-public:
-    void Register()
-    {
-        ULARGE_INTEGER cookie;
-        CoRegisterInitializeSpy(this, &cookie);
-    }
-
-    int leaves = 0;
-
-private:
+/// Counts how often the thread that it is registered on leaves COM.
+struct ComSpy : IInitializeSpy {
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override
     {
         *object = this;
@@ -57,79 +22,60 @@ private:
     ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE PreInitialize(DWORD, DWORD) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE PostInitialize(HRESULT result, DWORD, DWORD) override
-    {
-        return result;
-    }
-    HRESULT STDMETHODCALLTYPE PreUninitialize(DWORD) override
-    {
-        ++leaves;
-        return S_OK;
-    }
+    HRESULT STDMETHODCALLTYPE PostInitialize(HRESULT, DWORD, DWORD) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE PreUninitialize(DWORD) override { return ++leaves, S_OK; }
     HRESULT STDMETHODCALLTYPE PostUninitialize(DWORD) override { return S_OK; }
+
+    int leaves = 0;
 };
 
 } // namespace
 
 TEST(MSchedulerThread, RestartedItServesWhatWasRegisteredEarlierAndLater)
 {
-    Gate first;
-    Scheduled scheduled([&] { first.Open(); });
-    scheduled.thread.Start();
-    EXPECT_EQ("MSchedulerThread.RegisterSchedulerEvent:ThreadRunning",
-              Raised([&] { scheduled.Register(); }));
-    scheduled.thread.Flush();
-    scheduled.thread.Stop();
-
-    Gate second;
-    PlatformEvent event(EventReset::Automatic);
-    const Action open = [&] { second.Open(); };
-    scheduled.thread.RegisterSchedulerEvent(event, FunctorFor(open).release());
-    scheduled.thread.Start();
-    SetEvent(scheduled.event);
-    SetEvent(event);
-    first.Pass();
-    second.Pass();
+    MSchedulerThread thread(nullptr);
+    Gate served[2];
+    PlatformEvent early(EventReset::Automatic);
+    PlatformEvent late(EventReset::Automatic);
+    thread.RegisterSchedulerEvent(early, FunctorFor([&] { served[0].Open(); }).release());
+    thread.Start();
+    thread.Flush();
+    thread.Stop();
+    thread.RegisterSchedulerEvent(late, FunctorFor([&] { served[1].Open(); }).release());
+    thread.Start();
+    SetEvent(early);
+    SetEvent(late);
+    for (Gate& gate : served)
+        gate.Pass();
 }
 
-TEST(MSchedulerThread, FunctorsRunInTheMultithreadedApartmentWhichTheThreadLeavesAtItsEnd)
+TEST(MSchedulerThread, FunctorsRunInTheMultithreadedApartmentWhichEveryWayOutLeavesOnce)
 {
-    Gate done;
-    ComSpy spy;
-    bool inCom = false;
-    Scheduled scheduled([&] {
-        spy.Register();
-        inCom = IsInCom();
-        done.Open();
-    });
-    scheduled.thread.Start();
-    SetEvent(scheduled.event);
-    done.Pass();
-    EXPECT_TRUE(inCom);
-    scheduled.thread.Stop();
-    EXPECT_EQ(1, spy.leaves);
-}
-
-TEST(MSchedulerThread, FunctorThatFailsEndsTheThreadWhichLeavesComOnce)
-{
-    Gate ended;
-    ComSpy spy;
-    int leavesAtTheError = 0;
-    Scheduled scheduled([&] {
-        spy.Register();
-        Raise(L"Unexpected");
-    });
-    scheduled.recorder.onError = [&] {
-        leavesAtTheError = spy.leaves;
-        ended.Open();
-    };
-    scheduled.thread.Start();
-    SetEvent(scheduled.event);
-    ended.Pass();
-    EXPECT_EQ("Unexpected;", scheduled.recorder.failures);
-    EXPECT_EQ(1, leavesAtTheError);
-    EXPECT_EQ("MSchedulerThread.RegisterSchedulerEvent:ThreadRunning",
-              Raised([&] { scheduled.Register(); }));
-    scheduled.thread.Stop();
-    EXPECT_EQ(1, spy.leaves);
+    for (bool fails : {false, true}) {
+        FailureRecorder recorder;
+        MSchedulerThread thread(&recorder);
+        ComSpy spy;
+        APTTYPE apartment = APTTYPE_CURRENT;
+        Gate served;
+        PlatformEvent event(EventReset::Automatic);
+        const auto action = [&, fails] {
+            ULARGE_INTEGER cookie;
+            CoRegisterInitializeSpy(&spy, &cookie);
+            APTTYPEQUALIFIER qualifier;
+            CoGetApartmentType(&apartment, &qualifier);
+            served.Open();
+            if (fails)
+                Raise(L"Unexpected");
+        };
+        thread.RegisterSchedulerEvent(event, FunctorFor(action).release());
+        thread.Start();
+        SetEvent(event);
+        (fails ? recorder.failed : served).Pass();
+        EXPECT_EQ("MSchedulerThread.RegisterSchedulerEvent:ThreadRunning",
+                  Raised([&] { thread.RegisterSchedulerEvent(event, nullptr); }));
+        thread.Stop();
+        EXPECT_EQ(APTTYPE_MTA, apartment);
+        EXPECT_EQ(1, spy.leaves);
+        EXPECT_EQ(fails ? "Unexpected;" : "", recorder.failures);
+    }
 }

@@ -1,18 +1,25 @@
 #pragma once
 
+#include "foundation/MError.h"
 #include "module/Runtime.h"
 
 #include <string>
 
-// What the modules of the chain test export beside the three functions of every module.
+/// An error that carries a filed chain.
+class CarryingError : public MError
+{
+public:
+    explicit CarryingError(const MString& text) : MError(L"Carrier"), text(text) {}
+    MString GetChainText() const override { return text; }
+    MDynObject* Clone() const override { return new CarryingError(*this); }
+
+private:
+    MString text;
+};
 
 typedef Varek::Runtime::CallbackFunctor1Param<const std::wstring&> TextReceiver;
 
-/// Ends an engine thread by an exception with two errors; `receiver` gets the fatal error text and
-/// goes to the module.
-extern "C" VAREK_API void FailOnEngineThread(TextReceiver* receiver);
-
-/// Throws and catches an error that carries the chain filed in `text`, and files what was caught.
-extern "C" VAREK_API void CarryChain(const std::wstring& text, TextReceiver& receiver);
-
-extern "C" VAREK_API void StopModule();
+/// What the modules of the chain test export beside the three functions of every module: fails as
+/// an engine thread does, by an exception whose first error carries the chain filed in `text`, and
+/// shuts the module down. `receiver` gets the fatal error text and goes to the module.
+extern "C" VAREK_API void FailCarrying(const std::wstring& text, TextReceiver* receiver);

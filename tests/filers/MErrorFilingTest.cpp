@@ -2,22 +2,25 @@
 #include "filers/MInFilerTaggedXml.h"
 #include "filers/MOutFilerTaggedXml.h"
 #include "foundation/MErrorOutOfMemory.h"
-#include "tests/filers/ErrorChains.h"
-#include "tests/filers/ScriptedFilers.h"
+#include "tests/filers/ChainModule.h"
 #include "tests/support/Allocations.h"
 
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
 namespace
 {
 
-MError MakeError()
+MException MakeException()
 {
     MError error(L"Pump.Drain:Blocked");
     error.AddParameter(L"status", 258u, false);
     error.AddParameter(L"Z", MString(L"<&>"));
     error.AddParameter(L"a", MString());
-    return error;
+    MException exception(error);
+    exception.AddError(MErrorOutOfMemory());
+    return exception;
 }
 
 MString Filed(const MException& exception)
@@ -30,148 +33,170 @@ MString Filed(const MException& exception)
     return text;
 }
 
-MString Chain(const wchar_t* content)
-{
-    return (std::wstring(L"<ExceptionChain><Exception>") + content +
-            L"</Exception></ExceptionChain>")
-        .c_str();
-}
-
+/// The Codes and parameters that an exception has whose only error carries `text`.
 std::wstring Unfolded(const MString& text)
 {
-    return ChainSummary(MException(CarryingError(text)));
+    const MException exception{CarryingError(text)};
+    std::wstring summary;
+    for (std::uint32_t i = 0; i < exception.GetErrorCount(); ++i) {
+        const MError& error = *exception.GetError(static_cast<std::int32_t>(i));
+        summary += error.GetCode().c_str();
+        for (const auto& parameter : error.GetParameters()) {
+            summary += std::wstring(L" ") + parameter.first.c_str();
+            summary += std::wstring(L"=") + parameter.second.c_str();
+        }
+        summary += L";";
+    }
+    return summary;
 }
+
+class KeptText : public TextReceiver
+{
+public:
+    explicit KeptText(std::wstring& text) : text(text) {}
+    void operator()(const std::wstring& given) override { text = given; }
+
+private:
+    std::wstring& text;
+};
+
+/// The fatal error text of a module in which an error fails that carries `text`.
+std::wstring FailModule(const wchar_t* file, const std::wstring& text)
+{
+    std::wstring fatal;
+    const HMODULE module = LoadLibraryW(file);
+    void* const fail = reinterpret_cast<void*>(GetProcAddress(module, "FailCarrying"));
+    reinterpret_cast<decltype(FailCarrying)*>(fail)(text, new KeptText(fatal));
+    FreeLibrary(module);
+    return fatal;
+}
+
+/// Records its calls, of which the `failing`th answers false.
+class ScriptedFiler : public MOutFilerTaggedXml
+{
+public:
+    explicit ScriptedFiler(int failing) : MOutFilerTaggedXml(L"r", nullptr), countdown(failing) {}
+    bool WriteString(const MString& tag, const MString&) override { return Record(tag.c_str()); }
+    bool BeginGroup(const MString& tag) override
+    {
+        return Record(tag.c_str() + std::wstring(L"("));
+    }
+    bool EndGroup() override { return Record(L")"); }
+
+    std::wstring calls;
+
+private:
+    bool Record(const std::wstring& call)
+    {
+        calls += call + L" ";
+        return --countdown != 0;
+    }
+
+    int countdown;
+};
 
 } // namespace
 
 TEST(ErrorFiling, ChainHasItsForm)
 {
-    MException exception(MakeError());
-    exception.AddError(MErrorOutOfMemory());
     EXPECT_STREQ(L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                 L"<ExceptionChain>\n"
-                 L"<Exception>\n"
-                 L"<Error>\n"
+                 L"<ExceptionChain>\n<Exception>\n<Error>\n"
                  L"<Code type=\"string\">Pump.Drain:Blocked</Code>\n"
-                 L"<Parameter>\n"
-                 L"<Name type=\"string\">Z</Name>\n"
-                 L"<Value type=\"string\">&lt;&amp;&gt;</Value>\n"
-                 L"</Parameter>\n"
-                 L"<Parameter>\n"
-                 L"<Name type=\"string\">a</Name>\n"
-                 L"<Value type=\"string\"/>\n"
-                 L"</Parameter>\n"
-                 L"<Parameter>\n"
-                 L"<Name type=\"string\">status</Name>\n"
-                 L"<Value type=\"string\">258</Value>\n"
-                 L"</Parameter>\n"
-                 L"</Error>\n"
-                 L"<Error>\n"
-                 L"<Code type=\"string\"/>\n"
-                 L"</Error>\n"
-                 L"</Exception>\n"
-                 L"</ExceptionChain>\n",
-                 Filed(exception).c_str());
+                 L"<Parameter>\n<Name type=\"string\">Z</Name>\n"
+                 L"<Value type=\"string\">&lt;&amp;&gt;</Value>\n</Parameter>\n"
+                 L"<Parameter>\n<Name type=\"string\">a</Name>\n"
+                 L"<Value type=\"string\"/>\n</Parameter>\n"
+                 L"<Parameter>\n<Name type=\"string\">status</Name>\n"
+                 L"<Value type=\"string\">258</Value>\n</Parameter>\n</Error>\n"
+                 L"<Error>\n<Code type=\"string\"/>\n</Error>\n"
+                 L"</Exception>\n</ExceptionChain>\n",
+                 Filed(MakeException()).c_str());
 }
 
-TEST(ErrorFiling, CarriedChainUnfoldsInFrontOfItsCarrier)
+TEST(ErrorFiling, CarriedChainUnfoldsInFrontOfItsCarrierAsFarAsItCanBeRead)
 {
-    MException exception(MakeError());
-    exception.AddError(MErrorOutOfMemory());
-    const MException unfolded{CarryingError(Filed(exception))};
-    EXPECT_EQ(L"Pump.Drain:Blocked Z=<&> a= status=258;;Carrier;", ChainSummary(unfolded));
-    EXPECT_STREQ(L"Unspecified error", unfolded.GetError(1)->GetMessageText().c_str());
-    EXPECT_EQ(L"Carrier;", Unfolded(Filed(MException())));
-}
-
-TEST(ErrorFiling, TextThatIsNoChainIsDropped)
-{
-    EXPECT_EQ(L"Carrier;", Unfolded(L"something went wrong"));
-    EXPECT_EQ(L"Carrier;", Unfolded(L"<ExceptionChain><Exception/>"));
-    EXPECT_EQ(L"Carrier;", Unfolded(L"<Chain><Exception><Error><Code type='string'>c</Code>"
-                                    L"</Error></Exception></Chain>"));
-    EXPECT_EQ(L"Carrier;", Unfolded(L"<ExceptionChain><Error><Code type='string'>c</Code>"
-                                    L"</Error></ExceptionChain>"));
-    EXPECT_EQ(L"Carrier;", Unfolded(Chain(L"<Error/>")));
-    EXPECT_EQ(L"Carrier;", Unfolded(Chain(L"<Error><Code type='int'>1</Code></Error>")));
-}
-
-TEST(ErrorFiling, BrokenParameterListEndsQuietly)
-{
-    EXPECT_EQ(L"c n=v;Carrier;",
-              Unfolded(Chain(L"<Error><Code type='string'>c</Code>"
-                             L"<Parameter><Name type='string'>n</Name>"
-                             L"<Value type='string'>v</Value></Parameter>"
-                             L"<Parameter><Value type='string'>w</Value></Parameter>"
-                             L"</Error>")));
-    EXPECT_EQ(L"c n=v;Carrier;",
-              Unfolded(Chain(L"<Error><Code type='string'>c</Code>"
-                             L"<Parameter><Name type='string'>n</Name>"
-                             L"<Value type='string'>v</Value></Parameter>"
-                             L"<Parameter><Name type='string'>n</Name>"
-                             L"<Value type='string'>second</Value></Parameter></Error>")));
-}
-
-TEST(ErrorFiling, FailedWriteLeavesTheGroupsAsTold)
-{
-    const MError error = MakeError();
-    Script script;
-    ScriptedOutFiler out(script);
-    MFilerTaggedPair filer(nullptr, &out);
+    const std::wstring start = L"<ExceptionChain><Exception><Error><Code type='string'>c</Code>"
+                               L"<Parameter><Name type='string'>n</Name>"
+                               L"<Value type='string'>v</Value></Parameter><Parameter>";
+    const std::wstring end = L"</Parameter></Error></Exception></ExceptionChain>";
+    const std::wstring error = L"<Error><Code type='string'>c</Code></Error>";
     const struct {
-        int failing;
-        const wchar_t* calls;
+        MString text;
+        const wchar_t* unfolded;
     } cases[] = {
-        {1, L"out(E "},
-        {2, L"out(E out:Code=Pump.Drain:Blocked out) "},
-        {3, L"out(E out:Code=Pump.Drain:Blocked out(Parameter out) "},
-        {4, L"out(E out:Code=Pump.Drain:Blocked out(Parameter out:Name=Z out) "},
-        {5, L"out(E out:Code=Pump.Drain:Blocked out(Parameter out:Name=Z out:Value=<&> out) "},
-        {6, L"out(E out:Code=Pump.Drain:Blocked out(Parameter out:Name=Z out:Value=<&> out) out) "},
+        {Filed(MakeException()), L"Pump.Drain:Blocked Z=<&> a= status=258;;Carrier;"},
+        {Filed(MException()), L"Carrier;"},
+        {L"something went wrong", L"Carrier;"},
+        {L"<ExceptionChain><Exception/>", L"Carrier;"},
+        {(L"<Chain><Exception>" + error + L"</Exception></Chain>").c_str(), L"Carrier;"},
+        {(L"<ExceptionChain>" + error + L"</ExceptionChain>").c_str(), L"Carrier;"},
+        {(start + L"<Value type='string'>w</Value>" + end).c_str(), L"c n=v;Carrier;"},
+        {(start + L"<Name type='string'>n</Name><Value type='string'>w</Value>" + end).c_str(),
+         L"c n=v;Carrier;"},
     };
-    for (const auto& one : cases) {
-        script.FailAt(one.failing);
-        EXPECT_FALSE(error.Write(filer, L"E"));
-        EXPECT_EQ(one.calls, script.TakeCalls());
+    for (const auto& one : cases)
+        EXPECT_EQ(one.unfolded, Unfolded(one.text)) << one.text.c_str();
+}
+
+TEST(ErrorFiling, FatalErrorOfOneModuleIsCarriedIntoAnother)
+{
+    const std::wstring chain = L"Carrier pressure=17;Plant.Run:Stopped & cold;";
+    const std::wstring first = FailModule(L"failing-module.dll", L"");
+    EXPECT_EQ(chain + L"Carrier;", Unfolded(first.c_str()));
+    const std::wstring second = FailModule(L"carrying-module.dll", first);
+    EXPECT_EQ(chain + chain + L"Carrier;", Unfolded(second.c_str()));
+}
+
+TEST(ErrorFiling, FailedWriteEndsTheChainAndLeavesTheGroupOfAParameterOpen)
+{
+    MError error(L"code");
+    error.AddParameter(L"name", L"value");
+    MException exception(error);
+    exception.AddError(MError(L"second"));
+    const wchar_t* const calls[] = {L"X( ",     L"Error( ", L"Code ", L"Parameter( ",
+                                    L"Name ",   L"Value ",  L") ",    L") ",
+                                    L"Error( ", L"Code ",   L") ",    L") "};
+    const int endsAfterFailure[] = {0, 1, 2, 2, 2, 2, 2, 1, 1, 2, 1, 0};
+    std::wstring expected;
+    for (int i = 0; i < 12; ++i) {
+        ScriptedFiler out(i + 1);
+        MFilerTaggedPair filer(nullptr, &out);
+        EXPECT_FALSE(exception.Write(filer, L"X"));
+        expected += calls[i];
+        const std::wstring ends[] = {L"", L") ", L") ) "};
+        EXPECT_EQ(expected + ends[endsAfterFailure[i]], out.calls);
     }
 }
 
-TEST(ErrorFiling, FailedErrorEndsTheChain)
+TEST(MFilerTaggedPair, GroupsGoToBothWhateverTheFirstAnswers)
 {
-    MException exception(MError(L"first"));
-    exception.AddError(MError(L"second"));
-    Script script;
-    ScriptedOutFiler out(script);
-    MFilerTaggedPair filer(nullptr, &out);
-    script.FailAt(3);
-    EXPECT_FALSE(exception.Write(filer, L"X"));
-    EXPECT_EQ(L"out(X out(Error out:Code=first out) out) ", script.TakeCalls());
+    MInFilerTaggedXml in(L"<r><a/></r>", nullptr, nullptr);
+    ScriptedFiler out(6);
+    MFilerTaggedPair filer(&in, &out);
+    EXPECT_TRUE(filer.BeginGroup(L"a"));
+    EXPECT_FALSE(filer.BeginGroup(L"b"));
+    EXPECT_TRUE(filer.EndGroup() && filer.EndGroup());
+    EXPECT_FALSE(filer.EndGroup() || filer.EndGroup());
+    EXPECT_EQ(L"a( b( ) ) ) ) ", out.calls);
+    EXPECT_FALSE(MFilerTaggedPair(&in, nullptr).WriteString(L"v", L"text"));
 }
 
 TEST(ErrorFiling, AbsentFilerFails)
 {
     MFilerTaggedPair filer(nullptr, nullptr);
-    MError error = MakeError();
-    EXPECT_FALSE(error.Write(filer, L"E"));
-    EXPECT_FALSE(error.Read(filer, L"E", error));
+    MException exception = MakeException();
+    MError error(L"code");
+    EXPECT_FALSE(error.Write(filer, L"E") || error.Read(filer, L"E", error));
     EXPECT_TRUE(error.GetCode().IsEmpty());
-    EXPECT_TRUE(error.GetParameters().empty());
-    EXPECT_TRUE(MException().Write(filer, L"X"));
-    MException read(MakeError());
-    EXPECT_TRUE(read.ReadErrors(filer, read));
-    EXPECT_EQ(0u, read.GetErrorCount());
+    EXPECT_TRUE(exception.ReadErrors(filer, exception) && exception.Write(filer, L"X"));
+    EXPECT_EQ(0u, exception.GetErrorCount());
 }
 
 TEST(ErrorFiling, LackOfMemoryLeaksNothing)
 {
-    MException exception(MakeError());
-    exception.AddError(MakeError());
-    const CarryingError carrier(Filed(exception));
-    const auto fileAndUnfold = [&] {
-        MException unfolded(carrier);
-        Filed(unfolded);
-    };
-    ForEachFailingAllocation(AllocationFailure::Throws, fileAndUnfold, [](ShortageOutcome outcome) {
+    const CarryingError carrier(Filed(MakeException()));
+    const auto unfoldAndFile = [&] { Filed(MException(carrier)); };
+    ForEachFailingAllocation(AllocationFailure::Throws, unfoldAndFile, [](ShortageOutcome outcome) {
         EXPECT_NE(ShortageOutcome::Completed, outcome);
     });
 }

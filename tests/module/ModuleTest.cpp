@@ -122,6 +122,20 @@ TEST(Module, ShutdownMayComeFirstAndAgain)
     EXPECT_TRUE(module.Free());
 }
 
+TEST(Module, ShutdownFromAnEventStopsTheProcessorAndIsDismissed)
+{
+    HostLog host;
+    LoadedModule module(testModule);
+    module.AttachMFlowLogger(&host.logger);
+    module.Do(Place::Scheduler, Deed::ShutDown);
+    EXPECT_NE("", Raised([&] { module.Do(Place::Processor, Deed::Nothing); }));
+    module.Do(Place::Scheduler, Deed::Nothing);
+    EXPECT_TRUE(host.Shows({"Root_error CannotFlushSelf", "(Scheduler thread)"}));
+    EXPECT_TRUE(host.Shows({"Dismissed_error", "at OnSchedulerEvent"}));
+    module.Shutdown();
+    EXPECT_TRUE(module.Free());
+}
+
 TEST(Module, FailureOfACommandReachesItsCaller)
 {
     LoadedModule module(testModule);

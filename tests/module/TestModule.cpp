@@ -5,6 +5,7 @@
 #include "engine/MDesyncEvent.h"
 #include "foundation/MException.h"
 #include "module/ModuleCommandProcessor.h"
+#include "module/Runtime.h"
 
 #include <windows.h>
 
@@ -26,6 +27,9 @@ void Do(Deed deed)
         location.SetLine(__LINE__).RaiseRootError(error, L"AsTold");
         error.AddParameter(L"answer", 42);
         location.Throw(error);
+    case Deed::ShutDown:
+        Varek::Runtime::Shutdown();
+        break;
     case Deed::Fault:
         *reinterpret_cast<volatile int*>(faultAddress) = 1;
         break;
@@ -54,7 +58,12 @@ public:
 
     void Fire() override
     {
-        Do(deed);
+        try {
+            Do(deed);
+        } catch (MException&) {
+            SetEvent(done);
+            throw;
+        }
         SetEvent(done);
     }
 

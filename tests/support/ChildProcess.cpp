@@ -10,6 +10,7 @@ namespace
 const char option[] = "--scenario";
 const DWORD hangMs = 20000;
 const UINT hangExitCode = 124;
+const DWORD pipeBytes = 0x10000; // what a child can say before it ends
 
 const ChildScenario* scenarios = nullptr;
 
@@ -30,14 +31,6 @@ std::string ComposeCommandLine(const char* scenario)
     return std::string("\"") + executable + "\" " + option + " " + scenario;
 }
 
-// A child that hangs is ended from within, so that reading its output comes to an end too.
-DWORD WINAPI EndHungChild(void*)
-{
-    Sleep(hangMs);
-    TerminateProcess(GetCurrentProcess(), hangExitCode);
-    return 0;
-}
-
 } // namespace
 
 ChildScenario::ChildScenario(const char* name, int (*body)())
@@ -51,7 +44,7 @@ ChildOutcome ChildScenario::RunInChild() const
     SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
     HANDLE readEnd = nullptr;
     HANDLE writeEnd = nullptr;
-    CreatePipe(&readEnd, &writeEnd, &inherited, 0);
+    CreatePipe(&readEnd, &writeEnd, &inherited, pipeBytes);
     SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
 
     STARTUPINFOA startup = {};
@@ -64,12 +57,15 @@ ChildOutcome ChildScenario::RunInChild() const
                                         nullptr, nullptr, &startup, &child) != 0;
     CloseHandle(writeEnd);
 
-    ChildOutcome outcome = {0xFFFFFFFF, created ? ReadToEnd(readEnd) : "no child process"};
-    CloseHandle(readEnd);
+    if (!created)
+        return {0xFFFFFFFF, "no child process"};
+    if (WaitForSingleObject(child.hProcess, hangMs) == WAIT_TIMEOUT)
+        TerminateProcess(child.hProcess, hangExitCode);
     WaitForSingleObject(child.hProcess, INFINITE);
     DWORD exitCode = 0;
-    if (GetExitCodeProcess(child.hProcess, &exitCode))
-        outcome.exitCode = exitCode;
+    GetExitCodeProcess(child.hProcess, &exitCode);
+    const ChildOutcome outcome = {exitCode, ReadToEnd(readEnd)};
+    CloseHandle(readEnd);
     CloseHandle(child.hThread);
     CloseHandle(child.hProcess);
     return outcome;
@@ -79,7 +75,6 @@ bool ChildScenario::IsChild(int argc, char** argv, int& exitCode)
 {
     if (argc != 3 || std::strcmp(argv[1], option) != 0)
         return false;
-    CloseHandle(CreateThread(nullptr, 0, EndHungChild, nullptr, 0, nullptr));
     const ChildScenario* scenario = scenarios;
     while (scenario && std::strcmp(scenario->name, argv[2]) != 0)
         scenario = scenario->next;

@@ -24,7 +24,7 @@ public:
     ChildScenario(const ChildScenario&) = delete;
     ChildScenario& operator=(const ChildScenario&) = delete;
 
-    /// Runs the scenario in a child process. One that hangs ends with exit code 124.
+    /// Runs the scenario in a child process. One that hangs is ended with exit code 124.
     ChildOutcome RunInChild() const;
 
     /// For the test main: whether the arguments ask for a scenario, and if so its exit code.

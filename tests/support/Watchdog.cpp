@@ -17,6 +17,8 @@ const std::size_t lastRecords = 40;
 const UINT hangExitCode = 124;
 
 HANDLE progress; // auto-reset, set when a test begins or ends
+HANDLE watcher;
+std::atomic<bool> finished;
 std::atomic<const testing::TestInfo*> running;
 
 DWORD WINAPI PrintLastRecords(void*)
@@ -31,10 +33,11 @@ DWORD WINAPI PrintLastRecords(void*)
 DWORD WINAPI Watch(void*)
 {
     while (WaitForSingleObject(progress, hangMs) == WAIT_OBJECT_0)
-        ;
+        if (finished)
+            return 0;
     const testing::TestInfo* const test = running;
-    std::printf("%s.%s hangs; the latest events:\n", test ? test->test_suite_name() : "the end",
-                test ? test->name() : "of the run");
+    std::printf("%s.%s hangs; the latest events:\n", test ? test->test_suite_name() : "between",
+                test ? test->name() : "tests");
     std::fflush(stdout);
     // The hang may hold what a dump needs, so the dump gets a thread and a time of its own.
     WaitForSingleObject(CreateThread(nullptr, 0, PrintLastRecords, nullptr, 0, nullptr), dumpMs);
@@ -54,12 +57,19 @@ void Report(const testing::TestInfo* test)
 Watchdog::Watchdog()
 {
     progress = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    CloseHandle(CreateThread(nullptr, 0, Watch, nullptr, 0, nullptr));
+    watcher = CreateThread(nullptr, 0, Watch, nullptr, 0, nullptr);
 }
 
 void Watchdog::OnTestStart(const testing::TestInfo& test)
 {
     Report(&test);
+}
+
+void Watchdog::OnTestProgramEnd(const testing::UnitTest&)
+{
+    finished = true;
+    SetEvent(progress);
+    WaitForSingleObject(watcher, INFINITE);
 }
 
 void Watchdog::OnTestEnd(const testing::TestInfo&)

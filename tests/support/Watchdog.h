@@ -10,6 +10,7 @@ public:
     Watchdog();
 
 private:
+    void OnTestProgramEnd(const testing::UnitTest& all) override;
     void OnTestStart(const testing::TestInfo& test) override;
     void OnTestEnd(const testing::TestInfo& test) override;
 };
