@@ -97,6 +97,8 @@ struct MXmlElementRecord {
         return XmlOffsetSum(length, -(StartTagLength() + EndTagLength()));
     }
 
+    std::int32_t ContentEnd() const { return XmlOffsetSum(ContentStart(), ContentLength()); }
+
     void MoveBy(std::int32_t delta) { start = XmlOffsetSum(start, delta); }
     void GrowBy(std::int32_t delta) { length = XmlOffsetSum(length, delta); }
 };

@@ -110,7 +110,7 @@ std::wstring MXmlMarkup::GetElementData(std::int32_t record) const
     if (element.firstChild != 0 || element.IsEmptyElement())
         return std::wstring();
     const std::int32_t start = CutToText(element.ContentStart());
-    const std::int32_t end = CutToText(XmlOffsetSum(start, element.ContentLength()));
+    const std::int32_t end = CutToText(element.ContentEnd());
     const wchar_t* text = documentText.c_str();
     if (FindCharacter<L'<'>(text + start, text + documentText.size()) < text + end)
         return ContentData(start, end);

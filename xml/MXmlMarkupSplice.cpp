@@ -67,7 +67,7 @@ std::int32_t MXmlMarkup::InsertOffset(std::int32_t parent, std::int32_t sibling,
         return XmlOffsetSum(element.ContentStart(), element.Has(XmlElementNoEndTag) ? 0 : -1);
     if (before || (request.flags & XmlAddReplaceContent) != 0)
         return element.ContentStart();
-    return XmlOffsetSum(element.ContentStart(), element.ContentLength());
+    return element.ContentEnd();
 }
 
 // A new node comes behind the line break of the one before it, but not behind the white space that
@@ -118,7 +118,7 @@ std::int32_t MXmlMarkup::InsertIntoEmpty(std::int32_t parent, MXmlInsertRequest&
 std::int32_t MXmlMarkup::InsertForContent(std::int32_t parent, const MXmlInsertRequest& request)
 {
     const std::int32_t start = CutToText(records[parent].ContentStart());
-    const std::int32_t end = CutToText(XmlOffsetSum(start, records[parent].ContentLength()));
+    const std::int32_t end = CutToText(records[parent].ContentEnd());
     const std::int32_t replaced = end > start ? end - start : 0;
     ReplaceText(start, replaced, request.text);
     return replaced;
