@@ -67,7 +67,7 @@ void CompareLoad(const XmlCorpus& corpus)
         PeerDocument peer;
         LoadPeer(corpus.text, copy, peer);
     };
-    Comparison(corpus.name.c_str(), 1, load, loadPeer).AtMost(1 / 1.5);
+    Comparison(corpus.name.c_str(), 1, load, loadPeer).AtMost(corpus.bar);
 }
 
 /// One document loaded again and again, in memory that it has.

@@ -40,7 +40,7 @@ XmlCorpus Installed(const char* name, const char* package, const char* path)
 {
     std::ifstream file(path, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    return {name, package, FromUtf8(bytes)};
+    return {name, package, FromUtf8(bytes), 1 / 1.5};
 }
 
 } // namespace
@@ -63,8 +63,8 @@ std::wstring MakeTypedElements(int count)
 std::vector<XmlCorpus> XmlCorpora()
 {
     return {
-        {"(a) typed elements", "", MakeTypedElements(60000)},
-        {"(b) paragraphs", "", MakeParagraphs()},
+        {"(a) typed elements", "", MakeTypedElements(60000), 1 / 1.5},
+        {"(b) paragraphs", "", MakeParagraphs(), 1},
         Installed("(c) Gio-2.0.gir", "libgirepository1.0-dev", "/usr/share/gir-1.0/Gio-2.0.gir"),
         Installed("(d) freedesktop.org.xml", "shared-mime-info",
                   "/usr/share/mime/packages/freedesktop.org.xml"),

@@ -9,6 +9,8 @@ struct XmlCorpus {
     /// Debian package that ships the file; empty for a document made here.
     std::string package;
     std::wstring text;
+    /// What a load may cost against the peer's: as much everywhere, and two thirds on most.
+    double bar;
 };
 
 /// Small typed elements as the XML filers write them.

@@ -26,13 +26,15 @@ std::string BrokenPosition(const MXmlMarkup& document)
         return "the current element is not on the current level";
     if (child != 0 && document.GetRecord(child).parent != main)
         return "the current child is no child of the current element";
-    if (document.GetNodeLength() != 0 &&
-        (document.GetNodeOffset() < 0 || document.GetNodeLength() < 0 ||
-         static_cast<std::size_t>(document.GetNodeOffset()) +
-                 static_cast<std::size_t>(document.GetNodeLength()) >
-             document.GetDocumentText().size()))
-        return "the current node lies outside the text";
     return std::string();
+}
+
+bool NodeIsInText(const MXmlMarkup& document)
+{
+    return document.GetNodeOffset() >= 0 && document.GetNodeLength() >= 0 &&
+           static_cast<std::size_t>(document.GetNodeOffset()) +
+                   static_cast<std::size_t>(document.GetNodeLength()) <=
+               document.GetDocumentText().size();
 }
 
 std::string BrokenStore(const MXmlMarkup& document)
@@ -146,6 +148,8 @@ bool AllHaveStartTags(const MXmlMarkup& document)
 
 std::string StaleIndex(const MXmlMarkup& document)
 {
+    if (!NodeIsInText(document))
+        return "the current node lies outside the text";
     MXmlMarkup fresh;
     fresh.SetDocumentFlags(document.GetDocumentFlags());
     fresh.LoadText(document.GetDocumentText().c_str());

@@ -14,6 +14,6 @@ bool SpansText(const MXmlMarkup& document);
 /// behind its tag can make one, and what is shifted then stops at it.
 bool AllHaveStartTags(const MXmlMarkup& document);
 
-/// Where the index differs from one made afresh from the document's text, or empty. Holds while
-/// nothing ill-formed was loaded or added.
+/// Where the current node lies outside the text, or the index differs from one made afresh from the
+/// text; or empty. Holds while nothing ill-formed was loaded or added.
 std::string StaleIndex(const MXmlMarkup& document);
