@@ -137,6 +137,13 @@ TEST(MCommandProcessor, StopFunctorRunsOnceOnEveryWayOutAfterTheStart)
     }
 }
 
+TEST(MCommandProcessor, FailureIsToldToNobodyWithoutAHandler)
+{
+    MCommandProcessor processor(nullptr, FunctorFor([] { Raise("any"); }).release(), nullptr,
+                                nullptr, 0);
+    EXPECT_EQ("MEngineThread.Start:ThreadExitedUnexpectedly", Raised([&] { processor.Start(); }));
+}
+
 TEST(MCommandProcessor, IdleFunctorRunsAfterEachTimeOutAndMayFail)
 {
     Processor never(0), often(5);

@@ -4,60 +4,61 @@
 
 // That fired events are freed is seen by the check for leaks.
 
-namespace
+TEST(MDesyncEventScheduler, EventsWaitForEnableKeepTheirOrderPassAFailureAndRestAfterDisable)
 {
-
-struct EventDelivery : testing::Test {
-    template <class Body>
-    void Schedule(Body body)
-    {
-        scheduler.ScheduleDesyncEvent(NewEvent(body));
-    }
-
     std::string diary;
-    MDesyncEventScheduler scheduler{nullptr};
-};
-
-} // namespace
-
-TEST_F(EventDelivery, WaitsForEnableKeepsTheOrderPassesAFailureAndIsOverAfterDisable)
-{
     Gate fired, last;
+    MDesyncEventScheduler scheduler(nullptr);
     scheduler.Disable();
-    Schedule([&] { diary += "1"; });
-    Schedule([] { Raise("dismissed"); });
-    Schedule([&] {
+    scheduler.ScheduleDesyncEvent(NewEvent([&] { diary += "1"; }));
+    scheduler.ScheduleDesyncEvent(NewEvent([] { Raise("dismissed"); }));
+    scheduler.ScheduleDesyncEvent(NewEvent([&] {
         fired.Open();
         diary += "2";
-    });
+    }));
     EXPECT_EQ("", diary);
     scheduler.Enable();
     fired.Pass();
     scheduler.Disable();
     EXPECT_EQ("12", diary);
 
-    Schedule([&] { diary += "3"; });
-    Schedule([&] { last.Open(); });
+    scheduler.ScheduleDesyncEvent(NewEvent([&] {
+        diary += "3";
+        last.Open();
+    }));
+    EXPECT_EQ("12", diary);
     scheduler.Enable();
     last.Pass();
     EXPECT_EQ("123", diary);
 }
 
-TEST_F(EventDelivery, DestroyedItDropsWhatIsQueuedWithoutFreeingIt)
+TEST(MDesyncEventScheduler, DestroyedItWaitsForTheBurstAndLeavesAloneWhatIsQueued)
 {
-    MDesyncEvent* const event = NewEvent([&] { diary += "1"; });
+    std::string diary;
+    Gate fired;
+    FailureRecorder recorder;
+    MDesyncEvent* const queued = NewEvent([&] { diary += "queued"; });
     {
         MDesyncEventScheduler disabled(nullptr);
-        disabled.ScheduleDesyncEvent(event);
-        scheduler.Enable(); // and destroyed so
+        disabled.ScheduleDesyncEvent(queued);
+        MDesyncEventScheduler enabled(&recorder);
+        enabled.Enable();
+        enabled.ScheduleDesyncEvent(NewEvent([&] {
+            fired.Open();
+            Sleep(20);
+            diary += "burst ";
+        }));
+        fired.Pass();
     }
-    EXPECT_EQ("", diary);
-    event->Fire();
-    ::operator delete(event);
+    queued->Fire();
+    EXPECT_EQ("burst queued", diary);
+    EXPECT_EQ("", recorder.failures);
+    ::operator delete(queued);
 }
 
-TEST_F(EventDelivery, WithoutMemoryTheEventStaysTheCallers)
+TEST(MDesyncEventScheduler, WithoutMemoryTheEventStaysTheCallers)
 {
+    MDesyncEventScheduler scheduler(nullptr);
     MDesyncEvent* const event = NewEvent([] {});
     ExpectOutOfMemory(AllocationFailure::Throws, [&] { scheduler.ScheduleDesyncEvent(event); });
     ::operator delete(event);

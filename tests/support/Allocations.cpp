@@ -55,15 +55,9 @@ __attribute__((noinline)) void Free(void* block)
     std::free(block);
 }
 
-// A core that holds every name of the module's, so that copying them again takes exactly as many
-// blocks as the module's has gained.
-KLogger& Mirror()
-{
-    static KLogger* const mirror = new KLogger;
-    return *mirror;
-}
-
 } // namespace
+
+// Those for arrays go through these by default.
 
 void* operator new(std::size_t size)
 {
@@ -89,25 +83,12 @@ void operator delete(void* block, std::size_t) noexcept
     operator delete(block);
 }
 
-void* operator new[](std::size_t size)
-{
-    return operator new(size);
-}
-
-void operator delete[](void* block) noexcept
-{
-    operator delete(block);
-}
-
-void operator delete[](void* block, std::size_t) noexcept
-{
-    operator delete(block);
-}
-
 std::int64_t CountBlocks()
 {
     static std::int64_t names = 0;
-    KLogger& mirror = Mirror();
+    // A core that holds every name of the module's, so that copying them again takes exactly as
+    // many blocks as the module's has gained.
+    static KLogger& mirror = *new KLogger;
     const std::int64_t before = blocksOut;
     KLogger::GetModuleLogger()->CopyNamesTo(mirror);
     names += blocksOut - before;
