@@ -148,6 +148,16 @@ TEST_F(XmlEdit, NodesMakeNoRecords)
     EXPECT_EQ(document.GetRecordCount(), 4);
 }
 
+TEST_F(XmlEdit, ElementBeforeANodeIsBehindTheElementBeforeBoth)
+{
+    Load(L"<a><b/><c/></a>");
+    EnterRoot();
+    document.FindElement();
+    EXPECT_TRUE(document.AddNode(XmlNodeComment, L"-", 0));
+    EXPECT_TRUE(document.AddElement(L"x", nullptr, XmlAddBefore));
+    EXPECT_EQ(Text(), L"<a><b/><x/>\n<!----->\n<c/></a>");
+}
+
 TEST_F(XmlEdit, InstructionWithAttributes)
 {
     EXPECT_TRUE(document.AddNode(XmlNodeInstruction, L"xml", 0));

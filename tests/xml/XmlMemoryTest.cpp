@@ -74,6 +74,17 @@ TEST(XmlMemory, FailedEditLeavesADocumentThatLoads)
         });
 }
 
+TEST(XmlRecordStore, SlotsAreDoubledWhenTheyAreFull)
+{
+    MXmlRecordStore records;
+    records.Grow(8);
+    EXPECT_EQ(records.SegmentSlots(), 4);
+    for (int segments = 2; segments <= 5; ++segments)
+        records.Grow(1000000);
+    EXPECT_EQ(records.Capacity(), 5 * MXmlRecordStore::SegmentRecords);
+    EXPECT_EQ(records.SegmentSlots(), 12);
+}
+
 TEST(XmlMemory, FailedGrowthKeepsTheRecords)
 {
     MXmlRecordStore records;

@@ -70,6 +70,20 @@ TEST_F(XmlNavigate, LevelsKeepTheirPlace)
     EXPECT_EQ(document.GetCurrentName(), L"c");
 }
 
+TEST_F(XmlNavigate, NextElementHasNoCurrentChild)
+{
+    document.LoadText(L"<r><a><b/></a><c/></r>");
+    document.FindElement();
+    document.EnterElement();
+    document.FindElement();
+    document.EnterElement();
+    document.FindElement();
+    document.LeaveElement();
+    EXPECT_EQ(document.GetChildIndex(), 3);
+    EXPECT_TRUE(document.FindElement());
+    EXPECT_EQ(document.GetChildIndex(), 0);
+}
+
 TEST_F(XmlNavigate, RestoresTheThreeKindsOfPosition)
 {
     document.LoadText(L"<r><a><b/></a></r>");
@@ -219,6 +233,19 @@ TEST(XmlFindAttribute, ValueOfNoLengthIsOneCharacter)
     EXPECT_EQ(cursor.TokenLength(), 1);
     cursor.next = 1;
     EXPECT_TRUE(MXmlMarkup::FindAttribute(cursor, L"b", 0));
+}
+
+TEST(XmlFindAttribute, ComesBackToANameWithoutAValue)
+{
+    for (const std::wstring text : {L"<t a 'quoted' b='1'/>", L"<t a ="}) {
+        MXmlTokenCursor cursor(text.c_str(), static_cast<std::int32_t>(text.size()), 0);
+        cursor.next = 1;
+        ASSERT_TRUE(MXmlMarkup::FindAttribute(cursor, L"a", 0));
+        EXPECT_EQ(cursor.start, 3);
+        EXPECT_EQ(cursor.end, 3);
+        EXPECT_EQ(cursor.next, 4);
+        EXPECT_FALSE(cursor.Quoted());
+    }
 }
 
 TEST(XmlNameToken, TakesOneCharacterWhereNoNameStands)
