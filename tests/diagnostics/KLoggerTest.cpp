@@ -43,10 +43,7 @@ TEST(KLogger, NamesNobodyGaveShowAsUnknown)
 {
     const std::string nobody = " in_class (unknown) at (unknown) for_object 0000000000000000 "
                                "(unknown)";
-    const struct {
-        std::int32_t kind;
-        std::string text;
-    } cases[] = {
+    const std::pair<std::int32_t, std::string> cases[] = {
         {-105, "% Root_error (unknown)" + nobody},
         {-101, "% Warning (unknown)" + nobody},
         {-25, "% State_change to state_7" + nobody},
@@ -56,10 +53,10 @@ TEST(KLogger, NamesNobodyGaveShowAsUnknown)
             "(unknown)"},
         {5, "% unknown event" + nobody},
     };
-    for (const auto& example : cases) {
+    for (const auto& one : cases) {
         KLogger core;
-        core.AddRecord(example.kind, 7, static_cast<std::uint32_t>(-8), 5, 6, nullptr);
-        EXPECT_EQ(std::vector<std::string>{WithThread(example.text)}, DumpedTexts(core));
+        core.AddRecord(one.first, 7, static_cast<std::uint32_t>(-8), 5, 6, nullptr);
+        EXPECT_EQ(std::vector<std::string>{WithThread(one.second)}, DumpedTexts(core));
     }
 }
 
@@ -81,13 +78,12 @@ TEST(KLogger, NamesShowWhereTheyAreKnown)
     core.AddRecord(0, 3, 4, 1, 2, object);
 
     const std::string rest = " in_class Pump at Drain for_object 000000001D2C5A40 (the pump)";
-    const std::vector<std::string> expected = {
-        WithThread("% Dismissed_error PumpBlocked" + rest, "tester"),
-        WithThread("% State_change to Open" + rest, "tester"),
-        WithThread("% Message_send Hello" + rest, "tester"),
-        WithThread("% Timing_point (3, 4)" + rest, "tester"),
-    };
-    EXPECT_EQ(expected, DumpedTexts(core));
+    EXPECT_EQ(
+        (std::vector<std::string>{WithThread("% Dismissed_error PumpBlocked" + rest, "tester"),
+                                  WithThread("% State_change to Open" + rest, "tester"),
+                                  WithThread("% Message_send Hello" + rest, "tester"),
+                                  WithThread("% Timing_point (3, 4)" + rest, "tester")}),
+        DumpedTexts(core));
 }
 
 TEST(KLogger, FirstNameStaysAndStatesBeyond99ReachTheNextClass)

@@ -1,19 +1,5 @@
 #include "tests/engine/EngineFixtures.h"
 
-#include "tests/support/Raised.h"
-
-#include <windows.h>
-
-void Gate::Open()
-{
-    SetEvent(event);
-}
-
-void Gate::Pass()
-{
-    WaitForSingleObject(event, INFINITE);
-}
-
 void FailureRecorder::OnSpontaneousError(const MException& exception)
 {
     failures += FailureText(exception) + ";";
@@ -47,7 +33,9 @@ MExceptionSlot NewSlot()
     return MExceptionSlot(std::auto_ptr<MException>(new MException));
 }
 
-void Raise(const wchar_t* code)
+void Raise(const std::string& code)
 {
-    throw MException(MError(code));
+    MException exception(MError(L"cause"));
+    exception.AddError(MError(std::wstring(code.begin(), code.end()).c_str()));
+    throw MException(exception);
 }

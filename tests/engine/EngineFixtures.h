@@ -5,29 +5,25 @@
 #include "engine/MEngineThread.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/ProcessHandles.h"
+#include "tests/support/Raised.h"
 
 #include <functional>
-#include <string>
 #include <thread>
-#include <type_traits>
+
+#include <windows.h>
 
 typedef std::function<void()> Action;
 
 /// Holds threads up until it is opened.
-class Gate
-{
-public:
-    void Open();
-    void Pass();
+struct Gate {
+    void Open() { SetEvent(event); }
+    void Pass() { WaitForSingleObject(event, INFINITE); }
 
-private:
     PlatformEvent event{EventReset::Manual};
 };
 
 /// Keeps what ended an engine thread.
-class FailureRecorder : public IThreadErrorHandler
-{
-public:
+struct FailureRecorder : IThreadErrorHandler {
     void OnSpontaneousError(const MException& exception) override;
     void OnUnhandledException(_EXCEPTION_POINTERS*) override {}
 
@@ -44,9 +40,7 @@ public:
 
     using MEngineThread::AddEvent;
     using MEngineThread::ForceStop;
-    using MEngineThread::IsStopRequested;
     using MEngineThread::IsThreadActive;
-    using MEngineThread::SignalThreadStarted;
 
     Action onStart = [this] { SignalThreadStarted(); };
     Action onFlush = [] {};
@@ -58,13 +52,11 @@ private:
     void OnStop() override { onStop(); }
 };
 
-// Functors and events are freed without a destructor being run, so they take lambdas that capture
-// plain data only.
-
+/// A functor that calls `body`, a lambda that captures plain data only: like an event, a functor is
+/// freed without a destructor being run.
 template <class Body>
 MCallbackFunctorPtr FunctorFor(Body body)
 {
-    static_assert(std::is_trivially_destructible<Body>::value, "would never be destroyed");
     struct Functor final : MCallbackFunctor {
         explicit Functor(Body body) : body(body) {}
         void Invoke() override { body(); }
@@ -73,10 +65,10 @@ MCallbackFunctorPtr FunctorFor(Body body)
     return MCallbackFunctorPtr(new Functor(body));
 }
 
+/// An event that calls `body`, a lambda of that kind too.
 template <class Body>
 MDesyncEvent* NewEvent(Body body)
 {
-    static_assert(std::is_trivially_destructible<Body>::value, "would never be destroyed");
     struct Event final : MDesyncEvent {
         explicit Event(Body body) : body(body) {}
         void Fire() override { body(); }
@@ -92,8 +84,8 @@ std::auto_ptr<MCommandSynchronous> NewCommand(const Action& action,
 /// A slot with an empty exception.
 MExceptionSlot NewSlot();
 
-/// Raises an `MException` with the Code `code`.
-[[noreturn]] void Raise(const wchar_t* code);
+/// Raises an `MException` that holds "cause", and then an error with the Code `code`.
+[[noreturn]] void Raise(const std::string& code);
 
 /// Runs `body` on `count` threads at once, with the thread's number.
 template <class Body>
@@ -101,17 +93,13 @@ void RunOnThreads(int count, Body body)
 {
     std::vector<std::thread> threads;
     for (int number = 0; number < count; ++number)
-        threads.emplace_back([&body, number] { body(number); });
+        threads.emplace_back(body, number);
     for (std::thread& thread : threads)
         thread.join();
 }
 
-/// The ways in which allocations fail that go through `MakeOrRaise`. The last leaves no memory for
-/// the `MException` either.
-const AllocationFailure allocationFailures[] = {
-    AllocationFailure::Throws, AllocationFailure::AnswersNull, AllocationFailure::ThrowsForGood};
-
-/// Runs `operation`, its first allocation going through `MakeOrRaise` and failing.
+/// Runs `operation`, its first allocation failing, which is to raise an `MException` as long as
+/// there is memory for that.
 template <class Operation>
 void ExpectOutOfMemory(AllocationFailure how, Operation operation)
 {

@@ -4,13 +4,8 @@
 #include "engine/MDesyncEventScheduler.h"
 #include "tests/engine/EngineFixtures.h"
 #include "tests/support/LeakCheck.h"
-#include "tests/support/Raised.h"
 
-#include <gtest/gtest.h>
-
-#include <windows.h>
-
-TEST(EngineStress, EveryCallerGetsTheAnswerToItsOwnCommand)
+TEST(EngineStress, EveryCallerGetsTheAnswerToItsOwnCommandAndACopyOfItsChain)
 {
     MCommandProcessor processor(nullptr, nullptr, nullptr, nullptr, 0);
     processor.Start();
@@ -18,21 +13,21 @@ TEST(EngineStress, EveryCallerGetsTheAnswerToItsOwnCommand)
     RunOnThreads(4, [&](int number) {
         const MExceptionSlot slot = NewSlot();
         for (int call = 0; call < 100; ++call) {
-            const int question = number * 1000 + call;
-            int answer = 0;
-            processor.ExecuteSynchronously(NewCommand(
-                [&] {
-                    EXPECT_EQ(1, ++inside);
-                    EXPECT_EQ(0u, slot->GetErrorCount()); // emptied of the last failure
-                    answer = question;
-                    --inside;
-                    if (question % 2)
-                        Raise(std::to_wstring(question).c_str());
-                },
-                slot));
+            const std::string question = std::to_string(number) + "." + std::to_string(call);
+            const bool fails = call % 2 != 0;
+            std::string answer;
+            const Action action = [&] {
+                EXPECT_EQ(1, ++inside);
+                EXPECT_EQ(0u, slot->GetErrorCount()); // emptied of the last failure
+                answer = question;
+                --inside;
+                if (fails)
+                    Raise(question);
+            };
+            processor.ExecuteSynchronously(NewCommand(action, slot));
             EXPECT_EQ(question, answer);
-            EXPECT_EQ(question % 2 ? std::to_string(question) : "no errors",
-                      FailureText(*slot.Get()));
+            EXPECT_EQ(fails ? 2u : 0u, slot->GetErrorCount());
+            EXPECT_EQ(fails ? question : "no errors", FailureText(*slot.Get()));
         }
     });
     processor.Stop();
@@ -47,22 +42,23 @@ TEST(EngineStress, StopsUnderCallersAnswerEveryCall)
         std::atomic<int> abortedCalls{0};
         MCommandProcessor processor(nullptr, nullptr, nullptr, nullptr, 0);
         processor.Start();
-        RunOnThreads(5, [&](int number) {
-            if (number < 2) {
-                Sleep(5);
-                processor.Stop();
-            }
+        const auto callUntilRefused = [&] {
             std::string outcome;
-            while (number >= 2 && outcome.empty()) {
+            while (outcome.empty()) {
                 bool executed = false;
                 const Action action = [alive, &executed] { executed = true; };
                 outcome = Raised([&] { processor.ExecuteSynchronously(NewCommand(action)); });
                 EXPECT_EQ(outcome.empty(), executed);
-                abortedCalls +=
-                    outcome == "MCommandProcessor.ExecuteSynchronously:CommandProcessingAborted";
             }
+            abortedCalls +=
+                outcome == "MCommandProcessor.ExecuteSynchronously:CommandProcessingAborted";
+        };
+        RunOnThreads(5, [&](int number) {
+            if (number < 3)
+                return callUntilRefused();
+            Sleep(5);
+            processor.Stop();
         });
-        EXPECT_TRUE(processor.IsAborted());
         EXPECT_LE(alive.use_count() - 1, abortedCalls);
     }
 }
@@ -71,11 +67,9 @@ TEST(EngineStress, ThousandLivesLeaveNoHandleBehind)
 {
     const auto live = [](int lives) {
         ScriptedThread thread;
-        for (int life = 0; life < lives; ++life) {
+        for (int life = 0; life < lives; life += 4) {
             thread.Start();
             thread.Stop();
-        }
-        for (int life = 0; life < lives / 4; ++life) {
             Gate fired;
             MCommandProcessor processor(nullptr, nullptr, nullptr, nullptr, 0);
             processor.Start();
@@ -91,5 +85,5 @@ TEST(EngineStress, ThousandLivesLeaveNoHandleBehind)
     };
     live(4);
     const ExpectSameHandles handles;
-    live(500);
+    live(1000);
 }

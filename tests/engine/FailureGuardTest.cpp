@@ -3,62 +3,38 @@
 #include "diagnostics/StructuredGuard.h"
 #include "tests/engine/EngineFixtures.h"
 
-#include <gtest/gtest.h>
-
-#include <windows.h>
-
-namespace
+TEST(FailureGuard, HandlerRunsOnceForAForeignException)
 {
-
-/// A body inside the failure guard, and that inside a guard which stands where an engine thread
-/// tells of faults, but lets the process go on.
-struct GuardedRun {
-    explicit GuardedRun(void (*body)()) : body(FunctorFor(body)) {}
-
-    /// False when the body met a fault.
-    bool Run()
-    {
-        const GuardedBody inside = [](void* context) {
-            GuardedRun& run = *static_cast<GuardedRun*>(context);
-            RunWithFailureHandler(*run.body, *run.onFailure);
-        };
-        const GuardFilter outside = [](void* context, _EXCEPTION_POINTERS* pointers) -> long {
-            GuardedRun& run = *static_cast<GuardedRun*>(context);
-            run.handledBefore = run.handled;
-            run.record = *pointers->ExceptionRecord;
-            return IsCppException(pointers) ? GuardContinueSearch : GuardAccept;
-        };
-        return RunGuarded(inside, outside, this);
-    }
-
-    MCallbackFunctorPtr body;
-    MCallbackFunctorPtr onFailure = FunctorFor([this] { ++handled; });
     int handled = 0;
-    int handledBefore = 0;
-    EXCEPTION_RECORD record = {};
-};
-
-} // namespace
-
-TEST(FailureGuard, HandlerRunsOnceForEachKindOfException)
-{
-    GuardedRun returns([] {});
-    EXPECT_TRUE(returns.Run());
-    EXPECT_EQ(0, returns.handled);
-    GuardedRun raises([] { Raise(L"any"); });
-    EXPECT_THROW(raises.Run(), MException);
-    EXPECT_EQ(1, raises.handled);
-    GuardedRun throws([] { throw 7; });
-    EXPECT_THROW(throws.Run(), int);
-    EXPECT_EQ(1, throws.handled);
+    const MCallbackFunctorPtr body = FunctorFor([] { throw 7; });
+    const MCallbackFunctorPtr onFailure = FunctorFor([&] { ++handled; });
+    EXPECT_THROW(RunWithFailureHandler(*body, *onFailure), int);
+    EXPECT_EQ(1, handled);
 }
 
 TEST(FailureGuard, HandlerRunsOnceForAFaultWhichGoesOnAsItWas)
 {
-    GuardedRun faults([] { *reinterpret_cast<volatile int*>(0x1234) = 1; });
-    EXPECT_FALSE(faults.Run());
-    EXPECT_EQ(1, faults.handledBefore);
-    EXPECT_EQ(1, faults.handled);
-    EXPECT_EQ(EXCEPTION_ACCESS_VIOLATION, faults.record.ExceptionCode);
-    EXPECT_EQ(0x1234u, faults.record.ExceptionInformation[1]);
+    struct FaultingRun {
+        MCallbackFunctorPtr body = FunctorFor([] { *reinterpret_cast<volatile int*>(0x1234) = 1; });
+        MCallbackFunctorPtr onFailure = FunctorFor([this] { ++handled; });
+        int handled = 0;
+        int handledBefore = 0;
+        EXCEPTION_RECORD record = {};
+    } run;
+    const GuardedBody inside = [](void* context) {
+        const FaultingRun& faulting = *static_cast<FaultingRun*>(context);
+        RunWithFailureHandler(*faulting.body, *faulting.onFailure);
+    };
+    // Stands where an engine thread tells of faults, but lets the process go on.
+    const GuardFilter outside = [](void* context, _EXCEPTION_POINTERS* pointers) -> long {
+        FaultingRun& faulting = *static_cast<FaultingRun*>(context);
+        faulting.handledBefore = faulting.handled;
+        faulting.record = *pointers->ExceptionRecord;
+        return GuardAccept;
+    };
+    EXPECT_FALSE(RunGuarded(inside, outside, &run));
+    EXPECT_EQ(1, run.handledBefore);
+    EXPECT_EQ(1, run.handled);
+    EXPECT_EQ(EXCEPTION_ACCESS_VIOLATION, run.record.ExceptionCode);
+    EXPECT_EQ(0x1234u, run.record.ExceptionInformation[1]);
 }

@@ -1,108 +1,63 @@
 #include "engine/MDesyncEventScheduler.h"
 
 #include "tests/engine/EngineFixtures.h"
-#include "tests/support/Raised.h"
-
-#include <gtest/gtest.h>
 
 // That fired events are freed is seen by the check for leaks.
 
 namespace
 {
 
-/// Events that write down their order; `Await` holds up the test until the last one has been fired.
-class Diary
-{
-public:
-    MDesyncEvent* Entry(char mark)
+struct EventDelivery : testing::Test {
+    template <class Body>
+    void Schedule(Body body)
     {
-        return NewEvent([this, mark] { entries += mark; });
+        scheduler.ScheduleDesyncEvent(NewEvent(body));
     }
 
-    MDesyncEvent* Last()
-    {
-        return NewEvent([this] { end.Open(); });
-    }
-
-    std::string Await()
-    {
-        end.Pass();
-        return entries;
-    }
-
-    std::string entries;
-
-private:
-    Gate end;
+    std::string diary;
+    MDesyncEventScheduler scheduler{nullptr};
 };
 
 } // namespace
 
-TEST(MDesyncEventScheduler, EventsWaitForEnableAndAreFiredInOrderPastOneThatFails)
+TEST_F(EventDelivery, WaitsForEnableKeepsTheOrderPassesAFailureAndIsOverAfterDisable)
 {
-    Diary diary;
-    MDesyncEventScheduler scheduler(nullptr);
+    Gate fired, last;
     scheduler.Disable();
-    MDesyncEvent* const failing = NewEvent([] { Raise(L"dismissed"); });
-    for (MDesyncEvent* event : {diary.Entry('1'), failing, diary.Entry('3'), diary.Last()})
-        scheduler.ScheduleDesyncEvent(event);
-    EXPECT_EQ("", diary.entries);
-    scheduler.Enable();
-    EXPECT_EQ("13", diary.Await());
-}
-
-TEST(MDesyncEventScheduler, DisableWaitsForTheBurstAndTheNextEnableTakesUpTheRest)
-{
-    Diary diary;
-    Gate fired;
-    MDesyncEventScheduler scheduler(nullptr);
-    scheduler.Enable();
-    scheduler.ScheduleDesyncEvent(NewEvent([&] {
+    Schedule([&] { diary += "1"; });
+    Schedule([] { Raise("dismissed"); });
+    Schedule([&] {
         fired.Open();
-        diary.entries += "1";
-    }));
+        diary += "2";
+    });
+    EXPECT_EQ("", diary);
+    scheduler.Enable();
     fired.Pass();
     scheduler.Disable();
-    EXPECT_EQ("1", diary.entries);
-    scheduler.ScheduleDesyncEvent(diary.Entry('2'));
-    scheduler.ScheduleDesyncEvent(diary.Last());
+    EXPECT_EQ("12", diary);
+
+    Schedule([&] { diary += "3"; });
+    Schedule([&] { last.Open(); });
     scheduler.Enable();
-    EXPECT_EQ("12", diary.Await());
+    last.Pass();
+    EXPECT_EQ("123", diary);
 }
 
-TEST(MDesyncEventScheduler, DisableFromAnEventIsDismissedAndDeliveryGoesOn)
+TEST_F(EventDelivery, DestroyedItDropsWhatIsQueuedWithoutFreeingIt)
 {
-    Diary diary;
-    std::string failure;
-    MDesyncEventScheduler scheduler(nullptr);
-    scheduler.Enable();
-    scheduler.ScheduleDesyncEvent(NewEvent([&] {
-        failure = Raised([&] { scheduler.Disable(); });
-        scheduler.Disable();
-    }));
-    scheduler.ScheduleDesyncEvent(diary.Last());
-    diary.Await();
-    EXPECT_EQ("MEngineThread.Flush:CannotFlushSelf", failure);
-}
-
-TEST(MDesyncEventScheduler, DestroyedItDropsWhatIsQueuedWithoutFreeingIt)
-{
-    Diary diary;
-    MDesyncEvent* const event = diary.Entry('1');
+    MDesyncEvent* const event = NewEvent([&] { diary += "1"; });
     {
-        MDesyncEventScheduler enabled(nullptr);
-        enabled.Enable();
         MDesyncEventScheduler disabled(nullptr);
         disabled.ScheduleDesyncEvent(event);
+        scheduler.Enable(); // and destroyed so
     }
-    EXPECT_EQ("", diary.entries);
+    EXPECT_EQ("", diary);
     event->Fire();
     ::operator delete(event);
 }
 
-TEST(MDesyncEventScheduler, WithoutMemoryTheEventStaysTheCallers)
+TEST_F(EventDelivery, WithoutMemoryTheEventStaysTheCallers)
 {
-    MDesyncEventScheduler scheduler(nullptr);
     MDesyncEvent* const event = NewEvent([] {});
     ExpectOutOfMemory(AllocationFailure::Throws, [&] { scheduler.ScheduleDesyncEvent(event); });
     ::operator delete(event);

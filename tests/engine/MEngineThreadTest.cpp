@@ -1,11 +1,6 @@
 #include "engine/MEngineThread.h"
 
 #include "tests/engine/EngineFixtures.h"
-#include "tests/support/Raised.h"
-
-#include <gtest/gtest.h>
-
-#include <windows.h>
 
 namespace
 {
@@ -17,11 +12,17 @@ struct ServedEvent : PlatformEvent {
     template <class Body>
     ServedEvent(ScriptedThread& thread, Body body) : PlatformEvent(EventReset::Automatic)
     {
-        MCallbackFunctorPtr functor = FunctorFor(body);
-        thread.AddEvent(*this, functor.get());
-        functor.release();
+        thread.AddEvent(*this, FunctorFor(body).release());
     }
 };
+
+/// Starts `thread`, which is to open `served` when `event` is set.
+void ExpectServed(ScriptedThread& thread, HANDLE event, Gate& served)
+{
+    thread.Start();
+    SetEvent(event);
+    served.Pass();
+}
 
 } // namespace
 
@@ -35,28 +36,23 @@ TEST(MEngineThread, EachLifeServesItsFlushesAndItsStopOnce)
     thread.Flush();
     thread.ForceStop();
     for (int life = 0; life < 2; ++life) {
+        calls.clear();
         thread.Start();
         EXPECT_EQ("MEngineThread.Start:AlreadyRunning", Raised([&] { thread.Start(); }));
-        EXPECT_FALSE(thread.IsStopRequested());
         thread.Flush();
         EXPECT_EQ("flush ", calls);
         thread.Stop();
         EXPECT_EQ("flush stop ", calls);
-        EXPECT_TRUE(thread.IsStopRequested());
         EXPECT_FALSE(thread.IsThreadActive());
-        calls.clear();
     }
-    EXPECT_EQ("", thread.failures);
 }
 
 TEST(MEngineThread, StopOrFlushFromItsOwnThreadEndsTheThreadAndLeavesItRunning)
 {
     for (bool stops : {true, false}) {
         ScriptedThread thread;
-        ServedEvent event(thread, [&, stops] { stops ? thread.Stop() : thread.Flush(); });
-        thread.Start();
-        SetEvent(event);
-        thread.failed.Pass();
+        const ServedEvent event(thread, [&] { stops ? thread.Stop() : thread.Flush(); });
+        ExpectServed(thread, event, thread.failed);
         EXPECT_EQ(stops ? "MEngineThread.Stop:CannotStopSelf;"
                         : "MEngineThread.Flush:CannotFlushSelf;",
                   thread.failures);
@@ -67,28 +63,15 @@ TEST(MEngineThread, StopOrFlushFromItsOwnThreadEndsTheThreadAndLeavesItRunning)
     }
 }
 
-TEST(MEngineThread, BodyThatFailsBeforeTheSignalFailsStart)
-{
-    ScriptedThread thread;
-    const Action works = thread.onStart;
-    thread.onStart = [] { Raise(L"NoSetup"); };
-    EXPECT_EQ("MEngineThread.Start:ThreadExitedUnexpectedly", Raised([&] { thread.Start(); }));
-    EXPECT_EQ("NoSetup;", thread.failures);
-    thread.onStart = works;
-    thread.Start();
-    thread.Stop();
-}
-
 // The request of a flush that failed is served by the next thread, ahead of everything else, and
 // what that leaves set satisfies the next flush at once.
 TEST(MEngineThread, ThreadThatDiesAtOnceHasStartedAndLeavesItsFlushToTheNext)
 {
     ScriptedThread thread;
     std::string calls;
-    Gate blocked;
-    Gate go;
-    ServedEvent early(thread, [&] { calls += "early "; });
-    ServedEvent late(thread, [&] {
+    Gate blocked, go;
+    const ServedEvent early(thread, [&] { calls += "early "; });
+    const ServedEvent late(thread, [&] {
         calls += "late";
         blocked.Open();
         go.Pass();
@@ -96,8 +79,8 @@ TEST(MEngineThread, ThreadThatDiesAtOnceHasStartedAndLeavesItsFlushToTheNext)
     thread.onFlush = [&] { calls += "flush "; };
     const Action works = thread.onStart;
     thread.onStart = [&] {
-        thread.SignalThreadStarted();
-        Raise(L"dies");
+        works();
+        Raise("dies");
     };
     for (int life = 0; life < 20; ++life) {
         thread.Start();
@@ -105,30 +88,33 @@ TEST(MEngineThread, ThreadThatDiesAtOnceHasStartedAndLeavesItsFlushToTheNext)
         thread.Stop();
     }
 
-    SetEvent(late);
     SetEvent(early);
     thread.onStart = works;
-    thread.Start();
-    blocked.Pass();
+    ExpectServed(thread, late, blocked);
     thread.Flush(); // though the thread is held up
     EXPECT_EQ("flush early late", calls);
     go.Open();
 }
 
-TEST(MEngineThread, TableTakes62EventsOfASubclass)
+TEST(MEngineThread, TableTakes62EventsAndWithoutMemoryOrRoomTheFunctorStaysTheCallers)
 {
     ScriptedThread thread;
+    const PlatformEvent unset(EventReset::Automatic);
+    for (int i = 0; i < 61; ++i) {
+        MCallbackFunctorPtr functor = FunctorFor([] {});
+        const auto add = [&] {
+            thread.AddEvent(unset, functor.get());
+            functor.release();
+        };
+        ForEachFailingAllocation(AllocationFailure::Throws, add,
+                                 [&](ShortageOutcome) { EXPECT_TRUE(functor); });
+    }
     Gate served;
-    PlatformEvent unset(EventReset::Automatic);
-    for (int i = 0; i < 61; ++i)
-        thread.AddEvent(unset, FunctorFor([] {}).release());
-    ServedEvent last(thread, [&] { served.Open(); });
+    const ServedEvent last(thread, [&] { served.Open(); });
     const MCallbackFunctorPtr stillOurs = FunctorFor([] {});
     EXPECT_EQ("MEngineThread.AddEvent:TooManyWaitableEvents",
               Raised([&] { thread.AddEvent(unset, stillOurs.get()); }));
-    thread.Start();
-    SetEvent(last);
-    served.Pass();
+    ExpectServed(thread, last, served); // handles and functors stand side by side
 }
 
 TEST(MEngineThread, WaitThatFailsEndsTheThreadWithItsReason)
@@ -136,17 +122,14 @@ TEST(MEngineThread, WaitThatFailsEndsTheThreadWithItsReason)
     const HANDLE closed = reinterpret_cast<HANDLE>(0x7FFFFFF0);
     const HANDLE abandoned = CreateMutexW(nullptr, FALSE, nullptr);
     RunOnThreads(1, [=](int) { WaitForSingleObject(abandoned, INFINITE); });
-    const struct {
-        HANDLE handle;
-        const char* failure;
-    } cases[] = {{closed, "MEngineThread.WaitForEvents:WaitFailed winErrorCode=6;"},
-                 {abandoned, "MEngineThread.WaitForEvents:Abandoned status=130;"}};
-    for (const auto& example : cases) {
+    for (HANDLE handle : {closed, abandoned}) {
         ScriptedThread thread;
-        thread.AddEvent(example.handle, FunctorFor([] {}).release());
+        thread.AddEvent(handle, FunctorFor([] {}).release());
         thread.Start();
         thread.failed.Pass();
-        EXPECT_EQ(example.failure, thread.failures);
+        EXPECT_EQ(handle == closed ? "MEngineThread.WaitForEvents:WaitFailed winErrorCode=6;"
+                                   : "MEngineThread.WaitForEvents:Abandoned status=130;",
+                  thread.failures);
     }
     CloseHandle(abandoned);
 }
@@ -155,11 +138,9 @@ TEST(MEngineThread, FailedStopCanBeTriedAgainUntilForceStopGivesUp)
 {
     ScriptedThread thread;
     DWORD threadId = 0;
-    thread.onStart = [&] {
-        threadId = GetCurrentThreadId();
-        thread.SignalThreadStarted();
-    };
+    thread.onFlush = [&] { threadId = GetCurrentThreadId(); };
     thread.Start();
+    thread.Flush();
     const std::vector<HANDLE> handles = ListHandles();
     const HANDLE ours = OpenThread(SYNCHRONIZE, FALSE, threadId);
     for (HANDLE handle : handles)
@@ -173,28 +154,6 @@ TEST(MEngineThread, FailedStopCanBeTriedAgainUntilForceStopGivesUp)
     EXPECT_FALSE(thread.IsThreadActive());
     WaitForSingleObject(ours, INFINITE);
     CloseHandle(ours);
-}
-
-TEST(MEngineThread, WithoutMemoryNoEventIsAddedAndTheFunctorStaysTheCallers)
-{
-    ScriptedThread thread;
-    PlatformEvent event(EventReset::Automatic);
-    MCallbackFunctorPtr functor = FunctorFor([] {});
-    ForEachFailingAllocation(
-        AllocationFailure::Throws,
-        [&] {
-            thread.AddEvent(event, functor.get());
-            functor.release();
-        },
-        [&](ShortageOutcome) { EXPECT_TRUE(functor); });
-    EXPECT_FALSE(functor);
-
-    // Handles and functors still stand side by side.
-    Gate served;
-    ServedEvent next(thread, [&] { served.Open(); });
-    thread.Start();
-    SetEvent(next);
-    served.Pass();
 }
 
 TEST(MEngineThread, WithoutMemoryToBuildItNothingStaysBehind)

@@ -2,8 +2,6 @@
 
 #include "tests/engine/EngineFixtures.h"
 
-#include <gtest/gtest.h>
-
 // That the last handle deletes the exception, and only once, is seen by the check for leaks.
 
 TEST(MExceptionSlot, HandlesShareOneException)
@@ -31,11 +29,11 @@ TEST(MExceptionSlot, LastHandleMayGoOnEitherThread)
 
 TEST(MExceptionSlot, WithoutMemoryTheExceptionIsDeleted)
 {
-    for (bool throws : {true, false}) {
+    for (AllocationFailure how : {AllocationFailure::Throws, AllocationFailure::AnswersNull}) {
         std::auto_ptr<MException> exception(new MException);
-        FailingAllocation failing(
-            throws ? AllocationFailure::Throws : AllocationFailure::AnswersNull, 1);
-        EXPECT_EQ(throws ? ShortageOutcome::RaisedBadAlloc : ShortageOutcome::Completed,
+        FailingAllocation failing(how, 1);
+        EXPECT_EQ(how == AllocationFailure::Throws ? ShortageOutcome::RaisedBadAlloc
+                                                   : ShortageOutcome::Completed,
                   RunShortOfMemory([&] { EXPECT_TRUE(MExceptionSlot(exception).IsEmpty()); }));
     }
 }

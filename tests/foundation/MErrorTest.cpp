@@ -42,21 +42,12 @@ TEST(MDynObject, RecordsFormTheTreeAndCopiesKeepTheClass)
 
 TEST(MError, CodeIsComposedOfWhatIsThere)
 {
-    const struct {
-        const wchar_t* parts[3];
-        const wchar_t* code;
-    } cases[] = {
-        {{L"Class", L"Function", L"Code"}, L"Class.Function:Code"},
-        {{L"Class", L"Function", nullptr}, L"Class.Function"},
-        {{L"Class", L"", L"Code"}, L"Class:Code"},
-        {{nullptr, L"Function", L"Code"}, L"Function:Code"},
-        {{nullptr, nullptr, L"Code"}, L"Code"},
-        {{nullptr, nullptr, nullptr}, L""},
-    };
-    for (const auto& example : cases)
-        EXPECT_STREQ(
-            example.code,
-            ComposeErrorCode(example.parts[0], example.parts[1], example.parts[2]).c_str());
+    EXPECT_STREQ(L"Class.Function:Code", ComposeErrorCode(L"Class", L"Function", L"Code").c_str());
+    EXPECT_STREQ(L"Class.Function", ComposeErrorCode(L"Class", L"Function", nullptr).c_str());
+    EXPECT_STREQ(L"Class:Code", ComposeErrorCode(L"Class", L"", L"Code").c_str());
+    EXPECT_STREQ(L"Function:Code", ComposeErrorCode(nullptr, L"Function", L"Code").c_str());
+    EXPECT_STREQ(L"Code", ComposeErrorCode(nullptr, nullptr, L"Code").c_str());
+    EXPECT_TRUE(ComposeErrorCode(nullptr, nullptr, nullptr).IsEmpty());
 }
 
 TEST(MError, ParametersBecomePlainTextOfWhichTheFirstStays)

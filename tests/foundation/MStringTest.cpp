@@ -115,10 +115,11 @@ TEST(MString, BufferIsKeptShrunkOrGrown)
     EXPECT_STREQ(L"abc", text.c_str());
     EXPECT_EQ(5, text.GetLength());
 
-    text.Reserve(10);
-    std::copy_n(L"hello", 6, text.GetBuffer(15, false));
-    text.GetBuffer(5, true);
-    ExpectText(L"hello", text); // written into reserved room
+    MString reserved;
+    reserved.Reserve(10);
+    std::copy_n(L"hello", 6, reserved.GetBuffer(10, false));
+    reserved.GetBuffer(5, true);
+    ExpectText(L"hello", reserved);
 
     MString fresh;
     EXPECT_STREQ(L"", fresh.GetBuffer(4, false));
