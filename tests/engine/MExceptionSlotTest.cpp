@@ -20,8 +20,12 @@ TEST(MExceptionSlot, HandlesShareOneException)
 TEST(MExceptionSlot, HandlesMayBeCopiedAndDroppedOnDifferentThreads)
 {
     const MExceptionSlot slot = NewSlot();
-    RunOnThreads(4, [&](int) {
-        for (int i = 0; i < 100000; ++i)
+    std::atomic<int> ready{0};
+    RunOnThreads(2, [&](int) {
+        ++ready;
+        while (ready < 2)
+            Sleep(0);
+        for (int i = 0; i < 1000000; ++i)
             MExceptionSlot copy(slot);
     });
 }
