@@ -127,6 +127,10 @@ TEST_F(XmlEdit, NodesAddedWithoutARecord)
         {L"<a><b/><c/></a>", "fef", XmlNodeElement, L"x", L"x", L"<a><b/><x/><c/></a>"},
         {L"<a/>", "", XmlNodeDoctype, L"<!D b>", L"b", L"<!D b>\n<a/>", XmlAddBefore},
     });
+    Go(L"<a><b/><c/></a>", "fef");
+    EXPECT_TRUE(document.AddNode(XmlNodeComment, L"-", 0));
+    EXPECT_TRUE(document.AddElement(L"x", nullptr, XmlAddBefore));
+    Expect(L"<a><b/><x/>\n<!----->\n<c/></a>", "");
     // Here too a line break comes in front, and is taken for the node's beginning.
     Go(L"<a></a>", "fe");
     EXPECT_TRUE(document.AddNode(XmlNodeText, L"xy", 0));

@@ -69,4 +69,5 @@ TEST(XmlMemory, FailedGrowthKeepsTheRecords)
     }
     EXPECT_EQ(records[99].start, 7);
     EXPECT_EQ(records.Capacity(), 3 * MXmlRecordStore::SegmentRecords);
+    EXPECT_EQ(records.SegmentSlots(), 4);
 }

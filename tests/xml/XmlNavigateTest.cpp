@@ -42,7 +42,7 @@ TEST_F(XmlNavigate, FindsByNameOrTheVeryNext)
 
 TEST_F(XmlNavigate, LevelsKeepTheirPlaceAndPositionsAreOfThreeKinds)
 {
-    document.LoadText(L"<r><a><b/><c/></a></r>");
+    document.LoadText(L"<r><a><b/><c/></a><d/></r>");
     EXPECT_FALSE(document.EnterElement());
     EXPECT_FALSE(document.LeaveElement());
     EXPECT_TRUE(document.SavePosition(L"top"));
@@ -62,6 +62,8 @@ TEST_F(XmlNavigate, LevelsKeepTheirPlaceAndPositionsAreOfThreeKinds)
     ExpectPosition(1, 2, 0);
     EXPECT_TRUE(document.RestorePosition(L"child"));
     ExpectPosition(1, 2, 4);
+    EXPECT_TRUE(document.FindElement());
+    ExpectPosition(1, 5, 0);
     EXPECT_TRUE(document.RestorePosition(L"top"));
     ExpectPosition(0, 0, 0);
     EXPECT_FALSE(document.RestorePosition(L"none"));
@@ -115,6 +117,13 @@ TEST(XmlFindAttribute, LeavesTheCursorWhereItSays)
     cursor.next = 1;
     ASSERT_TRUE(MXmlMarkup::FindAttribute(cursor, nullptr, 2));
     EXPECT_TRUE(cursor.start == 13 && cursor.end == 13 && !cursor.Quoted());
+    // Back on a name without a value, from whatever follows it.
+    for (const std::wstring bare : {L"<t a 'quoted' b='1'/>", L"<t a ="}) {
+        MXmlTokenCursor onName(bare.c_str(), static_cast<std::int32_t>(bare.size()), 0);
+        onName.next = 1;
+        ASSERT_TRUE(MXmlMarkup::FindAttribute(onName, L"a", 0));
+        EXPECT_TRUE(onName.start == 3 && onName.end == 3 && onName.next == 4 && !onName.Quoted());
+    }
 }
 
 TEST_F(XmlNavigate, DataIsTextAndCdataButNotTheRest)
