@@ -67,7 +67,10 @@ template <class T, class Write, class Read>
 void ExpectIntegersBack(Write write, Read read)
 {
     typedef std::numeric_limits<T> Limits;
-    const std::vector<T> values = {Limits::min(), Limits::max(), 0, 1, static_cast<T>(-1)};
+    std::vector<T> values = {Limits::min(), Limits::max(), 0, 1, static_cast<T>(-1)};
+    std::mt19937 random(1);
+    for (int i = 0; i < 50; ++i)
+        values.push_back(static_cast<T>(random()));
     EXPECT_EQ(values, (Back<Xml>(values, write, read)));
     EXPECT_EQ(values, (Back<Registry>(values, write, read)));
 }
@@ -100,6 +103,22 @@ void ExpectClose(const std::vector<T>& values, const std::vector<T>& results, do
     }
 }
 
+template <class Filer>
+void ExpectTextsBack()
+{
+    std::wstring all;
+    for (int unit = 1; unit < 0x10000; ++unit)
+        all += static_cast<wchar_t>(unit);
+    for (const wchar_t* text :
+         {all.c_str(), L"", L" ", L"]]>", L"<![CDATA[x]]>", L"&lt;&#65;", L"\r\n a\t\r\n"}) {
+        Filer out;
+        MString result;
+        EXPECT_TRUE(out.WriteString(L"v", text));
+        EXPECT_TRUE(out.Reader()->ReadString(L"v", result, L"default"));
+        EXPECT_STREQ(text, result.c_str());
+    }
+}
+
 } // namespace
 
 TEST(RoundTrip, IntegersAndCharactersAreKept)
@@ -114,6 +133,8 @@ TEST(RoundTrip, IntegersAndCharactersAreKept)
         if (!std::iswspace(static_cast<std::wint_t>(code)))
             characters.push_back(static_cast<char>(code));
     EXPECT_EQ(characters, (Back<Xml>(characters, &Out::WriteChar, &In::ReadChar)));
+    characters.insert(characters.end(), {'\0', ' ', '\n', '\x85', '\xA0'});
+    EXPECT_EQ(characters, (Back<Registry>(characters, &Out::WriteChar, &In::ReadChar)));
 }
 
 TEST(RoundTrip, FloatsKeepTheirBitsInXmlAndSevenDigitsInTheRegistry)
@@ -140,17 +161,8 @@ TEST(RoundTrip, DoublesKeepSixteenDigitsInXmlAndFifteenInTheRegistry)
     EXPECT_EQ(infinity, back[2]); // rounded up to sixteen digits
 }
 
-TEST(RoundTrip, TextIsKeptInXml)
+TEST(RoundTrip, TextIsKept)
 {
-    std::wstring all;
-    for (int unit = 1; unit < 0x10000; ++unit)
-        all += static_cast<wchar_t>(unit);
-    for (const wchar_t* text :
-         {all.c_str(), L" ", L"]]>", L"<![CDATA[x]]>", L"&lt;&#65;", L"\r\n a\t\r\n"}) {
-        Xml out;
-        MString result;
-        EXPECT_TRUE(out.WriteString(L"v", text));
-        EXPECT_TRUE(out.Reader()->ReadString(L"v", result, L"default"));
-        EXPECT_STREQ(text, result.c_str());
-    }
+    ExpectTextsBack<Xml>();
+    ExpectTextsBack<Registry>();
 }
