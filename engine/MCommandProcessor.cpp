@@ -6,15 +6,29 @@
 #include "engine/FailureGuard.h"
 #include "foundation/MException.h"
 
+#include <utility>
+
 #include <windows.h>
 
 const wchar_t MCommandProcessor::className[] = L"MCommandProcessor";
 
+// The functors are owned before anything can fail.
 MCommandProcessor::MCommandProcessor(IThreadErrorHandler* errorHandler,
                                      MCallbackFunctor* startFunctor, MCallbackFunctor* stopFunctor,
                                      MCallbackFunctor* idleFunctor, std::uint32_t idleTimeoutMs)
-    : MEngineThread(errorHandler), startFunctor(startFunctor), stopFunctor(stopFunctor),
-      idleFunctor(idleFunctor), idleTimeoutMs(idleTimeoutMs ? idleTimeoutMs : waitForEver),
+    : MCommandProcessor(errorHandler, MCallbackFunctorPtr(startFunctor),
+                        MCallbackFunctorPtr(stopFunctor), MCallbackFunctorPtr(idleFunctor),
+                        idleTimeoutMs)
+{
+}
+
+MCommandProcessor::MCommandProcessor(IThreadErrorHandler* errorHandler,
+                                     MCallbackFunctorPtr startFunctor,
+                                     MCallbackFunctorPtr stopFunctor,
+                                     MCallbackFunctorPtr idleFunctor, std::uint32_t idleTimeoutMs)
+    : MEngineThread(errorHandler), startFunctor(std::move(startFunctor)),
+      stopFunctor(std::move(stopFunctor)), idleFunctor(std::move(idleFunctor)),
+      idleTimeoutMs(idleTimeoutMs ? idleTimeoutMs : waitForEver),
       commandQueue(new MThreadSafeFifo<MCommand*, MCommand*>), abortEvent(EventReset::Manual)
 {
     static MFlowLocation location(className, className);

@@ -57,6 +57,10 @@ protected:
     void OnStop() override;
 
 private:
+    MCommandProcessor(IThreadErrorHandler* errorHandler, MCallbackFunctorPtr startFunctor,
+                      MCallbackFunctorPtr stopFunctor, MCallbackFunctorPtr idleFunctor,
+                      std::uint32_t idleTimeoutMs);
+
     void Abort();
     void OnCommandQueued();
     bool ExecuteNext();
