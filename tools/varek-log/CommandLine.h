@@ -1,0 +1,30 @@
+#pragma once
+
+#include "tools/varek-log/RecordFilter.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <vector>
+
+/// A command line that cannot be obeyed, told in a few words.
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// What the user asks for. Arguments are paths, because that is what the system can always pass.
+struct CommandLine {
+    static const char help[];
+
+    std::filesystem::path dump = "-"; ///< "-" is standard input
+    std::filesystem::path trace;      ///< where trace events go: empty for nowhere, "-" for output
+    RecordFilter filter;
+    bool showTree = false;
+    bool showHelp = false;
+    bool showVersion = false;
+
+    /// Raises `UsageError`.
+    static CommandLine Parse(const std::vector<std::filesystem::path>& arguments);
+
+    /// Whether the summary is what is left to print.
+    bool ShowSummary() const { return !showTree && trace.empty(); }
+};
