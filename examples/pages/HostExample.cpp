@@ -36,6 +36,12 @@ void RunHost()
     Shutdown(); // 3. stops them, for good
 }
 
+void Dump(std::ostream& stream)
+{
+    MFlowLogger::GetInstance()->GetImplementation()->DumpToStream(stream);
+    MFlowLogger::GetInstance()->GetImplementation()->DumpToFile(); // C:\Temp\DebugDump.log
+}
+
 } // namespace
 
 TEST(HostExample, JoinsTheLogStartsAndStops)
@@ -43,7 +49,7 @@ TEST(HostExample, JoinsTheLogStartsAndStops)
     LeakCheck::Skip(); // the module keeps its own state until it is unloaded
     RunHost();
     std::ostringstream stream;
-    MFlowLogger::GetInstance()->GetImplementation()->DumpToStream(stream);
+    Dump(stream);
     const std::string dump = stream.str();
     EXPECT_EQ(0u, dump.find("%% Reference time: "));
     EXPECT_NE(std::string::npos, dump.find("% State_change to Running in_class MEngineThread"));

@@ -19,20 +19,7 @@ class Pump
 public:
     static const wchar_t className[];
 
-    // A traced function.
-    int Drain(int litres)
-    {
-        static MFlowLocation location(className, L"Drain");
-        MFlowScope scope(location.SetObject(this)); // recorded again when the block is left
-
-        if (litres > level) {
-            MError error;
-            location.SetObject(this).SetLine(__LINE__).RaiseRootError(error, L"RunsDry");
-            error.AddParameter(L"level", level);
-            location.Throw(error);
-        }
-        return level -= litres;
-    }
+    int Drain(int litres);
 
 private:
     int level = 100;
@@ -41,27 +28,32 @@ private:
 const wchar_t Pump::className[] = L"Pump";
 const ClassName pumpName(Pump::className);
 
-// An event: plain data, fired on the scheduler thread.
-class DrainedEvent final : public MDesyncEvent
+int Pump::Drain(int litres)
 {
-public:
-    DrainedEvent(int level, volatile int* display) : level(level), display(display) {}
+    static MFlowLocation location(className, L"Drain");
+    MFlowScope scope(location.SetObject(this)); // recorded again when the block is left
 
-    void Fire() override { *display = level; }
+    if (litres > level) {
+        MError error;
+        location.SetObject(this).SetLine(__LINE__).RaiseRootError(error, L"RunsDry");
+        error.AddParameter(L"level", level);
+        location.Throw(error);
+    }
+    return level -= litres;
+}
 
-private:
-    int level;
-    volatile int* display;
+struct Display {
+    void Show(int newLevel) { level = newLevel; }
+    void Show(const MString& newFailure) { failure = newFailure; }
+
+    volatile int level = 0;
+    MString failure;
 };
 
-// A command: its input, and where its result goes.
 class DrainCommand : public MCommandSynchronous
 {
 public:
-    DrainCommand(const MExceptionSlot& slot, Pump& pump, int litres, int& level)
-        : MCommandSynchronous(slot), pump(pump), litres(litres), level(level)
-    {
-    }
+    DrainCommand(const MExceptionSlot& slot, Pump& pump, int litres, int& level);
 
 private:
     void Execute() override { level = pump.Drain(litres); }
@@ -71,12 +63,38 @@ private:
     int& level;
 };
 
-MExceptionSlot Drain(MCommandProcessor& processor, Pump& pump, int litres, int& level)
+DrainCommand::DrainCommand(const MExceptionSlot& slot, Pump& pump, int litres, int& level)
+    : MCommandSynchronous(slot), pump(pump), litres(litres), level(level)
+{
+}
+
+void Drain(MCommandProcessor& processor, Pump& pump, int& level, Display* display)
 {
     const MExceptionSlot slot(std::auto_ptr<MException>(new MException));
     processor.ExecuteSynchronously(
-        std::auto_ptr<MCommandSynchronous>(new DrainCommand(slot, pump, litres, level)));
-    return slot; // an empty chain means success, otherwise the last entry is the failure
+        std::auto_ptr<MCommandSynchronous>(new DrainCommand(slot, pump, 80, level)));
+    const int errors = static_cast<int>(slot->GetErrorCount()); // the last one is the failure
+    if (errors != 0)
+        display->Show(slot->GetError(errors - 1)->GetCode()); // Pump.Drain:RunsDry
+}
+
+class DrainedEvent final : public MDesyncEvent
+{
+public:
+    DrainedEvent(int level, Display* display);
+
+    void Fire() override { display->Show(level); }
+
+private:
+    int level;
+    Display* display;
+};
+
+DrainedEvent::DrainedEvent(int level, Display* display) : level(level), display(display) {}
+
+void Announce(MDesyncEventScheduler& scheduler, int level, Display* display)
+{
+    scheduler.ScheduleDesyncEvent(new DrainedEvent(level, display));
 }
 
 } // namespace
@@ -89,19 +107,18 @@ TEST(ReadmeExample, CommandEventAndTracedFunction)
     processor.Start();
     scheduler.Enable();
 
+    Display display;
     int level = 0;
-    EXPECT_EQ(0u, Drain(processor, pump, 30, level)->GetErrorCount());
-    EXPECT_EQ(70, level);
+    Drain(processor, pump, level, &display);
+    EXPECT_TRUE(display.failure.IsEmpty());
+    EXPECT_EQ(20, level);
+    Drain(processor, pump, level, &display);
+    EXPECT_STREQ(L"Pump.Drain:RunsDry", display.failure.c_str());
 
-    const MExceptionSlot slot = Drain(processor, pump, 80, level);
-    ASSERT_EQ(1u, slot->GetErrorCount());
-    EXPECT_STREQ(L"Pump.Drain:RunsDry", slot->GetError(0)->GetCode().c_str());
-
-    volatile int display = 0;
-    scheduler.ScheduleDesyncEvent(new DrainedEvent(level, &display));
+    Announce(scheduler, level, &display);
     processor.Stop();
-    while (display == 0)
+    while (display.level == 0)
         SwitchToThread();
     scheduler.Disable();
-    EXPECT_EQ(70, display);
+    EXPECT_EQ(20, display.level);
 }
