@@ -1,13 +1,18 @@
 # varek_add_module(NAME sources...)
 #
 # Builds NAME.dll: a module with the framework, the three exported functions of Varek::Runtime and
-# the ordered static start-up already in place. Without sources it is the bare runtime.
+# the ordered static start-up already in place. It says of which version it is if the project has
+# one.
+set(VAREK_VERSION_TEMPLATE ${CMAKE_CURRENT_LIST_DIR}/version.rc.in)
+
 function(varek_add_module NAME)
-    add_library(${NAME} SHARED
-        ${ARGN}
-        ${PROJECT_SOURCE_DIR}/module/Runtime.cpp
-        ${PROJECT_SOURCE_DIR}/module/DllMain.cpp)
-    target_link_libraries(${NAME} PRIVATE varek_framework varek_warnings)
-    target_compile_definitions(${NAME} PRIVATE VAREK_BUILDING_MODULE)
-    set_target_properties(${NAME} PROPERTIES PREFIX "")
+    add_library(${NAME} SHARED ${ARGN})
+    target_link_libraries(${NAME} PRIVATE Varek::module)
+    set_target_properties(${NAME} PROPERTIES PREFIX "" LINKER_LANGUAGE CXX)
+    if(PROJECT_VERSION)
+        string(REPLACE "." "," numbers ${PROJECT_VERSION}.0.0.0)
+        string(REGEX MATCH "^[0-9]+,[0-9]+,[0-9]+,[0-9]+" numbers ${numbers})
+        configure_file(${VAREK_VERSION_TEMPLATE} ${NAME}.rc @ONLY)
+        target_sources(${NAME} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${NAME}.rc)
+    endif()
 endfunction()

@@ -12,4 +12,10 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/wine-run ${CMAKE_BINARY_DIR})
+set(wine_run ${CMAKE_CURRENT_LIST_DIR}/wine-run)
+# Where it is installed, it also says where the package is.
+if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/VarekConfig.cmake)
+    set(Varek_DIR ${CMAKE_CURRENT_LIST_DIR})
+    cmake_path(SET wine_run NORMALIZE ${CMAKE_CURRENT_LIST_DIR}/../../../bin/wine-run)
+endif()
+set(CMAKE_CROSSCOMPILING_EMULATOR ${wine_run} ${CMAKE_BINARY_DIR})

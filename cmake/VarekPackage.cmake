@@ -1,0 +1,49 @@
+# What is installed, and the zip of it.
+include(CMakePackageConfigHelpers)
+include(VarekToolchain)
+
+set(package_folder lib/cmake/Varek)
+
+# Outside they have the names by which they are known inside.
+set_target_properties(varek PROPERTIES EXPORT_NAME runtime)
+foreach(part IN ITEMS framework language module)
+    set_target_properties(varek_${part} PROPERTIES EXPORT_NAME ${part})
+endforeach()
+install(TARGETS varek varek_framework varek_language varek_module
+    EXPORT VarekTargets
+    OBJECTS DESTINATION lib
+    INCLUDES DESTINATION include/varek)
+install(TARGETS varek-log)
+install(EXPORT VarekTargets NAMESPACE Varek:: DESTINATION ${package_folder})
+
+install(DIRECTORY diagnostics engine filers foundation module xml
+    DESTINATION include/varek
+    FILES_MATCHING PATTERN "*.h")
+
+configure_package_config_file(
+    cmake/VarekConfig.cmake.in ${CMAKE_BINARY_DIR}/VarekConfig.cmake
+    INSTALL_DESTINATION ${package_folder})
+write_basic_package_version_file(
+    ${CMAKE_BINARY_DIR}/VarekConfigVersion.cmake
+    COMPATIBILITY SameMinorVersion
+    ARCH_INDEPENDENT)
+install(FILES
+    ${CMAKE_BINARY_DIR}/VarekConfig.cmake
+    ${CMAKE_BINARY_DIR}/VarekConfigVersion.cmake
+    cmake/mingw-w64.cmake
+    cmake/VarekModule.cmake
+    cmake/VarekToolchain.cmake
+    cmake/version.rc.in
+    DESTINATION ${package_folder})
+install(PROGRAMS cmake/wine-run DESTINATION bin)
+install(FILES CHANGELOG.md DESTINATION share/doc/varek)
+install(DIRECTORY examples/tutorial DESTINATION share/doc/varek)
+
+add_custom_target(sdk DEPENDS varek varek_framework varek_module varek-log)
+
+set(CPACK_GENERATOR ZIP)
+set(CPACK_PACKAGE_FILE_NAME varek-${PROJECT_VERSION}-windows-x86_64)
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_SOURCE_DIR}/build)
+set(CPACK_INCLUDE_TOPLEVEL_DIRECTORY OFF)
+set(CPACK_PACKAGING_INSTALL_PREFIX /varek)
+include(CPack)
