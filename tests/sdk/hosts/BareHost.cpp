@@ -1,0 +1,8 @@
+// A host of varek.dll without a framework of its own.
+
+#include "module/Runtime.h"
+
+int main()
+{
+    Varek::Runtime::Shutdown();
+}

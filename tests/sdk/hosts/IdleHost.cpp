@@ -1,0 +1,3 @@
+// A host that asks nothing of the framework, and still gets its static start-up.
+
+int main() {}
