@@ -1,5 +1,6 @@
 #include "tools/varek-log/CommandLine.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 
@@ -74,6 +75,21 @@ bool IsOption(const std::string& argument)
     return argument.size() > 1 && argument[0] == '-';
 }
 
+/// What reads as an address may still be a name.
+void SetObject(RecordFilter& filter, const std::string& object)
+{
+    std::string_view digits = object;
+    if (digits.substr(0, 2) == "0x")
+        digits.remove_prefix(2);
+    std::uint64_t address = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [behind, error] = std::from_chars(digits.data(), end, address, 16);
+    filter.object = object;
+    filter.address.reset();
+    if (error == std::errc() && behind == end)
+        filter.address = address;
+}
+
 void TakeOption(CommandLine& line, const std::string& option, Arguments& arguments)
 {
     if (option == "--tree")
@@ -85,7 +101,7 @@ void TakeOption(CommandLine& line, const std::string& option, Arguments& argumen
     else if (option == "--class")
         line.filter.className = arguments.TakeTextOf(option);
     else if (option == "--object")
-        line.filter.object = arguments.TakeTextOf(option);
+        SetObject(line.filter, arguments.TakeTextOf(option));
     else if (option == "--from")
         line.filter.from = arguments.TakeMicrosecondsOf(option);
     else if (option == "--to")

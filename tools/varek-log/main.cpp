@@ -1,4 +1,11 @@
 #include "tools/varek-log/CommandLine.h"
+#include "tools/varek-log/DumpReader.h"
+#include "tools/varek-log/ScopeTree.h"
+#include "tools/varek-log/Summary.h"
+#include "tools/varek-log/TextFile.h"
+#include "tools/varek-log/Timelines.h"
+#include "tools/varek-log/TraceEvents.h"
+#include "tools/varek-log/Utf8.h"
 
 #include <iostream>
 
@@ -7,19 +14,49 @@ namespace
 
 enum ExitCode { Done = 0, Failed = 1, Usage = 2 };
 
-ExitCode Run(const CommandLine& line)
+void Print(std::string_view text)
+{
+    TextFile::Write("-", text);
+}
+
+void ShowFindings(const Findings& findings)
+{
+    for (const std::string& sentence : findings.Sentences())
+        std::cerr << "varek-log: " << sentence << "\n";
+}
+
+void ShowDump(const CommandLine& line)
+{
+    Dump dump = DumpReader::Read(Utf8::FromFile(TextFile::Read(line.dump)));
+    std::vector<Timeline> timelines = Timelines::Of(dump);
+    Timelines::Keep(line.filter, dump.names, timelines);
+
+    if (line.showTree)
+        Print(ScopeTree::Compose(dump, timelines));
+    if (!line.trace.empty())
+        TextFile::Write(line.trace,
+                        TraceEvents::Compose(dump, timelines, line.dump.filename().u8string()));
+    if (line.ShowSummary())
+        Print(Summary::Compose(dump, line.filter));
+    else
+        ShowFindings(dump.findings);
+}
+
+void Obey(const CommandLine& line)
 {
     if (line.showHelp)
-        std::cout << CommandLine::help;
+        Print(CommandLine::help);
     else if (line.showVersion)
-        std::cout << "varek-log " VAREK_VERSION "\n";
-    return Done;
+        Print("varek-log " VAREK_VERSION "\n");
+    else
+        ShowDump(line);
 }
 
 ExitCode Run(const std::vector<std::filesystem::path>& arguments)
 {
     try {
-        return Run(CommandLine::Parse(arguments));
+        Obey(CommandLine::Parse(arguments));
+        return Done;
     } catch (const UsageError& error) {
         std::cerr << "varek-log: " << error.what() << "\n" << CommandLine::help;
         return Usage;

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+
+/// One event of a dump: the raw numbers of its second line. `DumpNames` knows what they mean.
+struct DumpRecord {
+    std::int64_t time;     ///< microseconds since the oldest record
+    std::uint64_t object;  ///< address, or 0
+    std::int32_t kind;     ///< see EventKind
+    std::int32_t param1;   ///< code of an error, new state, message, or the caller's own
+    std::int32_t param2;   ///< source line for most kinds
+    std::int32_t classId;  ///< of the code that raised the event
+    std::int32_t pointId;  ///< function, or point in it
+    std::int32_t threadId; ///< 0 when the record was still being written
+};

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// How numbers and columns look in what the viewer prints.
+namespace TextForms
+{
+
+/// Seconds with six digits, negative ones in the usual reading: "-0.250000".
+std::string Seconds(std::int64_t microseconds);
+
+/// Sixteen upper-case hexadecimal digits, as in a dump.
+std::string Address(std::uint64_t address);
+
+/// Filled with blanks to `width` characters, at the front or the back.
+std::string AlignRight(const std::string& text, std::size_t width);
+std::string AlignLeft(const std::string& text, std::size_t width);
+
+} // namespace TextForms
