@@ -72,7 +72,7 @@ std::string DumpNames::Parameter(const DumpRecord& record) const
 {
     const std::string number = std::to_string(record.param1);
     if (EventKind::IsError(record.kind))
-        return NameOr(unknown, ids, record.param1);
+        return record.param1 == 0 ? none : NameOr(unknown, ids, record.param1);
     if (record.kind == EventKind::StateChange)
         return NameOr("state_" + number, states, StateKey(record));
     if (record.kind == EventKind::MessageSend)

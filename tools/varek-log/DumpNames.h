@@ -24,7 +24,8 @@ public:
     const std::string& Function(const DumpRecord& record) const;
 
     /// Code of an error, name of a state or of a message that was sent; "(unknown)", "state_7" and
-    /// "7" where there is none. Empty for other kinds.
+    /// "7" where there is none. Empty for errors without a code, as dismissed ones are, and for
+    /// other kinds.
     std::string Parameter(const DumpRecord& record) const;
 
 private:

@@ -98,9 +98,12 @@ void Summary::AddEvents()
 {
     AddHeading("   Events  Class");
     for (const EventCounts::OfClass& counts : events.ByClass(dump.names)) {
-        text += Number(counts.total) + "  " + counts.name + ":";
-        for (const auto& [kind, count] : counts.byKind)
-            text += " " + std::string(kind) + " " + std::to_string(count);
+        text += Number(counts.total) + "  " + counts.name;
+        std::string separator = ": ";
+        for (const auto& [kind, count] : counts.byKind) {
+            text += separator + std::string(kind) + " " + std::to_string(count);
+            separator = ", ";
+        }
         text += "\n";
     }
 }

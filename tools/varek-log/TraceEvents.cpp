@@ -111,7 +111,7 @@ void TraceEvents::AddEvent(const TimelineEntry& event)
     json.Key("args").BeginObject();
     if (record.classId != 0)
         json.Key("place").Text(Description::Place(record, dump.names));
-    if (EventKind::IsError(record.kind))
+    if (EventKind::IsError(record.kind) && record.param1 != 0)
         json.Key("code").Text(dump.names.Parameter(record));
     if (record.kind == EventKind::StateChange)
         json.Key("state").Text(dump.names.Parameter(record));

@@ -24,8 +24,8 @@
 ///
 /// The args of both: "object", such as "0x000000001D2C5A40", unless it is null; "objectName", if it
 /// has one; "param1" and "param2", raw, unless both are 0 or the second is the line. Besides, of
-/// events: "place", which is "Class.Function", if there is one; "code" of errors; "state" of
-/// changes of state; "line" where there is one.
+/// events: "place", which is "Class.Function", if there is one; "code" of errors that have one;
+/// "state" of changes of state; "line" where there is one.
 ///
 /// Times are whole microseconds, as in the dump, where the oldest record is 0; should one be
 /// earlier all are moved to begin with 0. Slices of a thread nest strictly.
