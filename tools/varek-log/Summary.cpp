@@ -65,7 +65,7 @@ void Summary::AddSpan()
             " seconds";
     text += passed == all ? "\n" : ", of which " + std::to_string(passed) + " pass the filters\n";
     if (dump.start) {
-        AddHeading("   Seconds  Wall clock where the dump was written");
+        AddHeading("      Seconds  Wall clock where the dump was written");
         AddWallClock(dump.reference, "start of the recorder");
         AddWallClock(dump.Begin(), "first record");
         AddWallClock(dump.End(), "last record");

@@ -19,6 +19,16 @@ void Print(std::string_view text)
     TextFile::Write("-", text);
 }
 
+Dump ReadDump(const std::filesystem::path& file)
+{
+    const std::string text = Utf8::FromFile(TextFile::Read(file));
+    try {
+        return DumpReader::Read(text);
+    } catch (const NotADump& error) {
+        throw std::runtime_error(file.u8string() + ": " + error.what());
+    }
+}
+
 void ShowFindings(const Findings& findings)
 {
     for (const std::string& sentence : findings.Sentences())
@@ -27,7 +37,7 @@ void ShowFindings(const Findings& findings)
 
 void ShowDump(const CommandLine& line)
 {
-    Dump dump = DumpReader::Read(Utf8::FromFile(TextFile::Read(line.dump)));
+    Dump dump = ReadDump(line.dump);
     std::vector<Timeline> timelines = Timelines::Of(dump);
     Timelines::Keep(line.filter, dump.names, timelines);
 
