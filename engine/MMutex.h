@@ -17,8 +17,6 @@ public:
     /// Waits for the lock. False only when there was no memory for a lock at construction: such a
     /// mutex locks nothing.
     bool Lock();
-
-    /// Once for each successful `Lock`, on the same thread.
     void Unlock();
 
 private:

@@ -7,7 +7,6 @@
 class MErrorOutOfMemory : public MError
 {
 public:
-    /// The record of this class.
     static const MDynClass dynClass;
 
     const MDynClass* GetDynClass() const override;

@@ -12,145 +12,115 @@
 
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
 namespace
 {
 
-const wchar_t className[] = L"FlowTester";
-
-struct LogPair : testing::Test {
-    KLogger ourCore;
-    KLogger theirCore;
-    MKLoggerAdapter ours{&ourCore};
-    MKLoggerAdapter theirs{&theirCore};
-
-    static void LogOne(MKLoggerAdapter& adapter)
-    {
-        adapter.LogEvent(FlowEventTimingPoint, 1, 2, 3, 4, nullptr);
-    }
-};
-
 typedef std::vector<std::int64_t> Numbers;
 
-Numbers Kinds(KLogger& core)
-{
-    Numbers kinds;
-    for (const DumpedRecord& record : ReadDump(TakeDump(core)))
-        kinds.push_back(record.numbers[0]);
-    return kinds;
-}
+/// A logger on a core of its own.
+struct Log {
+    void LogOne() { adapter.LogEvent(FlowEventStateChange, 1, 2, 3, 4, nullptr); }
 
-std::vector<DumpedRecord> ModuleRecordsOf(const void* object)
-{
-    const auto address = static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(object));
-    std::vector<DumpedRecord> found;
-    for (const DumpedRecord& record :
-         ReadDump(TakeDump(*MFlowLogger::GetInstance()->GetImplementation())))
-        if (record.numbers[5] == address)
-            found.push_back(record);
-    return found;
-}
+    Numbers Kinds()
+    {
+        Numbers kinds;
+        for (const DumpedRecord& record : ReadDump(TakeDump(core)))
+            kinds.push_back(record.numbers[0]);
+        return kinds;
+    }
 
-/// The kind and the two parameters.
-Numbers FirstNumbers(const DumpedRecord& record)
-{
-    return Numbers(record.numbers.begin(), record.numbers.begin() + 3);
-}
+    KLogger core;
+    MKLoggerAdapter adapter{&core};
+    MFlowLogger logger{&adapter};
+};
 
 } // namespace
 
-TEST_F(LogPair, EventIndexesBecomeKinds)
+TEST(MKLoggerAdapter, EventIndexesBecomeKinds)
 {
+    Log log;
     for (std::uint32_t index = FlowEventFirstPoint; index <= FlowEventMessageReceive; ++index)
-        ours.LogEvent(index, 0, 0, 0, 0, nullptr);
+        log.adapter.LogEvent(index, 0, 0, 0, 0, nullptr);
     EXPECT_EQ((Numbers{0, -105, -104, -103, -14, -13, -25, -7, -8, 0, -102, -101, -21, -20}),
-              Kinds(ourCore));
+              log.Kinds());
 }
 
-TEST_F(LogPair, AttachedLogReceivesEventsAndNames)
+TEST(MKLoggerAdapter, AttachedLogReceivesEventsAndNames)
 {
-    ours.RegisterClassName(3, L"Before");
-    ours.AttachLogger(&theirs);
-    ours.RegisterFunctionName(3, 4,
-                              L"Af\x0174"
-                              L"er"); // cut to its low bits: 't'
-    LogOne(ours);
-    LogOne(theirs);
-
-    EXPECT_EQ((Numbers{-202, 0}), Kinds(ourCore));
-    EXPECT_EQ((Numbers{-202, 0, 0}), Kinds(theirCore));
-    EXPECT_EQ(0u,
-              DumpedTexts(theirCore)[1].find("% Timing_point (1, 2) in_class Before at After "));
+    Log ours, theirs;
+    ours.adapter.RegisterClassName(3, L"Before");
+    ours.logger.Attach(&theirs.logger);
+    ours.adapter.RegisterFunctionName(3, 4,
+                                      L"Af\x0174"
+                                      L"er"); // cut to its low bits: 't'
+    ours.adapter.RegisterStateName(3, 1, L"Open");
+    ours.adapter.RegisterObjectName(nullptr, L"nothing");
+    ours.adapter.RegisterThreadName(L"tester");
+    ours.LogOne();
+    theirs.LogOne();
+    EXPECT_EQ((Numbers{-202, -25}), ours.Kinds());
+    EXPECT_EQ((Numbers{-202, -25, -25}), theirs.Kinds());
+    EXPECT_EQ(
+        "% State_change to Open in_class Before at After for_object 0000000000000000 (nothing)"
+        " in_thread " +
+            std::to_string(GetCurrentThreadId()) + " (tester)",
+        DumpedTexts(theirs.core)[1]);
 }
 
-TEST_F(LogPair, NullAndForeignLoggersDetachOnceAndAnAttachedOneReplaces)
+TEST(MKLoggerAdapter, NullAndForeignLoggersDetachOnceAndAnAttachedOneReplaces)
 {
+    Log ours, theirs, third;
     ForeignLogger foreign;
-    KLogger thirdCore;
-    MKLoggerAdapter third(&thirdCore);
-    ours.AttachLogger(nullptr);
-    ours.AttachLogger(&third);
-    ours.AttachLogger(&theirs);
-    ours.AttachLogger(&foreign);
-    ours.AttachLogger(nullptr);
-    LogOne(ours);
-    EXPECT_EQ((Numbers{-202, -202, -201, 0}), Kinds(ourCore));
-    EXPECT_EQ((Numbers{-202, -201}), Kinds(theirCore));
-    EXPECT_EQ((Numbers{-202}), Kinds(thirdCore));
-}
-
-TEST_F(LogPair, LogAttachedToItselfRecordsTwice)
-{
-    ours.AttachLogger(&ours);
-    LogOne(ours);
-    EXPECT_EQ((Numbers{-202, -202, 0, 0}), Kinds(ourCore));
-}
-
-TEST_F(LogPair, HolderAttachesWhatAnotherHolds)
-{
-    MFlowLogger our(&ours);
-    MFlowLogger their(&theirs);
+    MFlowLogger foreigner(&foreign);
     MFlowLogger* const none = NullObject<MFlowLogger>();
-    none->Attach(&their);
-    our.Attach(&their);
-    our.Attach(none);
-    EXPECT_EQ((Numbers{-202, -201}), Kinds(theirCore));
+    none->Attach(&theirs.logger);
+    ours.logger.Attach(none);
+    ours.logger.Attach(&third.logger);
+    ours.logger.Attach(&theirs.logger);
+    ours.logger.Attach(&foreigner);
+    ours.logger.Attach(none);
+    ours.LogOne();
+    EXPECT_EQ((Numbers{-202, -202, -201, -25}), ours.Kinds());
+    EXPECT_EQ((Numbers{-202, -201}), theirs.Kinds());
+    EXPECT_EQ((Numbers{-202}), third.Kinds());
 }
 
-TEST(MFlowLocation, RecordsSayWhereAndForWhom)
+TEST(MKLoggerAdapter, LogAttachedToItselfRecordsTwice)
 {
+    Log log;
+    log.logger.Attach(&log.logger);
+    log.LogOne();
+    EXPECT_EQ((Numbers{-202, -202, -25, -25}), log.Kinds());
+}
+
+TEST(MFlowLocation, RecordsSayWhatWhereAndForWhomAndScopesCloseAsTheyWereOpened)
+{
+    const wchar_t className[] = L"FlowTester";
+    GetDiagnosticsRegistry()->RegisterClassName(FlowId(className), className);
     int object = 0;
     MFlowLocation location(className, L"Trace");
-    GetDiagnosticsRegistry()->RegisterClassName(FlowId(className), className);
-    location.SetObject(&object);
-    location.LogConstruction();
+    location.SetObject(&object).LogConstruction();
     location.SetLine(77).LogDestruction();
     location.LogStateChange(2, 9);
     location.LogTimingPoint(5, 6);
-
-    const std::vector<DumpedRecord> records = ModuleRecordsOf(&object);
-    ASSERT_EQ(4u, records.size());
-    const Numbers expected[] = {{-14, 0, -1}, {-13, 0, 77}, {-25, 2, 9}, {0, 5, 6}};
-    for (std::size_t i = 0; i < records.size(); ++i) {
-        EXPECT_NE(std::string::npos, records[i].text.find(" in_class FlowTester at Trace "));
-        EXPECT_EQ(expected[i], FirstNumbers(records[i]));
-    }
-}
-
-TEST(MFlowScope, ClosesAsItWasOpenedByReturnAndByException)
-{
-    int object = 0;
-    int other = 0;
-    static MFlowLocation location(className, L"Scope");
     try {
         MFlowScope unopened;
-        MFlowScope scope(location.SetObject(&object), 1, 2);
-        location.SetObject(&other);
+        MFlowScope scope(location, 1, 2);
+        location.SetObject(nullptr);
         throw 1;
     } catch (int) {
     }
-    const std::vector<DumpedRecord> records = ModuleRecordsOf(&object);
-    ASSERT_EQ(2u, records.size());
-    EXPECT_EQ((Numbers{-7, 1, 2}), FirstNumbers(records[0]));
-    EXPECT_EQ((Numbers{-8, 1, 2}), FirstNumbers(records[1]));
-    EXPECT_TRUE(ModuleRecordsOf(&other).empty());
+
+    std::vector<Numbers> seen;
+    for (const DumpedRecord& record :
+         ReadDump(TakeDump(*MFlowLogger::GetInstance()->GetImplementation())))
+        if (reinterpret_cast<const void*>(record.numbers[5]) == &object) {
+            EXPECT_NE(std::string::npos, record.text.find(" in_class FlowTester at Trace "));
+            seen.emplace_back(record.numbers.begin(), record.numbers.begin() + 3);
+        }
+    EXPECT_EQ((std::vector<Numbers>{
+                  {-14, 0, -1}, {-13, 0, 77}, {-25, 2, 9}, {0, 5, 6}, {-7, 1, 2}, {-8, 1, 2}}),
+              seen);
 }

@@ -4,56 +4,36 @@
 
 // That fired events are freed is seen by the check for leaks.
 
-TEST(MDesyncEventScheduler, EventsWaitForEnableKeepTheirOrderPassAFailureAndRestAfterDisable)
+TEST(MDesyncEventScheduler, EventsWaitForEnableKeepTheirOrderPassAFailureAndAreWaitedFor)
 {
     std::string diary;
-    Gate fired, last;
-    MDesyncEventScheduler scheduler(nullptr);
-    scheduler.Disable();
-    scheduler.ScheduleDesyncEvent(NewEvent([&] { diary += "1"; }));
-    scheduler.ScheduleDesyncEvent(NewEvent([] { Raise("dismissed"); }));
-    scheduler.ScheduleDesyncEvent(NewEvent([&] {
-        fired.Open();
-        diary += "2";
-    }));
-    EXPECT_EQ("", diary);
-    scheduler.Enable();
-    fired.Pass();
-    scheduler.Disable();
-    EXPECT_EQ("12", diary);
-
-    scheduler.ScheduleDesyncEvent(NewEvent([&] {
-        diary += "3";
-        last.Open();
-    }));
-    EXPECT_EQ("12", diary);
-    scheduler.Enable();
-    last.Pass();
-    EXPECT_EQ("123", diary);
-}
-
-TEST(MDesyncEventScheduler, DestroyedItWaitsForTheBurstAndLeavesAloneWhatIsQueued)
-{
-    std::string diary;
-    Gate fired;
-    FailureRecorder recorder;
-    MDesyncEvent* const queued = NewEvent([&] { diary += "queued"; });
+    const auto writing = [&](char letter) {
+        return NewEvent([&diary, letter] { diary += letter; });
+    };
+    MDesyncEvent* const dropped = writing('x');
     {
-        MDesyncEventScheduler disabled(nullptr);
-        disabled.ScheduleDesyncEvent(queued);
-        MDesyncEventScheduler enabled(&recorder);
-        enabled.Enable();
-        enabled.ScheduleDesyncEvent(NewEvent([&] {
-            fired.Open();
-            Sleep(20);
-            diary += "burst ";
-        }));
-        fired.Pass();
+        MDesyncEventScheduler disabled(nullptr), scheduler(nullptr);
+        disabled.ScheduleDesyncEvent(dropped);
+        scheduler.Disable();
+        for (const std::string before : {"", "ab", "abab"}) {
+            Gate firing;
+            scheduler.ScheduleDesyncEvent(writing('a'));
+            scheduler.ScheduleDesyncEvent(NewEvent([&] {
+                firing.Open();
+                Sleep(20);
+                Raise("dismissed");
+            }));
+            scheduler.ScheduleDesyncEvent(writing('b'));
+            EXPECT_EQ(before, diary);
+            scheduler.Enable();
+            firing.Pass();
+            if (before != "abab") // the last time it is destroyed instead
+                scheduler.Disable();
+        }
     }
-    queued->Fire();
-    EXPECT_EQ("burst queued", diary);
-    EXPECT_EQ("", recorder.failures);
-    ::operator delete(queued);
+    dropped->Fire();
+    EXPECT_EQ("abababx", diary);
+    ::operator delete(dropped);
 }
 
 TEST(MDesyncEventScheduler, WithoutMemoryTheEventStaysTheCallers)

@@ -2,47 +2,32 @@
 
 #include "tests/engine/EngineFixtures.h"
 
-namespace
-{
-
 const char diedInFlush[] = "MEngineThread.Flush:ThreadExitedUnexpectedly";
-
-/// An event of `thread` that calls `body`.
-struct ServedEvent : PlatformEvent {
-    template <class Body>
-    ServedEvent(ScriptedThread& thread, Body body) : PlatformEvent(EventReset::Automatic)
-    {
-        thread.AddEvent(*this, FunctorFor(body).release());
-    }
-};
-
-/// Starts `thread`, which is to open `served` when `event` is set.
-void ExpectServed(ScriptedThread& thread, HANDLE event, Gate& served)
-{
-    thread.Start();
-    SetEvent(event);
-    served.Pass();
-}
-
-} // namespace
 
 TEST(MEngineThread, EachLifeServesItsFlushesAndItsStopOnce)
 {
     ScriptedThread thread;
     std::string calls;
+    const Action works = thread.onStart;
+    thread.onStart = [&] {
+        Sleep(20);
+        calls = "start ";
+        works();
+    };
     thread.onFlush = [&] { calls += "flush "; };
     thread.onStop = [&] { calls += "stop "; };
     thread.Stop();
     thread.Flush();
     thread.ForceStop();
     for (int life = 0; life < 2; ++life) {
-        calls.clear();
         thread.Start();
+        EXPECT_EQ("start ", calls);
         EXPECT_EQ("MEngineThread.Start:AlreadyRunning", Raised([&] { thread.Start(); }));
         thread.Flush();
-        EXPECT_EQ("flush ", calls);
+        EXPECT_EQ("start flush ", calls);
         thread.Stop();
-        EXPECT_EQ("flush stop ", calls);
+        EXPECT_EQ("start flush stop ", calls);
+        calls.clear();
         EXPECT_FALSE(thread.IsThreadActive());
     }
 }
@@ -51,8 +36,12 @@ TEST(MEngineThread, StopOrFlushFromItsOwnThreadEndsTheThreadAndLeavesItRunning)
 {
     for (bool stops : {true, false}) {
         ScriptedThread thread;
-        const ServedEvent event(thread, [&] { stops ? thread.Stop() : thread.Flush(); });
-        ExpectServed(thread, event, thread.failed);
+        const PlatformEvent event(EventReset::Automatic);
+        const auto action = [&] { stops ? thread.Stop() : thread.Flush(); };
+        thread.AddEvent(event, FunctorFor(action).release());
+        thread.Start();
+        SetEvent(event);
+        thread.failed.Pass();
         EXPECT_EQ(stops ? "MEngineThread.Stop:CannotStopSelf;"
                         : "MEngineThread.Flush:CannotFlushSelf;",
                   thread.failures);
@@ -63,41 +52,46 @@ TEST(MEngineThread, StopOrFlushFromItsOwnThreadEndsTheThreadAndLeavesItRunning)
     }
 }
 
-// The request of a flush that failed is served by the next thread, ahead of everything else, and
-// what that leaves set satisfies the next flush at once, alive or not.
+// The request of a flush that failed is served by the next thread, ahead of a stop, and what that
+// leaves set satisfies the next flush at once, alive or not.
 TEST(MEngineThread, ThreadThatDiesAtOnceHasStartedAndLeavesItsFlushToTheNext)
 {
     ScriptedThread thread;
     std::string calls;
-    const ServedEvent early(thread, [&] { calls += "early "; });
-    const ServedEvent late(thread, [&] {
-        calls += "late";
-        Raise("dies");
-    });
     thread.onFlush = [&] { calls += "flush "; };
+    thread.onStop = [&] { calls += "stop "; };
+    thread.Start();
+    thread.Stop();
     const Action works = thread.onStart;
-    thread.onStart = [&] {
+    const Action dies = [&] {
         works();
         Raise("dies");
     };
+    thread.onStart = dies;
     thread.Start();
     EXPECT_EQ(diedInFlush, Raised([&] { thread.Flush(); }));
     thread.Stop();
 
-    thread.onStart = works;
-    ResetEvent(thread.failed.event);
-    SetEvent(early);
-    ExpectServed(thread, late, thread.failed);
+    thread.onStart = [&] {
+        works();
+        while (!thread.IsStopRequested())
+            Sleep(1);
+    };
+    thread.Start();
+    thread.Stop();
+    EXPECT_EQ("stop flush stop ", calls);
+
+    thread.onStart = dies;
+    thread.Start();
     Sleep(20); // until the thread has ended
     thread.Flush();
-    EXPECT_EQ("flush early late", calls);
     EXPECT_EQ(diedInFlush, Raised([&] { thread.Flush(); }));
 }
 
 TEST(MEngineThread, TableTakes62EventsAndWithoutMemoryOrRoomTheFunctorStaysTheCallers)
 {
     ScriptedThread thread;
-    const PlatformEvent unset(EventReset::Automatic);
+    const PlatformEvent unset(EventReset::Automatic), last(EventReset::Automatic);
     for (int i = 0; i < 61; ++i) {
         MCallbackFunctorPtr functor = FunctorFor([] {});
         const auto add = [&] {
@@ -108,11 +102,13 @@ TEST(MEngineThread, TableTakes62EventsAndWithoutMemoryOrRoomTheFunctorStaysTheCa
                                  [&](ShortageOutcome) { EXPECT_TRUE(functor); });
     }
     Gate served;
-    const ServedEvent last(thread, [&] { served.Open(); });
+    thread.AddEvent(last, FunctorFor([&] { served.Open(); }).release());
     const MCallbackFunctorPtr stillOurs = FunctorFor([] {});
     EXPECT_EQ("MEngineThread.AddEvent:TooManyWaitableEvents",
               Raised([&] { thread.AddEvent(unset, stillOurs.get()); }));
-    ExpectServed(thread, last, served); // handles and functors stand side by side
+    thread.Start();
+    SetEvent(last);
+    served.Pass(); // handles and functors stand side by side
 }
 
 TEST(MEngineThread, WaitThatFailsEndsTheThreadWithItsReason)
@@ -132,29 +128,35 @@ TEST(MEngineThread, WaitThatFailsEndsTheThreadWithItsReason)
     CloseHandle(abandoned);
 }
 
-TEST(MEngineThread, FailedStopCanBeTriedAgainUntilForceStopGivesUp)
+TEST(MEngineThread, ForceStopWaitsForNobodyWhileStartingAndGivesUpWhenTheStopFails)
 {
-    ScriptedThread thread;
-    DWORD threadId = 0;
-    thread.onFlush = [&] { threadId = GetCurrentThreadId(); };
-    thread.Start();
-    thread.Flush();
-    const std::vector<HANDLE> handles = ListHandles();
-    const HANDLE ours = OpenThread(SYNCHRONIZE, FALSE, threadId);
-    for (HANDLE handle : handles)
-        if (GetThreadId(handle) == threadId)
-            CloseHandle(handle);
-    EXPECT_EQ("MEngineThread.Flush:WaitFailed winErrorCode=6", Raised([&] { thread.Flush(); }));
-    for (int attempt = 0; attempt < 2; ++attempt)
-        EXPECT_EQ("MEngineThread.Stop:WaitFailed winErrorCode=6", Raised([&] { thread.Stop(); }));
-    EXPECT_TRUE(thread.IsThreadActive());
-    thread.ForceStop();
-    EXPECT_FALSE(thread.IsThreadActive());
-    WaitForSingleObject(ours, INFINITE);
-    CloseHandle(ours);
-}
+    for (int stops : {0, 2}) {
+        ScriptedThread thread;
+        Gate go;
+        HANDLE ended = nullptr;
+        const Action works = thread.onStart;
+        thread.onStart = [&] {
+            go.Pass();
+            ended = OpenThread(SYNCHRONIZE, FALSE, GetCurrentThreadId());
+            works();
+        };
+        std::thread starter([&] { thread.Start(); });
+        while (!thread.IsThreadActive())
+            Sleep(1);
+        Sleep(20); // until it is waited for
+        thread.ForceStop();
+        EXPECT_FALSE(thread.IsThreadActive());
+        go.Open();
+        starter.join(); // the thread runs, its handle lost
 
-TEST(MEngineThread, WithoutMemoryToBuildItNothingStaysBehind)
-{
-    ExpectUnwoundWithoutMemory([] { ScriptedThread unfinished; });
+        EXPECT_EQ("MEngineThread.Flush:WaitFailed winErrorCode=6", Raised([&] { thread.Flush(); }));
+        for (int stop = 0; stop < stops; ++stop)
+            EXPECT_EQ("MEngineThread.Stop:WaitFailed winErrorCode=6",
+                      Raised([&] { thread.Stop(); }));
+        EXPECT_TRUE(thread.IsThreadActive());
+        thread.ForceStop();
+        EXPECT_FALSE(thread.IsThreadActive());
+        WaitForSingleObject(ended, INFINITE);
+        CloseHandle(ended);
+    }
 }

@@ -4,8 +4,9 @@
 
 TEST(MMutex, WithoutMemoryForALockItLocksNothing)
 {
-    FailingAllocation failing(AllocationFailure::AnswersNull, 1);
-    MMutex mutex;
-    EXPECT_FALSE(mutex.Lock());
-    mutex.Unlock();
+    RunShortOfMemory(AllocationFailure::AnswersNull, 1, [] {
+        MMutex mutex;
+        EXPECT_FALSE(mutex.Lock());
+        mutex.Unlock();
+    });
 }

@@ -7,43 +7,42 @@
 namespace
 {
 
-/// Counts how often the thread that it is registered on leaves COM.
-struct ComSpy : IInitializeSpy {
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override
-    {
-        *object = this;
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE PreInitialize(DWORD, DWORD) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE PostInitialize(HRESULT, DWORD, DWORD) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE PreUninitialize(DWORD) override
-    {
-        ++leaves;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE PostUninitialize(DWORD) override { return S_OK; }
+/// The apartment of the calling thread, -1 when it is in none.
+int Apartment()
+{
+    APTTYPE type = APTTYPE_CURRENT;
+    APTTYPEQUALIFIER qualifier;
+    return CoGetApartmentType(&type, &qualifier) == S_OK ? type : -1;
+}
 
-    int leaves = 0;
+struct SchedulerThread : FailureRecorder, MSchedulerThread {
+    SchedulerThread() : MSchedulerThread(this) {}
+
+    void OnSpontaneousError(const MException& exception) override
+    {
+        apartmentAfter = Apartment();
+        FailureRecorder::OnSpontaneousError(exception);
+    }
+    void ThreadFunction() override
+    {
+        MSchedulerThread::ThreadFunction();
+        apartmentAfter = Apartment();
+    }
+
+    int apartmentAfter = APTTYPE_CURRENT;
 };
 
 } // namespace
 
-TEST(MSchedulerThread, FunctorsRunInTheMultithreadedApartmentWhichEveryWayOutLeavesOnce)
+TEST(MSchedulerThread, FunctorsRunInTheMultithreadedApartmentWhichEveryWayOutLeaves)
 {
     for (bool fails : {false, true}) {
-        FailureRecorder recorder;
-        MSchedulerThread thread(&recorder);
-        ComSpy spy;
-        APTTYPE apartment = APTTYPE_CURRENT;
+        SchedulerThread thread;
+        int apartment = -1;
         Gate served;
         const PlatformEvent event(EventReset::Automatic);
         const auto action = [&] {
-            ULARGE_INTEGER cookie;
-            CoRegisterInitializeSpy(&spy, &cookie);
-            APTTYPEQUALIFIER qualifier;
-            CoGetApartmentType(&apartment, &qualifier);
+            apartment = Apartment();
             served.Open();
             if (fails)
                 Raise("Unexpected");
@@ -51,12 +50,14 @@ TEST(MSchedulerThread, FunctorsRunInTheMultithreadedApartmentWhichEveryWayOutLea
         thread.RegisterSchedulerEvent(event, FunctorFor(action).release());
         thread.Start();
         SetEvent(event);
-        (fails ? recorder.failed : served).Pass();
+        (fails ? thread.failed : served).Pass();
         EXPECT_EQ("MSchedulerThread.RegisterSchedulerEvent:ThreadRunning",
                   Raised([&] { thread.RegisterSchedulerEvent(event, nullptr); }));
         thread.Stop();
         EXPECT_EQ(APTTYPE_MTA, apartment);
-        EXPECT_EQ(1, spy.leaves);
-        EXPECT_EQ(fails ? "Unexpected;" : "", recorder.failures);
+        EXPECT_EQ(-1, thread.apartmentAfter);
+        EXPECT_EQ(fails ? "Unexpected;" : "", thread.failures);
     }
+    MSchedulerThread running(nullptr); // stops itself
+    running.Start();
 }

@@ -1,51 +1,58 @@
 #pragma once
 
-#include "module/CallbackFunctor1Param.h"
 #include "tests/module/TestModule.h"
 
-#include <memory>
-#include <string>
-#include <vector>
+#include <windows.h>
 
-class MFlowLogger;
-struct _EXCEPTION_POINTERS;
-
-typedef Varek::Runtime::CallbackFunctor1Param<const std::wstring&> TextCallback;
-typedef Varek::Runtime::CallbackFunctor1Param<_EXCEPTION_POINTERS*> FaultCallback;
-
-/// A module as a host sees it: loaded by its file name, its functions found by name. It is freed,
-/// but not shut down, at the end.
+/// The test module as a host sees it: loaded, and called through its functions. It is freed, but
+/// not shut down, at the end.
 class LoadedModule
 {
 public:
-    explicit LoadedModule(const wchar_t* file);
+    typedef std::function<void(const std::wstring&)> OnText;
+    typedef std::function<void(_EXCEPTION_POINTERS*)> OnFault;
+
+    LoadedModule() : module(LoadLibraryW(L"test-module.dll"))
+    {
+        const auto function = reinterpret_cast<void*>(GetProcAddress(module, "GetTestModule"));
+        functions = reinterpret_cast<decltype(&GetTestModule)>(function)();
+    }
     LoadedModule(const LoadedModule&) = delete;
     LoadedModule& operator=(const LoadedModule&) = delete;
-    ~LoadedModule();
+    ~LoadedModule() { Free(); }
 
-    void AttachMFlowLogger(MFlowLogger* logger);
-    void RegisterFatalErrorHandlers(std::auto_ptr<TextCallback> onText,
-                                    std::auto_ptr<FaultCallback> onFault);
-    void Shutdown();
+    const TestModule* operator->() const { return functions; }
 
-    /// Only in the test module.
-    void Do(Place place, Deed deed);
+    /// Registers callbacks that call what is given.
+    void Register(const OnText& onText, const OnFault& onFault)
+    {
+        functions->RegisterFatalErrorHandlers(NewCallback<const std::wstring&>(onText),
+                                              NewCallback<_EXCEPTION_POINTERS*>(onFault));
+    }
 
     /// True when the module has left the process.
-    bool Free();
-
-    std::vector<std::string> ListExports() const;
-    std::vector<std::string> ListImportedLibraries() const;
+    bool Free()
+    {
+        if (module)
+            FreeLibrary(module);
+        module = nullptr;
+        return !GetModuleHandleW(L"test-module.dll");
+    }
 
 private:
-    template <class Function>
-    Function* Find(const char* function) const;
+    template <class Parameter, class Body>
+    static std::auto_ptr<Varek::Runtime::CallbackFunctor1Param<Parameter>>
+    NewCallback(const Body& body)
+    {
+        struct Callback : Varek::Runtime::CallbackFunctor1Param<Parameter> {
+            explicit Callback(const Body& body) : body(body) {}
+            void operator()(Parameter parameter) override { body(parameter); }
+            Body body;
+        };
+        return std::auto_ptr<Varek::Runtime::CallbackFunctor1Param<Parameter>>(
+            body ? new Callback(body) : nullptr);
+    }
 
-    template <class Data>
-    const Data* At(unsigned long offset) const;
-
-    unsigned long DirectoryOffset(int directory) const;
-
-    const wchar_t* file;
-    void* module;
+    HMODULE module;
+    const TestModule* functions;
 };

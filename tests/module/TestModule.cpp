@@ -2,10 +2,7 @@
 
 #include "diagnostics/ClassName.h"
 #include "diagnostics/MFlowLocation.h"
-#include "engine/MDesyncEvent.h"
-#include "foundation/MException.h"
 #include "module/ModuleCommandProcessor.h"
-#include "module/Runtime.h"
 
 #include <windows.h>
 
@@ -15,117 +12,53 @@ namespace
 const wchar_t className[] = L"TestModule";
 const ClassName testModuleName(className);
 
-void Do(Deed deed)
+void DoOnProcessor(ModuleCommandProcessor& module, const Action& action)
 {
-    static MFlowLocation location(className, L"Do");
-    MError error;
-    switch (deed) {
-    case Deed::Nothing:
-        location.SetLine(__LINE__).LogTimingPoint();
-        break;
-    case Deed::Raise:
-        location.SetLine(__LINE__).RaiseRootError(error, L"AsTold");
-        error.AddParameter(L"answer", 42);
-        location.Throw(error);
-    case Deed::ShutDown:
-        Varek::Runtime::Shutdown();
-        break;
-    case Deed::Fault:
-        *reinterpret_cast<volatile int*>(faultAddress) = 1;
-        break;
-    case Deed::ThrowForeign:
-        throw 7;
-    case Deed::Hang:
-        Sleep(INFINITE);
-    }
-}
-
-class DeedCommand : public MCommandSynchronous
-{
-public:
-    DeedCommand(const MExceptionSlot& slot, Deed deed) : MCommandSynchronous(slot), deed(deed) {}
-
-private:
-    void Execute() override { Do(deed); }
-
-    Deed deed;
-};
-
-class DeedEvent final : public MDesyncEvent
-{
-public:
-    DeedEvent(Deed deed, HANDLE done) : deed(deed), done(done) {}
-
-    void Fire() override
-    {
-        try {
-            Do(deed);
-        } catch (MException&) {
-            SetEvent(done);
-            throw;
-        }
-        SetEvent(done);
-    }
-
-private:
-    Deed deed;
-    HANDLE done;
-};
-
-/// An engine thread of the module's own, which fails as the module's threads fail.
-class DeedThread : public MEngineThread
-{
-public:
-    explicit DeedThread(Deed deed)
-        : MEngineThread(&ModuleCommandProcessor::GetInstance()), deed(deed)
-    {
-    }
-    ~DeedThread() override { ForceStop(); }
-
-private:
-    void ThreadFunction() override
-    {
-        SignalThreadStarted();
-        Do(deed);
-    }
-    void OnFlush() override {}
-    void OnStop() override {}
-
-    Deed deed;
-};
-
-void DoOnProcessor(Deed deed)
-{
-    const MExceptionSlot slot(std::auto_ptr<MException>(new MException));
-    ModuleCommandProcessor::GetInstance().GetCommandProcessor()->ExecuteSynchronously(
-        std::auto_ptr<MCommandSynchronous>(new DeedCommand(slot, deed)));
+    const MExceptionSlot slot = NewSlot();
+    module.GetCommandProcessor()->ExecuteSynchronously(NewCommand(action, slot));
     if (slot->GetErrorCount() != 0)
         ThrowException(*slot.Get());
 }
 
-void DoOnScheduler(Deed deed)
+void DoOnScheduler(ModuleCommandProcessor& module, const Action& action)
 {
     const PlatformEvent done(EventReset::Automatic);
-    ModuleCommandProcessor::GetInstance().GetDesyncScheduler()->ScheduleDesyncEvent(
-        new DeedEvent(deed, done));
+    MDesyncEventScheduler& scheduler = *module.GetDesyncScheduler();
+    scheduler.ScheduleDesyncEvent(NewEvent([&] { action(); }));
+    scheduler.ScheduleDesyncEvent(NewEvent([&] { SetEvent(done); }));
     WaitForSingleObject(done, INFINITE);
 }
 
-void DoOnOwnThread(Deed deed)
+void DoOnOwnThread(ModuleCommandProcessor& module, const Action& action)
 {
-    DeedThread thread(deed);
+    MCommandProcessor thread(&module, nullptr, FunctorFor([&] { action(); }).release(), nullptr, 0);
     thread.Start();
     thread.Stop();
 }
 
+void Do(Place place, const Action& action)
+{
+    const auto doThere = place == Place::Processor   ? DoOnProcessor
+                         : place == Place::Scheduler ? DoOnScheduler
+                                                     : DoOnOwnThread;
+    doThere(ModuleCommandProcessor::GetInstance(), action);
+}
+
+void Raise()
+{
+    static MFlowLocation location(className, L"Raise");
+    MError error;
+    location.SetLine(__LINE__).RaiseRootError(error, L"AsTold");
+    error.AddParameter(L"answer", 42);
+    location.Throw(error);
+}
+
 } // namespace
 
-extern "C" __declspec(dllexport) void TestModuleDo(Place place, Deed deed)
+const TestModule* GetTestModule()
 {
-    if (place == Place::Processor)
-        DoOnProcessor(deed);
-    else if (place == Place::Scheduler)
-        DoOnScheduler(deed);
-    else
-        DoOnOwnThread(deed);
+    static const TestModule functions = {Varek::Runtime::AttachMFlowLogger,
+                                         Varek::Runtime::RegisterFatalErrorHandlers,
+                                         Varek::Runtime::Shutdown, Do, Raise};
+    return &functions;
 }

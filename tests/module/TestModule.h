@@ -1,13 +1,22 @@
 #pragma once
 
-// What the test module exports beside the three functions that every module has.
+#include "module/Runtime.h"
+#include "tests/support/EngineWork.h"
 
 enum class Place { Processor, Scheduler, OwnThread };
-enum class Deed { Nothing, Raise, ShutDown, Fault, ThrowForeign, Hang };
 
-/// Has `deed` done on one of the module's threads, the third being an engine thread of its own,
-/// and returns when it is done or has failed. Raises what a command raised.
-typedef void DoOnThread(Place place, Deed deed);
+/// What the test module offers: the functions that every module has, and two of its own.
+struct TestModule {
+    decltype(&Varek::Runtime::AttachMFlowLogger) AttachMFlowLogger;
+    decltype(&Varek::Runtime::RegisterFatalErrorHandlers) RegisterFatalErrorHandlers;
+    decltype(&Varek::Runtime::Shutdown) Shutdown;
 
-/// Where `Deed::Fault` writes.
-const unsigned long long faultAddress = 0x1234;
+    /// Has `action` done on one of the module's threads, the third being an engine thread of its
+    /// own, and returns when it is done or has failed. Raises what a command raised.
+    void (*Do)(Place place, const Action& action);
+
+    /// Raises an error of the module.
+    void (*Raise)();
+};
+
+extern "C" __declspec(dllexport) const TestModule* GetTestModule();

@@ -19,18 +19,14 @@ std::atomic<std::int64_t> blocksOut;
 std::atomic<DWORD> armedThread;
 AllocationFailure failure;
 int allocationsLeft;
-bool hasFailed;
 
 bool IsToFail()
 {
     if (armedThread != GetCurrentThreadId())
         return false;
-    if (allocationsLeft > 0)
-        --allocationsLeft;
-    if (allocationsLeft > 0 || (hasFailed && failure != AllocationFailure::ThrowsForGood))
-        return false;
-    hasFailed = true;
-    return true;
+    --allocationsLeft;
+    return allocationsLeft == 0 ||
+           (allocationsLeft < 0 && failure == AllocationFailure::ThrowsForGood);
 }
 
 bool IsCounted(void* block)
@@ -61,13 +57,8 @@ __attribute__((noinline)) void Free(void* block)
 
 void* operator new(std::size_t size)
 {
-    if (IsToFail()) {
-        if (failure == AllocationFailure::AnswersNull)
-            return nullptr;
-        throw std::bad_alloc();
-    }
-    void* const block = Allocate(size);
-    if (!block)
+    void* const block = IsToFail() ? nullptr : Allocate(size);
+    if (!block && failure != AllocationFailure::AnswersNull)
         throw std::bad_alloc();
     return block;
 }
@@ -95,20 +86,15 @@ std::int64_t CountBlocks()
     return blocksOut - 2 * names;
 }
 
-FailingAllocation::FailingAllocation(AllocationFailure how, int nth)
+void ArmAllocationFailure(AllocationFailure how, int nth)
 {
     failure = how;
     allocationsLeft = nth;
-    hasFailed = false;
     armedThread = GetCurrentThreadId();
 }
 
-void FailingAllocation::Disarm()
+bool DisarmAllocationFailure()
 {
     armedThread = 0;
-}
-
-bool FailingAllocation::HasFailed() const
-{
-    return hasFailed;
+    return allocationsLeft <= 0;
 }

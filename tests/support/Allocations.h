@@ -20,37 +20,30 @@ enum class AllocationFailure {
     AnswersNull    ///< the one allocation answers null; only where the code tests for that
 };
 
-/// Makes the `nth` allocation of the calling thread fail, counted from its construction, 1 being
-/// the first. One at a time in the process.
-class FailingAllocation
-{
-public:
-    FailingAllocation(AllocationFailure how, int nth);
-    FailingAllocation(const FailingAllocation&) = delete;
-    FailingAllocation& operator=(const FailingAllocation&) = delete;
-    ~FailingAllocation() { Disarm(); }
+/// Makes the `nth` allocation of the calling thread fail, 1 being the next. One at a time in the
+/// process.
+void ArmAllocationFailure(AllocationFailure how, int nth);
 
-    /// Lets all further allocations succeed.
-    void Disarm();
+/// Lets all further allocations succeed. Whether the nth has been asked for.
+bool DisarmAllocationFailure();
 
-    /// Whether the nth allocation has been asked for.
-    bool HasFailed() const;
-};
+/// How an operation ended whose nth allocation was to fail.
+enum class ShortageOutcome { NotMet, Completed, RaisedMException, RaisedBadAlloc };
 
-/// How an operation ended that met a failing allocation.
-enum class ShortageOutcome { Completed, RaisedMException, RaisedBadAlloc };
-
+/// Runs `operation` with its `nth` allocation failing.
 template <class Operation>
-ShortageOutcome RunShortOfMemory(Operation operation)
+ShortageOutcome RunShortOfMemory(AllocationFailure how, int nth, Operation operation)
 {
+    ShortageOutcome outcome = ShortageOutcome::Completed;
+    ArmAllocationFailure(how, nth);
     try {
         operation();
     } catch (MException&) {
-        return ShortageOutcome::RaisedMException;
+        outcome = ShortageOutcome::RaisedMException;
     } catch (std::bad_alloc&) {
-        return ShortageOutcome::RaisedBadAlloc;
+        outcome = ShortageOutcome::RaisedBadAlloc;
     }
-    return ShortageOutcome::Completed;
+    return DisarmAllocationFailure() ? outcome : ShortageOutcome::NotMet;
 }
 
 /// Runs `operation` with its first, second, third ... allocation failing until it makes no more,
@@ -64,10 +57,8 @@ void ForEachFailingAllocation(AllocationFailure how, Operation operation, Check 
 {
     const int enough = 1000;
     for (int nth = 1; nth < enough; ++nth) {
-        FailingAllocation failing(how, nth);
-        const ShortageOutcome outcome = RunShortOfMemory(operation);
-        failing.Disarm();
-        if (!failing.HasFailed())
+        const ShortageOutcome outcome = RunShortOfMemory(how, nth, operation);
+        if (outcome == ShortageOutcome::NotMet)
             return;
         SCOPED_TRACE("allocation " + std::to_string(nth) + " failed");
         check(outcome);

@@ -5,32 +5,23 @@
 
 #include <sstream>
 
-namespace
-{
-
-DumpedRecord ReadRecord(const std::string& text, const std::string& numbers)
-{
-    DumpedRecord record = {text, 0, {}};
-    std::istringstream stream(numbers);
-    stream >> record.seconds;
-    char comma = 0;
-    std::int64_t number = 0;
-    while (stream >> comma >> number)
-        record.numbers.push_back(number);
-    return record;
-}
-
-} // namespace
-
 std::vector<DumpedRecord> ReadDump(const std::string& dump)
 {
     std::vector<DumpedRecord> records;
     std::istringstream lines(dump);
-    std::string text;
-    std::string numbers;
-    while (std::getline(lines, text))
-        if (text.compare(0, 2, "% ") == 0 && std::getline(lines, numbers))
-            records.push_back(ReadRecord(text, numbers));
+    std::string line;
+    while (std::getline(lines, line)) {
+        if (line.compare(0, 2, "% ") != 0)
+            continue;
+        DumpedRecord record = {line, 0, {}};
+        std::getline(lines, line);
+        std::istringstream numbers(line);
+        numbers >> record.seconds;
+        char comma = 0;
+        for (std::int64_t number = 0; numbers >> comma >> number;)
+            record.numbers.push_back(number);
+        records.push_back(record);
+    }
     return records;
 }
 

@@ -14,11 +14,11 @@ std::string FailureText(const MException& exception)
 {
     if (exception.GetErrorCount() == 0)
         return "no errors";
-    const MError& failure =
-        *exception.GetError(static_cast<std::int32_t>(exception.GetErrorCount() - 1));
+    const auto last = static_cast<std::int32_t>(exception.GetErrorCount() - 1);
+    const MError& failure = *exception.GetError(last);
     std::string text =
         Narrow(failure.GetCode().IsEmpty() ? failure.GetMessageText() : failure.GetCode());
-    for (const MError::Parameters::value_type& parameter : failure.GetParameters())
+    for (const auto& parameter : failure.GetParameters())
         text += " " + Narrow(parameter.first) + "=" + Narrow(parameter.second);
     return text;
 }
