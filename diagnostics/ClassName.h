@@ -10,6 +10,7 @@
 ///
 /// Without it the log shows the class as "(unknown)".
 struct ClassName {
+    /// Registers `literal` under its own address. Raises std::bad_alloc.
     explicit ClassName(const wchar_t* literal)
     {
         GetDiagnosticsRegistry()->RegisterClassName(FlowId(literal), literal);

@@ -8,8 +8,13 @@
 class KLogLock
 {
 public:
+    /// Makes it a lock. Once, before a second thread can come to it.
     void Initialise();
+
+    /// Waits for as long as another thread holds it.
     void Enter();
+
+    /// Once for each `Enter`, on the same thread.
     void Leave();
 
 private:

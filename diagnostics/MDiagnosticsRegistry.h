@@ -13,21 +13,28 @@ class MDiagnosticsRegistryImplementation;
 class MDiagnosticsRegistry
 {
 public:
-    /// The class literal of the registry itself.
+    /// The class literal, which is the id of the class in the log.
     static const wchar_t className[];
 
     /// Holds the module's own registry.
     MDiagnosticsRegistry();
 
+    /// Names a class by the id of its literal; `ClassName` does that.
     void RegisterClassName(std::uint32_t classId, const wchar_t* name);
+
+    /// Names a function by the id of its literal, whatever its class; `MFlowLocation` does that.
     void RegisterFunctionName(std::uint32_t classId, std::uint32_t functionId, const wchar_t* name);
+
+    /// Names an object by its address. What is made there later inherits the name.
     void RegisterObjectName(const void* object, const wchar_t* name);
 
-    /// Names the calling thread.
+    /// Names the calling thread. A later one that gets the same id inherits the name.
     void RegisterThreadName(const wchar_t* name);
 
     /// Names a state, 0 to 99, of a class.
     void RegisterStateName(std::uint32_t classId, std::uint32_t state, const wchar_t* name);
+
+    /// Names an error by the id of its literal; `MFlowLocation::RaiseRootError` does that.
     void RegisterErrorName(std::uint32_t errorId, const wchar_t* name);
 
 private:

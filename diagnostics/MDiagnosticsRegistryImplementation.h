@@ -11,9 +11,14 @@ class MDiagnosticsRegistryImplementation
 public:
     virtual ~MDiagnosticsRegistryImplementation() {}
 
+    /// Names a class by the id of its literal.
     virtual void RegisterClassName(std::uint32_t classId, const wchar_t* name) = 0;
+
+    /// Names a function by the id of its literal.
     virtual void RegisterFunctionName(std::uint32_t classId, std::uint32_t functionId,
                                       const wchar_t* name) = 0;
+
+    /// Names an object by its address.
     virtual void RegisterObjectName(const void* object, const wchar_t* name) = 0;
 
     /// Names the calling thread.
@@ -22,6 +27,10 @@ public:
     /// Names a state of a class, 0 to 99.
     virtual void RegisterStateName(std::uint32_t classId, std::uint32_t state,
                                    const wchar_t* name) = 0;
+
+    /// Names an error by the id of its literal.
     virtual void RegisterErrorName(std::uint32_t errorId, const wchar_t* name) = 0;
+
+    /// Names a message, in the space of the state names.
     virtual void RegisterMessageName(std::uint32_t messageId, const wchar_t* name) = 0;
 };

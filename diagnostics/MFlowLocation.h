@@ -37,11 +37,14 @@ public:
     /// Names the function in the log. The literals are kept by address.
     MFlowLocation(const wchar_t* className, const wchar_t* functionName);
 
+    /// The object of what is recorded next, null for none. Its address is recorded, nothing else.
     MFlowLocation& SetObject(const void* newObject)
     {
         object = newObject;
         return *this;
     }
+
+    /// The source line of what is recorded next, -1 until it is set.
     MFlowLocation& SetLine(std::int32_t newLine)
     {
         line = newLine;
@@ -54,7 +57,10 @@ public:
     /// A single mark with two numbers of the caller's choice.
     void LogTimingPoint(std::uint32_t a = 0, std::uint32_t b = 0);
 
+    /// Records that the object has come into being, and the line.
     void LogConstruction();
+
+    /// Records that the object is about to go, and the line.
     void LogDestruction();
 
     /// `state` is shown by the name registered for it under this location's class.

@@ -16,8 +16,10 @@ class KLogger;
 class MKLoggerAdapter : public MFlowLoggerImplementation, public MDiagnosticsRegistryImplementation
 {
 public:
-    /// The module's instance under its two faces, made at the first call.
+    /// The module's instance as a flow logger, made at the first call.
     static MFlowLoggerImplementation* GetFlowLoggerImplementation();
+
+    /// The same instance as a registry of names.
     static MDiagnosticsRegistryImplementation* GetRegistryImplementation();
 
     /// Writes to `core`, which is not owned and must outlive the adapter.

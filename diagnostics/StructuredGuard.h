@@ -8,7 +8,10 @@ enum GuardAnswer : long {
     GuardAccept = 1          ///< ours: the guarded call ends here and answers false
 };
 
+/// What runs under a guard.
 typedef void (*GuardedBody)(void* context);
+
+/// What a guard asks about an exception; answers one of `GuardAnswer`.
 typedef long (*GuardFilter)(void* context, _EXCEPTION_POINTERS* pointers);
 
 /// Calls `body(context)` under a structured exception guard.

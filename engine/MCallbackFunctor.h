@@ -7,6 +7,7 @@
 class MCallbackFunctor
 {
 public:
+    /// Makes the call. What it raises is left to the one who invokes.
     virtual void Invoke() = 0;
 
 protected:
@@ -18,6 +19,7 @@ template <class X>
 class MCallbackFunctorImp final : public MCallbackFunctor
 {
 public:
+    /// `target` must be there when the call is made.
     MCallbackFunctorImp(X* target, void (X::*method)()) : target(target), method(method) {}
 
     void Invoke() override { (target->*method)(); }
@@ -29,6 +31,7 @@ private:
 
 /// Frees a functor the way functors are freed.
 struct MCallbackFunctorDelete {
+    /// Runs no destructor. Null is fine.
     void operator()(MCallbackFunctor* functor) const { ::operator delete(functor); }
 };
 

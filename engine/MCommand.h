@@ -7,5 +7,6 @@ class MCommand
 public:
     virtual ~MCommand();
 
+    /// The whole of the work, called once on the processor thread. What leaves it ends that thread.
     virtual void ExecuteGenericCommand() = 0;
 };

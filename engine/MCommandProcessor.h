@@ -27,6 +27,7 @@ class MCommand;
 class MCommandProcessor : public MEngineThread
 {
 public:
+    /// The class literal, which is the id of the class in the log.
     static const wchar_t className[];
 
     /// Each functor may be null and is owned from here on. `startFunctor` runs on the processor

@@ -23,6 +23,7 @@ class MException;
 class MCommandSynchronous : public MCommand
 {
 public:
+    /// The class literal, which is the id of the class in the log.
     static const wchar_t className[];
 
     /// What `Execute` raises goes into `exceptionSlot`; with an empty slot it is dropped.

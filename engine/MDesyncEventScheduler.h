@@ -16,6 +16,7 @@ class MDesyncEvent;
 class MDesyncEventScheduler : private Selvan::Utilities::NonCopyable
 {
 public:
+    /// The class literal, which is the id of the class in the log.
     static const wchar_t className[];
 
     /// `errorHandler` may be null, is not owned, and must outlive the scheduler.

@@ -44,6 +44,7 @@ enum class EngineThreadState : std::uint32_t { Inactive, Starting, Running, Stop
 class MEngineThread : private Selvan::Utilities::NonCopyable
 {
 public:
+    /// The class literal, which is the id of the class in the log.
     static const wchar_t className[];
 
     /// Not started. `errorHandler` may be null, is not owned, and must outlive the thread.
@@ -89,11 +90,14 @@ protected:
     /// Lets `Start` return.
     void SignalThreadStarted();
 
+    /// True from the call of `Stop` to the next `Start`.
     bool IsStopRequested() const;
 
     /// Calls `OnStop` unless it has been called since `Start`: a stop that is asked for while a
     /// functor runs ends the loop before the wait comes to dispatch it.
     void ServeStop();
+
+    /// False before `Start` and after `Stop`. A thread that has died on its own still counts.
     bool IsThreadActive() const;
 
     /// Makes the object "Inactive" whatever happens, stopping the thread first if it runs; the

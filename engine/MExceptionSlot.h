@@ -20,14 +20,21 @@ public:
 
     /// Takes the exception over. std::bad_alloc when there is no memory for the count.
     explicit MExceptionSlot(std::auto_ptr<MException> exception);
+
+    /// One more handle on the same exception.
     MExceptionSlot(const MExceptionSlot& other);
+
+    /// Lets go of the exception held so far, and becomes one more handle on `other`'s.
     MExceptionSlot& operator=(MExceptionSlot other);
     ~MExceptionSlot();
 
+    /// Whether there is no exception to fill.
     bool IsEmpty() const { return !Get(); }
 
     /// The exception, owned by the slot; null when the slot is empty.
     MException* Get() const { return block ? block->exception : nullptr; }
+
+    /// The same exception. Not to be used on an empty slot.
     MException* operator->() const { return Get(); }
 
 private:

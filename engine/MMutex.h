@@ -17,6 +17,8 @@ public:
     /// Waits for the lock. False only when there was no memory for a lock at construction: such a
     /// mutex locks nothing.
     bool Lock();
+
+    /// Once for each successful `Lock`, on the same thread.
     void Unlock();
 
 private:

@@ -12,6 +12,7 @@ public:
     /// True when the lock was free, or already the caller's, and is now held once more.
     virtual bool TryLock() = 0;
 
+    /// Once for each time that the lock was taken, on the same thread.
     virtual void Unlock() = 0;
 };
 

@@ -6,6 +6,7 @@
 class MMutexLock
 {
 public:
+    /// Waits for the mutex, which must outlive this object.
     explicit MMutexLock(MMutex& mutex) : mutex(mutex) { mutex.Lock(); }
     ~MMutexLock() { mutex.Unlock(); }
     MMutexLock(const MMutexLock&) = delete;

@@ -8,8 +8,10 @@
 class MSchedulerThread : public MEngineThread
 {
 public:
+    /// The class literal, which is the id of the class in the log.
     static const wchar_t className[];
 
+    /// Not started. `errorHandler` may be null, is not owned, and must outlive the thread.
     explicit MSchedulerThread(IThreadErrorHandler* errorHandler);
     ~MSchedulerThread() override;
 

@@ -18,7 +18,10 @@ public:
     /// happens also after a successful wait if another consumer was quicker.
     virtual bool Get(T& element) = 0;
 
+    /// Whether there is no element at this moment; other threads may change that at once.
     virtual bool IsEmpty() = 0;
+
+    /// Number of elements at this moment.
     virtual std::int32_t GetCount() = 0;
 
     /// Waits up to `timeoutMs` for an element; false when none came.

@@ -29,6 +29,8 @@ public:
     IInFilerTagged(const IInFilerTagged&) = delete;
     IInFilerTagged& operator=(const IInFilerTagged&) = delete;
 
+    /// @{
+    /// Reads the value under `tag` into `result`, or puts `defaultValue` there and answers false.
     virtual bool ReadString(const MString& tag, MString& result, const MString& defaultValue) = 0;
     virtual bool ReadChar(const MString& tag, char* result, char defaultValue) = 0;
     virtual bool ReadDouble(const MString& tag, double* result, double defaultValue) = 0;
@@ -42,10 +44,13 @@ public:
     virtual bool ReadUInt32(const MString& tag, unsigned int* result,
                             unsigned int defaultValue) = 0;
     virtual bool ReadInt32(const MString& tag, int* result, int defaultValue) = 0;
+    /// @}
 
     /// Opens the nested object under the tag: reads look into it, up to the `EndGroup` that belongs
     /// to it.
     virtual bool BeginGroup(const MString& tag) = 0;
+
+    /// Goes back to what encloses the group. Once for each `BeginGroup` that answered true.
     virtual bool EndGroup() = 0;
 
     /// Reads what `WriteDocument` filed under the tag back into the text of a document. On failure

@@ -21,6 +21,8 @@ public:
     IOutFilerTagged(const IOutFilerTagged&) = delete;
     IOutFilerTagged& operator=(const IOutFilerTagged&) = delete;
 
+    /// @{
+    /// Files `value` under `tag`. False when that fails.
     virtual bool WriteChar(const MString& tag, char value) = 0;
     virtual bool WriteString(const MString& tag, const MString& value) = 0;
     virtual bool WriteDouble(const MString& tag, double value) = 0;
@@ -31,10 +33,13 @@ public:
     virtual bool WriteInt16(const MString& tag, short value) = 0;
     virtual bool WriteUInt32(const MString& tag, unsigned int value) = 0;
     virtual bool WriteInt32(const MString& tag, int value) = 0;
+    /// @}
 
     /// Opens a nested object under the tag: what follows goes into it, up to the `EndGroup` that
     /// belongs to it. A group has no type of its own.
     virtual bool BeginGroup(const MString& tag) = 0;
+
+    /// Goes back to what encloses the group. Once for each `BeginGroup` that answered true.
     virtual bool EndGroup() = 0;
 
     /// Files the content of a whole filed document, given as its text, under the tag. False where

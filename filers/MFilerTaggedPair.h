@@ -13,19 +13,24 @@ class MString;
 class MFilerTaggedPair
 {
 public:
+    /// Either may be null.
     MFilerTaggedPair(IInFilerTagged* in, IOutFilerTagged* out) : in(in), out(out) {}
 
     /// Calls both filers, the one to read from first, whatever the first one answers. True unless
     /// one answered false, so also when there is none.
     bool BeginGroup(const MString& tag);
+
+    /// Calls both filers as `BeginGroup` does.
     bool EndGroup();
 
-    // False without a filer for the direction; a read then leaves the result alone.
+    /// @{
+    /// False without a filer for the direction; a read then leaves the result alone.
     bool ReadString(const MString& tag, MString& result, const MString& defaultValue);
     bool ReadUInt32(const MString& tag, unsigned int* result, unsigned int defaultValue);
     bool WriteString(const MString& tag, const MString& value);
     bool WriteUInt32(const MString& tag, unsigned int value);
+    /// @}
 
-    IInFilerTagged* in;
-    IOutFilerTagged* out;
+    IInFilerTagged* in;   ///< to read from, or null
+    IOutFilerTagged* out; ///< to write to, or null
 };

@@ -7,7 +7,9 @@
 
 struct HKEY__;
 
+/// Closes the key of a `RegistryKey`.
 struct RegistryKeyCloser {
+    /// `key` is never null.
     void operator()(HKEY__* key) const;
 };
 
@@ -19,12 +21,14 @@ typedef std::unique_ptr<HKEY__, RegistryKeyCloser> RegistryKey;
 class RegistryPlace
 {
 public:
+    /// The area under the current user, with no group open.
     explicit RegistryPlace(const MString& areaName);
 
     /// 0 is the root of the current user, 1 that of the local machine. Others change nothing and
     /// answer false.
     bool SetRootKey(int location);
 
+    /// Touches no key. A backslash in the tag reaches deeper.
     void BeginGroup(const MString& tag);
 
     /// False, and nothing changes, when no group is open.

@@ -9,6 +9,7 @@
 class MDynClass
 {
 public:
+    /// `base` is kept by address, null for the root.
     MDynClass(const MString& name, const MDynClass* base);
 
     /// The class name, spelled as in the source.

@@ -13,11 +13,17 @@ class MDynClass;
 class MDynObject
 {
 public:
+    /// The record of this class.
     static const MDynClass dynClass;
 
     MDynObject();
+
+    /// @{
+    /// For subclasses that can be copied.
     MDynObject(const MDynObject&) = default;
     MDynObject& operator=(const MDynObject&) = default;
+    /// @}
+
     virtual ~MDynObject();
 
     /// The record of the object's class.

@@ -18,17 +18,24 @@ class MFilerTaggedPair;
 class MError : public MDynObject
 {
 public:
+    /// Values by name, in the order of the names.
     typedef std::map<MString, MString, MStringLess> Parameters;
 
+    /// The record of this class.
     static const MDynClass dynClass;
 
     /// No Code and no parameters.
     MError();
+
+    /// A Code, made by `ComposeErrorCode` as a rule, and no parameters.
     explicit MError(const MString& code);
 
+    /// @{
     /// A deep copy; of a subclass's object it is a plain `MError` (`Clone` keeps the class).
     MError(const MError&) = default;
     MError& operator=(const MError&) = default;
+    /// @}
+
     ~MError() override;
 
     const MDynClass* GetDynClass() const override;
@@ -54,7 +61,10 @@ public:
     /// then unfolds.
     virtual MString GetChainText() const;
 
+    /// Empty when there is none.
     const MString& GetCode() const { return code; }
+
+    /// Valid as long as the error; an added parameter shows.
     const Parameters& GetParameters() const { return parameters; }
 
     /// Adds a parameter unless the name is taken: the first value of a name stays.

@@ -7,6 +7,7 @@
 class MErrorOutOfMemory : public MError
 {
 public:
+    /// The record of this class.
     static const MDynClass dynClass;
 
     const MDynClass* GetDynClass() const override;

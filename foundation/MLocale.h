@@ -26,6 +26,7 @@
 class MLocale
 {
 public:
+    /// The class literal, which is the id of the class in the log.
     static const wchar_t className[];
 
     class DecimalSeparatorOnly;
@@ -35,6 +36,8 @@ public:
     /// the Code "MLocale.MLocale:BadCppLocale" and the parameters "name" and "what"; for an unknown
     /// name "what" is "bad locale name".
     explicit MLocale(const char* name);
+
+    /// A locale of its own, asked for by `other`'s name.
     MLocale(const MLocale& other);
     MLocale& operator=(const MLocale&) = delete;
 
@@ -92,15 +95,19 @@ private:
 class MLocale::DecimalSeparatorOnly : public std::numpunct<wchar_t>
 {
 public:
+    /// With 0 `references` the locale that takes the facet on owns it.
     explicit DecimalSeparatorOnly(wchar_t decimalSeparator, std::size_t references = 0)
         : std::numpunct<wchar_t>(references), decimalSeparator(decimalSeparator)
     {
     }
 
 protected:
+    /// @{
+    /// What a stream asks for.
     wchar_t do_decimal_point() const override { return decimalSeparator; }
     wchar_t do_thousands_sep() const override { return L'\0'; }
     std::string do_grouping() const override { return std::string(); }
+    /// @}
 
 private:
     wchar_t decimalSeparator;

@@ -19,18 +19,27 @@ public:
 
     /// Copies a null-terminated text; a null text gives the empty string.
     MString(const wchar_t* text);
+
+    /// A copy with a buffer of its own.
     MString(const MString& other);
 
     /// Takes the buffer over; `other` is empty afterwards.
     MString(MString&& other) noexcept;
     ~MString();
 
+    /// Replaces the text. The old buffer goes even where it would do.
     MString& operator=(const MString& other);
+
+    /// Takes the buffer over; `other` is empty afterwards.
     MString& operator=(MString&& other) noexcept;
+
+    /// Copies a null-terminated text; a null text gives the empty string.
     MString& operator=(const wchar_t* text);
 
-    /// Appends, reallocating each time. A string may be appended to itself.
+    /// Appends, reallocating where no room was reserved. A string may be appended to itself.
     MString& operator+=(const MString& other);
+
+    /// Appends a null-terminated text; a null text adds nothing.
     MString& operator+=(const wchar_t* text);
 
     /// Makes room for `extra` more characters. The length stays.
@@ -39,8 +48,13 @@ public:
     /// The null-terminated text, never null, valid until the string changes.
     const wchar_t* c_str() const { return data ? data : L""; }
 
+    /// Number of characters without the terminator.
     std::int32_t GetLength() const { return length; }
+
+    /// Length up to which the buffer lasts, terminator not counted.
     std::int32_t GetCapacity() const { return capacity; }
+
+    /// Whether the length is 0.
     bool IsEmpty() const { return length == 0; }
 
     /// -1, 0 or 1, by 16-bit unit; the empty string comes first. No locale, no folding of case.
@@ -78,6 +92,7 @@ private:
 
 /// The order of `MString::Compare`, for ordered containers.
 struct MStringLess {
+    /// Whether `a` comes before `b`.
     bool operator()(const MString& a, const MString& b) const { return MString::Compare(a, b) < 0; }
 };
 

@@ -42,7 +42,10 @@ public:
     /// Destroys all elements and keeps the slots.
     void RemoveAll();
 
+    /// Number of elements that were added and not removed; what `GetAt` makes does not count.
     std::int32_t GetCount() const { return count; }
+
+    /// Number of slots.
     std::int32_t GetAllocated() const { return allocated; }
 
 private:

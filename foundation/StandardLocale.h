@@ -5,8 +5,8 @@
 
 /// A locale of the standard library, with the name under which the platform knows it.
 struct StandardLocale {
-    std::locale locale;
-    std::string name;
+    std::locale locale; ///< the locale itself
+    std::string name;   ///< can be longer than the one that was asked for
 };
 
 /// Makes the standard locale of a name, for all categories; the empty name stands for the user's

@@ -11,6 +11,7 @@ template <class T>
 class CallbackFunctor1Param
 {
 public:
+    /// When it is called, and on which thread, is said where it is given away.
     virtual void operator()(T parameter) = 0;
     virtual ~CallbackFunctor1Param() {}
 };

@@ -23,11 +23,15 @@
 class ModuleCommandProcessor : public IThreadErrorHandler
 {
 public:
+    /// Takes the filed chain of an exception that ended an engine thread, or an empty text.
     typedef std::unique_ptr<Varek::Runtime::CallbackFunctor1Param<const std::wstring&>>
         SpontaneousErrorCallback;
+
+    /// Takes the raw context of a fault.
     typedef std::unique_ptr<Varek::Runtime::CallbackFunctor1Param<_EXCEPTION_POINTERS*>>
         CrashCallback;
 
+    /// The class literal, which is the id of the class in the log.
     static const wchar_t className[];
 
     /// The singleton, made and started at the first call, which must not race another. Raises the
@@ -40,7 +44,7 @@ public:
 
     virtual ~ModuleCommandProcessor();
 
-    /// Runs on the processor thread whenever it has been idle for a while: a place for periodic
+    /// Runs on the processor thread whenever it has been idle for ten seconds: a place for periodic
     /// work. There is none.
     virtual void OnCommandProcessorIdle();
 
@@ -58,6 +62,8 @@ public:
 
     /// Null when the module was stopped before it ever started. Owned by this object.
     MCommandProcessor* GetCommandProcessor() { return commandProcessor.get(); }
+
+    /// Null when the module was stopped before it ever started. Owned by this object.
     MDesyncEventScheduler* GetDesyncScheduler() { return desyncScheduler.get(); }
 
 private:

@@ -8,6 +8,7 @@
 #ifdef VAREK_BUILDING_MODULE
 #define VAREK_API __declspec(dllexport)
 #else
+/// In front of a function: the module exports it, and others import it.
 #define VAREK_API __declspec(dllimport)
 #endif
 
@@ -16,11 +17,11 @@ struct _EXCEPTION_POINTERS;
 
 namespace Varek
 {
+
+/// What a host calls. Make the first of these calls from one thread; host and module come from the
+/// same toolchain, since standard types pass between them.
 namespace Runtime
 {
-
-// What a host calls. Make the first of these calls from one thread; host and module come from the
-// same toolchain, since standard types pass between them.
 
 /// Joins the host's flow logger to the module's: from now on the module's events and names go to
 /// both. The logger is not owned and must stay for as long as the module does. A null logger

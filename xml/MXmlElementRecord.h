@@ -39,49 +39,63 @@ struct MXmlElementRecord {
     std::uint32_t tagLengths;
     /// Level in the low 16 bits, `MXmlElementFlag` bits above.
     std::uint32_t flagsAndLevel;
+    /// 0 on the top level.
     std::int32_t parent;
+    /// 0 without child elements.
     std::int32_t firstChild;
     /// 0 on the last sibling.
     std::int32_t nextSibling;
     /// The first child's names the last child, a sole child's itself.
     std::int32_t previousSibling;
 
+    /// The bits of `tagLengths` that hold the start tag's.
     static constexpr std::uint32_t StartTagMask = 0x2FFFFF;
+    /// The bits of `flagsAndLevel` that hold the level.
     static constexpr std::uint32_t LevelMask = 0xFFFF;
+    /// The lowest bit of `tagLengths` that belongs to the end tag's.
     static constexpr int EndTagShift = 22;
 
+    /// From the "<" through the ">".
     std::int32_t StartTagLength() const
     {
         return static_cast<std::int32_t>(tagLengths & StartTagMask);
     }
 
+    /// From the "<" through the ">", 0 without an end tag.
     std::int32_t EndTagLength() const
     {
         return static_cast<std::int32_t>(tagLengths) >> EndTagShift;
     }
 
+    /// Leaves the end tag's alone.
     void SetStartTagLength(std::int32_t value)
     {
         tagLengths =
             (tagLengths & ~StartTagMask) | (static_cast<std::uint32_t>(value) & StartTagMask);
     }
 
+    /// Leaves the start tag's alone.
     void SetEndTagLength(std::int32_t value)
     {
         tagLengths = (tagLengths & ((1u << EndTagShift) - 1)) |
                      (static_cast<std::uint32_t>(value) << EndTagShift);
     }
 
+    /// 1 on the top level, 0 on record 0.
     std::uint32_t Level() const { return flagsAndLevel & LevelMask; }
 
+    /// Leaves the flags alone.
     void SetLevel(std::uint32_t level)
     {
         flagsAndLevel = (flagsAndLevel & ~LevelMask) | (level & LevelMask);
     }
 
+    /// @{
+    /// A flag by itself; the level and the others stay.
     bool Has(MXmlElementFlag flag) const { return (flagsAndLevel & flag) != 0; }
     void Set(MXmlElementFlag flag) { flagsAndLevel |= flag; }
     void Clear(MXmlElementFlag flag) { flagsAndLevel &= ~static_cast<std::uint32_t>(flag); }
+    /// @}
 
     /// Record 0, or the stand-in for it while a fragment is parsed.
     bool IsDocument() const { return StartTagLength() == 0; }
@@ -89,17 +103,25 @@ struct MXmlElementRecord {
     /// `<a/>`, or a start tag without an end tag.
     bool IsEmptyElement() const { return StartTagLength() == length; }
 
+    /// Offset right behind the element.
     std::int32_t End() const { return XmlOffsetSum(start, length); }
+
+    /// Offset right behind the start tag.
     std::int32_t ContentStart() const { return XmlOffsetSum(start, StartTagLength()); }
 
+    /// Characters between the tags.
     std::int32_t ContentLength() const
     {
         return XmlOffsetSum(length, -(StartTagLength() + EndTagLength()));
     }
 
+    /// Offset of the end tag.
     std::int32_t ContentEnd() const { return XmlOffsetSum(ContentStart(), ContentLength()); }
 
+    /// Follows a change of `delta` characters in front of the element.
     void MoveBy(std::int32_t delta) { start = XmlOffsetSum(start, delta); }
+
+    /// Follows a change of `delta` characters inside the element.
     void GrowBy(std::int32_t delta) { length = XmlOffsetSum(length, delta); }
 };
 

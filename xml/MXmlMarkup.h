@@ -110,21 +110,30 @@ public:
     /// it is about, or empty. What concerns the root element replaces other findings.
     const std::wstring& GetErrorText() const { return errorText; }
 
-    /// `XmlDocIgnoreCase` or 0, which is what a new document has. Set before loading.
+    /// `XmlDocIgnoreCase` or 0, which is what a new document has.
     std::uint32_t GetDocumentFlags() const { return documentFlags; }
+
+    /// Takes `XmlDocIgnoreCase` from the bits, and nothing else. To be called before loading.
     void SetDocumentFlags(std::uint32_t flags) { documentFlags = flags & XmlDocIgnoreCase; }
 
     // The position
 
+    /// The element whose children are walked, 0 at the top of the document.
     std::int32_t GetParentIndex() const { return parentIndex; }
+
+    /// The current element, 0 in front of the first of the level.
     std::int32_t GetMainIndex() const { return mainIndex; }
+
+    /// The child on which one was when one last left the current element, 0 for none.
     std::int32_t GetChildIndex() const { return childIndex; }
 
     /// Type of the current node, `XmlNodeElement` on an element, 0 on nothing.
     std::int32_t GetNodeType() const { return nodeType; }
 
-    /// Place of the current node if it is not an element; a length other than 0 says so.
+    /// Place of the current node if it is not an element.
     std::int32_t GetNodeOffset() const { return nodeOffset; }
+
+    /// Length of the current node if it is not an element, otherwise 0.
     std::int32_t GetNodeLength() const { return nodeLength; }
 
     /// Moves to the next sibling of that name, from the front of the level if the position is on
@@ -155,6 +164,7 @@ public:
     /// instruction or doctype.
     std::wstring GetCurrentName() const;
 
+    /// The name in the start tag, prefix included.
     std::wstring GetElementName(std::int32_t record) const;
 
     /// The unescaped value of an attribute, or its name if it stands there without a value; empty
@@ -238,6 +248,7 @@ public:
     /// Head of the list of deleted records, linked through `nextSibling`; 0 if there are none.
     std::int32_t GetDeletedHead() const { return deletedHead; }
 
+    /// Number of records for which there is memory.
     std::int32_t GetRecordCapacity() const { return records.Capacity(); }
 
     /// Makes room for that many records, or for half as many again as are in use if `count` is 0;

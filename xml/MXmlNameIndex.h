@@ -24,6 +24,7 @@ public:
     /// The place of the next older one, 0 if there is none.
     std::int32_t Older(std::int32_t place) const { return KeyAt(place).older; }
 
+    /// Depth of the entry that the key at `place` belongs to.
     std::int32_t Depth(std::int32_t place) const { return KeyAt(place).depth; }
 
 private:

@@ -33,10 +33,12 @@ struct MXmlNodeScan {
     std::int32_t start;
     /// Characters consumed.
     std::int32_t length;
+    /// `XmlScanEmptyElement` or 0.
     std::uint32_t flags;
     /// What is wrong with an ill-formed node; not set for others.
     const wchar_t* finding;
 
+    /// Offset right behind the node.
     std::int32_t End() const { return start + length; }
 
     /// The finding in words, with the offset of the node.

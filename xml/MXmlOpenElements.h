@@ -7,11 +7,11 @@
 
 /// An element whose end tag has not been seen yet. The children are kept here until it is closed.
 struct MXmlOpenElement {
-    std::int32_t record;
-    std::int32_t nameStart;
-    std::int32_t nameLength;
-    std::int32_t firstChild;
-    std::int32_t lastChild;
+    std::int32_t record;     ///< of the element
+    std::int32_t nameStart;  ///< offset in the text
+    std::int32_t nameLength; ///< in characters
+    std::int32_t firstChild; ///< record of the first child so far, 0 for none
+    std::int32_t lastChild;  ///< record of the last child so far, 0 for none
 };
 
 /// The stack of open elements of one parse. The entry at depth 0 is the record from which the parse
@@ -24,12 +24,19 @@ struct MXmlOpenElement {
 class MXmlOpenElements
 {
 public:
+    /// Names are read from `source`, which must outlive the stack.
     MXmlOpenElements(const wchar_t* source, bool ignoresCase, std::int32_t startRecord);
 
+    /// Of the uppermost entry.
     std::int32_t Depth() const { return depth; }
+
+    /// The uppermost entry, until the next `Push`.
     MXmlOpenElement& Top() { return entries[depth]; }
+
+    /// The entry at a depth from 0 to `Depth`, until the next `Push`.
     MXmlOpenElement& operator[](std::int32_t at) { return entries[at]; }
 
+    /// Puts an element on top.
     void Push(const MXmlOpenElement& element)
     {
         if (depth + 1 == capacity)

@@ -11,12 +11,15 @@
 class MXmlRecordStore
 {
 public:
+    /// Records in a full segment.
     static constexpr std::int32_t SegmentRecords = 65536;
 
     MXmlRecordStore() = default;
     MXmlRecordStore(const MXmlRecordStore&) = delete;
     MXmlRecordStore& operator=(const MXmlRecordStore&) = delete;
 
+    /// @{
+    /// A record below `Capacity`, until the next `Grow`.
     MXmlElementRecord& operator[](std::int32_t index)
     {
         return segments[static_cast<std::uint32_t>(index) >> SegmentShift][index & SegmentMask];
@@ -26,6 +29,7 @@ public:
     {
         return segments[static_cast<std::uint32_t>(index) >> SegmentShift][index & SegmentMask];
     }
+    /// @}
 
     /// Number of records that the store can hold.
     std::int32_t Capacity() const { return recordCapacity; }

@@ -18,9 +18,9 @@ enum MXmlSavedFlag : std::uint32_t {
 
 /// A position saved under a name.
 struct MXmlSavedPosition {
-    std::wstring name;
-    std::int32_t index = 0;
-    std::uint32_t flags = 0;
+    std::wstring name;       ///< may be empty
+    std::int32_t index = 0;  ///< the record
+    std::uint32_t flags = 0; ///< `MXmlSavedFlag` bits
 };
 
 /// The positions that a document keeps by name: a small hash table that takes no memory until the
@@ -28,6 +28,7 @@ struct MXmlSavedPosition {
 class MXmlSavedPositions
 {
 public:
+    /// Buckets of the table, which is never made larger.
     static constexpr std::uint32_t BucketCount = 7;
 
     /// Keeps `index` with its kind (`XmlSavedMain`, `XmlSavedChild` or 0) under `name`, in place of

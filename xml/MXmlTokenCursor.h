@@ -14,11 +14,22 @@ struct MXmlTokenCursor {
     {
     }
 
+    /// Characters of the current token, without quotes.
     std::int32_t TokenLength() const { return end - start + 1; }
+
+    /// The current token's first character; no zero ends the token.
     const wchar_t* Token() const { return text + start; }
+
+    /// The character where reading goes on.
     const wchar_t* Next() const { return text + next; }
+
+    /// The zero that ends the text.
     const wchar_t* TextEnd() const { return text + textLength; }
+
+    /// The offset of a character of the text.
     std::int32_t OffsetOf(const wchar_t* at) const { return static_cast<std::int32_t>(at - text); }
+
+    /// Whether the current token was in quotes.
     bool Quoted() const { return (flags & XmlCursorQuoted) != 0; }
 
     /// Offset of the current token's first character.
@@ -27,7 +38,9 @@ struct MXmlTokenCursor {
     std::int32_t end = -1;
     /// Where reading goes on.
     std::int32_t next = 0;
+    /// The text, not owned.
     const wchar_t* text;
+    /// Without the zero.
     std::int32_t textLength;
     /// Document flags (`XmlDocIgnoreCase`) and `XmlCursorQuoted`.
     std::uint32_t flags;

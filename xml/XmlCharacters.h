@@ -7,13 +7,16 @@
 namespace XmlCharacters
 {
 
+/// The set of a single character, whose code must be below 64.
 constexpr std::uint64_t Bit(int code)
 {
     return std::uint64_t(1) << code;
 }
 
+/// White space: " \t\n\r".
 constexpr std::uint64_t SpaceSet = Bit(' ') | Bit('\t') | Bit('\n') | Bit('\r');
 
+/// Whether the character is in the set; characters from 64 on are in none.
 template <std::uint64_t Set>
 bool In(wchar_t c)
 {
@@ -21,11 +24,13 @@ bool In(wchar_t c)
     return code < 64 && ((Set >> code) & 1) != 0;
 }
 
+/// " \t\n\r".
 inline bool IsSpace(wchar_t c)
 {
     return In<SpaceSet>(c);
 }
 
+/// A double or a single quote.
 inline bool IsQuote(wchar_t c)
 {
     return c == L'"' || c == L'\'';
@@ -83,6 +88,7 @@ inline wchar_t Fold(wchar_t c)
     return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
 }
 
+/// Compares as many characters of either text; `ignoreCase` is about ASCII letters only.
 inline bool Equal(const wchar_t* left, const wchar_t* right, std::int32_t length, bool ignoreCase)
 {
     for (std::int32_t i = 0; i < length; ++i) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #if defined(__SSE2__) && defined(__GNUC__)
+/// Whether characters can be compared by the block.
 #define VAREK_XML_BLOCKS 1
 #include <emmintrin.h>
 #else
@@ -22,13 +23,16 @@ std::size_t TextLength(const wchar_t* text);
 class XmlBlock
 {
 public:
+    /// Characters in a block.
     static constexpr std::ptrdiff_t Length = sizeof(__m128i) / sizeof(wchar_t);
 
+    /// The characters from `at` on, all of which must be readable.
     static XmlBlock Of(const wchar_t* at)
     {
         return XmlBlock(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)));
     }
 
+    /// One character, as often as a block has room.
     static XmlBlock OfAll(wchar_t c)
     {
         return XmlBlock(sizeof(wchar_t) == 2 ? _mm_set1_epi16(static_cast<short>(c))
