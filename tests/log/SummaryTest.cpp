@@ -37,7 +37,7 @@ TEST(Summary, OfWhatPassesAFilterAndWithFindings)
     RecordFilter filter;
     filter.from = 3;
     filter.to = 3;
-    EXPECT_EQ(R"(5 records in 0.000004 seconds, of which 1 pass the filters
+    EXPECT_EQ(R"(5 records in 0.000004 seconds, passing the filters: 1
 
 Findings
   The recorder did not know the wall clock.
@@ -48,7 +48,7 @@ Findings
    Events  Class
         1  C: Scope_pop 1
 
-      Seconds  Errors raised and dismissed
+No errors
 )",
               Summary::Compose(DumpOf("+a+b.-b-a"), filter));
 }

@@ -5,7 +5,8 @@
 
 std::string Description::Place(const DumpRecord& record, const DumpNames& names)
 {
-    return record.classId == 0 ? "" : names.Class(record) + "." + names.Function(record);
+    return EventKind::HasPlace(record.kind) ? names.Class(record) + "." + names.Function(record)
+                                            : "";
 }
 
 std::string Description::PlaceAndObject(const DumpRecord& record, const DumpNames& names)
@@ -31,7 +32,7 @@ std::string Description::Whole(const DumpRecord& record, const DumpNames& names)
 {
     const std::string line =
         EventKind::HasLine(record.kind) ? ", line " + std::to_string(record.param2) : "";
-    const std::string lead = record.classId == 0 ? "" : " at ";
+    const std::string lead = EventKind::HasPlace(record.kind) ? " at " : "";
     return Event(record, names) + lead + PlaceAndObject(record, names) + line;
 }
 

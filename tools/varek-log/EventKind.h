@@ -39,6 +39,12 @@ constexpr bool HasLine(std::int32_t kind)
            kind == Destruction;
 }
 
+/// Those that come from a class and a function: all but the joining and parting of logs.
+constexpr bool HasPlace(std::int32_t kind)
+{
+    return kind != LogModuleAdded && kind != LogModuleRemoved;
+}
+
 /// As the dump writes it, "unknown event" for what has no name.
 std::string_view Name(std::int32_t kind);
 

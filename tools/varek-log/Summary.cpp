@@ -63,7 +63,7 @@ void Summary::AddSpan()
     const std::size_t all = dump.records.size();
     text += std::to_string(all) + " records in " + TextForms::Seconds(dump.End() - dump.Begin()) +
             " seconds";
-    text += passed == all ? "\n" : ", of which " + std::to_string(passed) + " pass the filters\n";
+    text += passed == all ? "\n" : ", passing the filters: " + std::to_string(passed) + "\n";
     if (dump.start) {
         AddHeading("      Seconds  Wall clock where the dump was written");
         AddWallClock(dump.reference, "start of the recorder");
@@ -110,7 +110,7 @@ void Summary::AddEvents()
 
 void Summary::AddErrors()
 {
-    AddHeading("      Seconds  Errors raised and dismissed");
+    AddHeading(errors.empty() ? "No errors" : "      Seconds  Errors raised and dismissed");
     for (const DumpRecord* error : errors)
         text += Time(error->time) + "  " + Description::Whole(*error, dump.names) + " on " +
                 Description::Thread(error->threadId, dump.names) + "\n";

@@ -109,7 +109,7 @@ void TraceEvents::AddEvent(const TimelineEntry& event)
     AddTrack(record.threadId);
 
     json.Key("args").BeginObject();
-    if (record.classId != 0)
+    if (EventKind::HasPlace(record.kind))
         json.Key("place").Text(Description::Place(record, dump.names));
     if (EventKind::IsError(record.kind) && record.param1 != 0)
         json.Key("code").Text(dump.names.Parameter(record));
