@@ -59,6 +59,8 @@ TEST_F(Program, TellsByItsExitCodeWhatWentWrong)
     EXPECT_EQ(1, Run("--trace /dev/full sample.log"));
     EXPECT_EQ(1, Run("err"));
     EXPECT_EQ("varek-log: err: this is not a dump of a flight recorder\n", Text("err"));
+    EXPECT_EQ(0, Run("--tree --class Pumps sample.log"));
+    EXPECT_EQ("varek-log: nothing passes the filters\n", Text("err"));
     EXPECT_EQ(2, Run("--nothing"));
     EXPECT_EQ(0, Run("--help"));
     EXPECT_EQ(0, Run("--version"));

@@ -54,11 +54,12 @@ TEST(RecorderDump, OfEveryKindReadsBackAsItWasRecorded)
         const DumpRecord& record = dump.records[i];
         EXPECT_EQ(kinds[i / 2], record.kind);
         EXPECT_EQ(i % 2 == 0 ? -1 : 5, record.param2);
-        EXPECT_EQ(i < 4 ? "" : i % 2 == 0 ? "Pump.Drain" : "(unknown).(unknown)",
-                  Description::Place(record, dump.names));
         EXPECT_EQ(i % 2 == 0 ? "core" : "", dump.names.Object(record));
         EXPECT_EQ("main (1)", dump.names.Thread(record.threadId));
     }
+    EXPECT_EQ("Log_module_added (core)", Description::Whole(dump.records[0], dump.names));
+    EXPECT_EQ("Pump.Drain (core)", Description::PlaceAndObject(dump.records[4], dump.names));
+    EXPECT_EQ("(unknown).(unknown)", Description::PlaceAndObject(dump.records[5], dump.names));
     EXPECT_EQ("Root_error RunsDry", Description::Event(dump.records[4], dump.names));
     EXPECT_EQ("State_change to Running at last", Description::Event(dump.records[14], dump.names));
     EXPECT_EQ("State_change to state_4", Description::Event(dump.records[15], dump.names));

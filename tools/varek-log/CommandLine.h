@@ -25,6 +25,12 @@ struct CommandLine {
     /// Raises `UsageError`.
     static CommandLine Parse(const std::vector<std::filesystem::path>& arguments);
 
+    /// The dump as it is called in what is made of it.
+    std::string Source() const
+    {
+        return dump == "-" ? "standard input" : dump.filename().u8string();
+    }
+
     /// Whether the summary is what is left to print.
     bool ShowSummary() const { return !showTree && trace.empty(); }
 };

@@ -12,7 +12,7 @@ namespace
 
 constexpr std::string_view headerLead = "%% Reference time: ";
 constexpr std::string_view recordLead = "% ";
-constexpr std::size_t leastRecordLength = 100; // or nearly so, with both lines
+constexpr std::size_t usualRecordLength = 170; // with both lines
 
 bool BeginsWith(std::string_view text, std::string_view front)
 {
@@ -44,7 +44,7 @@ Dump DumpReader::Read(std::string_view text)
 
 void DumpReader::ReadLines()
 {
-    dump.records.reserve(text.size() / leastRecordLength);
+    dump.records.reserve(text.size() / usualRecordLength);
     while (next < text.size() && dump.findings.secondDumpLine == 0) {
         const std::size_t end = std::min(text.find('\n', next), text.size());
         const std::string_view line = Trimmed(text.substr(next, end - next));

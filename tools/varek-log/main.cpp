@@ -40,12 +40,13 @@ void ShowDump(const CommandLine& line)
     Dump dump = ReadDump(line.dump);
     std::vector<Timeline> timelines = Timelines::Of(dump);
     Timelines::Keep(line.filter, dump.names, timelines);
+    if (timelines.empty() && !dump.records.empty())
+        std::cerr << "varek-log: nothing passes the filters\n";
 
     if (line.showTree)
         Print(ScopeTree::Compose(dump, timelines));
     if (!line.trace.empty())
-        TextFile::Write(line.trace,
-                        TraceEvents::Compose(dump, timelines, line.dump.filename().u8string()));
+        TextFile::Write(line.trace, TraceEvents::Compose(dump, timelines, line.Source()));
     if (line.ShowSummary())
         Print(Summary::Compose(dump, line.filter));
     else
