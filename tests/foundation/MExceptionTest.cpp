@@ -8,75 +8,57 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace
 {
 
 class Uncloneable : public MError
 {
-    MDynObject* Clone() const override { return nullptr; }
+    MDynObject* Clone() const override { return MDynObject::Clone(); }
 };
 
-MException Chain(std::initializer_list<const wchar_t*> codes)
+DumpedRecord LatestRecord()
 {
-    MException exception;
-    for (const wchar_t* code : codes)
-        exception.AddError(MError(code));
-    return exception;
-}
-
-std::wstring Codes(const MException& exception)
-{
-    std::wstring codes;
-    for (std::uint32_t i = 0; i < exception.GetErrorCount(); ++i) {
-        const MError* const error = exception.GetError(static_cast<std::int32_t>(i));
-        codes += error ? error->GetCode().c_str() : L"(null)";
-        codes += L' ';
-    }
-    return codes;
+    return ReadDump(TakeDump(*MFlowLogger::GetInstance()->GetImplementation())).back();
 }
 
 } // namespace
 
-TEST(MException, EntriesAreCountedFromTheFirst)
+TEST(MException, CopyIsDeepAndDropsEmptyEntriesAndTakingReplaces)
 {
-    EXPECT_EQ(nullptr, MException().GetError(0));
-    const MException chain = Chain({L"a", L"b"});
-    EXPECT_EQ(L"a b ", Codes(chain));
-    EXPECT_EQ(nullptr, chain.GetError(-1));
-    EXPECT_EQ(nullptr, chain.GetError(2));
-}
-
-TEST(MException, CopyIsDeepAndDropsNullEntriesAndTakingReplaces)
-{
-    MException original = Chain({L"a"});
+    MException original(MError(L"first"));
     original.AddError(Uncloneable());
     original.AddError(MErrorOutOfMemory());
-    EXPECT_EQ(L"a (null)  ", Codes(original));
+    EXPECT_EQ(3u, original.GetErrorCount());
+    EXPECT_EQ("Out of memory", FailureText(original));
+    for (const std::int32_t none : {-1, 1, 3})
+        EXPECT_EQ(nullptr, original.GetError(none));
 
     const MException copy(original);
-    EXPECT_EQ(L"a  ", Codes(copy));
-    EXPECT_NE(original.GetError(0), copy.GetError(0));
-    EXPECT_EQ(&MErrorOutOfMemory::dynClass, copy.GetError(1)->GetDynClass());
-
-    MException temporary = Chain({L"new"});
+    MException temporary(MError(L"new"));
     original.TakeFrom(temporary);
-    EXPECT_EQ(L"new ", Codes(original));
+    EXPECT_EQ("new", FailureText(original));
+    EXPECT_EQ(1u, original.GetErrorCount());
+    EXPECT_EQ("no errors", FailureText(MException(temporary))); // it has no chain any more
+    EXPECT_EQ(2u, copy.GetErrorCount());
+    EXPECT_STREQ(L"first", copy.GetError(0)->GetCode().c_str());
+    EXPECT_EQ(&MErrorOutOfMemory::dynClass, copy.GetError(1)->GetDynClass());
 }
 
-TEST(MException, ThrowCarriesTheErrorAndDismissalIsRecorded)
+TEST(MException, RaisingAndDismissingStandInTheLog)
 {
-    static MFlowLocation location(L"ExceptionTester", L"Throw");
-    MError error(L"A.B:C");
+    static MFlowLocation location(L"ExceptionTester", L"Raise");
+    MError error(L"old");
+    error.AddParameter(L"old", 1);
+    location.SetLine(99).RaiseRootError(error, L"BrandNew");
+    const DumpedRecord raised = LatestRecord();
+    EXPECT_EQ(0u, raised.text.find("% Root_error BrandNew in_class "));
+    EXPECT_EQ(99, raised.numbers[2]);
     error.AddParameter(L"n", 1);
-    EXPECT_EQ("A.B:C n=1", Raised([&] { location.Throw(error); }));
+    EXPECT_EQ("ExceptionTester.Raise:BrandNew n=1", Raised([&] { location.Throw(error); }));
     EXPECT_EQ("Out of memory", Raised(RaiseOutOfMemory));
 
     location.SetLine(12).DismissError(MException(error));
-    const DumpedRecord record =
-        ReadDump(TakeDump(*MFlowLogger::GetInstance()->GetImplementation())).back();
-    EXPECT_EQ(-103, record.numbers[0]);
-    EXPECT_EQ(0, record.numbers[1]);
-    EXPECT_EQ(12, record.numbers[2]);
+    const DumpedRecord dismissed = LatestRecord();
+    EXPECT_EQ(0u, dismissed.text.find("% Dismissed_error"));
+    EXPECT_EQ(12, dismissed.numbers[2]);
 }
