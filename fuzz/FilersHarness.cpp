@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 #include <random>
+#include <sstream>
 
 namespace
 {
@@ -35,13 +36,13 @@ bool Same(double a, double b)
     return a == b || (std::isnan(a) && std::isnan(b));
 }
 
-/// Two readers of one document that are asked the same, so that they must answer the same.
+/// Two readers of the same that are asked the same, so that they must answer the same.
 class FilerPlayer
 {
 public:
-    explicit FilerPlayer(const std::wstring& document)
-        : filer(document.c_str(), nullptr, nullptr), other(document.c_str(), nullptr, nullptr)
+    FilerPlayer(IInFilerTagged& filer, IInFilerTagged& other) : filer(filer), other(other)
     {
+        told.precision(10);
     }
 
     std::string Do(char operation, const MString& tag)
@@ -68,9 +69,10 @@ public:
         case 'I':
             return Read<int>(&IInFilerTagged::ReadInt32, tag, false);
         case '(':
-            return filer.BeginGroup(tag) == other.BeginGroup(tag) ? "" : "groups differ";
+            return Tell(filer.BeginGroup(tag), L"in") == other.BeginGroup(tag) ? ""
+                                                                               : "groups differ";
         case ')':
-            return filer.EndGroup() == other.EndGroup() ? "" : "ends differ";
+            return Tell(filer.EndGroup(), L"out") == other.EndGroup() ? "" : "ends differ";
         case 'D':
             return ReadDocument(tag);
         default:
@@ -78,13 +80,24 @@ public:
         }
     }
 
+    std::wstring Told() const { return told.str(); }
+
 private:
+    template <class T>
+    bool Tell(bool answer, const T& delivered)
+    {
+        told << (answer ? L"" : L"(") << delivered << (answer ? L";" : L");");
+        return answer;
+    }
+
     template <class T, class ReadValue>
     std::string Read(ReadValue read, const MString& tag, bool failureGivesDefault)
     {
         const T defaultValue = static_cast<T>(1);
         Guarded<T> first;
         Guarded<T> second;
+        if ((filer.*read)(tag, nullptr, defaultValue))
+            return "read to nowhere";
         const bool found = (filer.*read)(tag, &first.result, defaultValue);
         if (found != (other.*read)(tag, &second.result, defaultValue))
             return "answers differ";
@@ -94,6 +107,7 @@ private:
             return "results differ";
         if (!found && failureGivesDefault && first.result != defaultValue)
             return "not the default";
+        Tell(found, static_cast<double>(first.result));
         return "";
     }
 
@@ -105,6 +119,7 @@ private:
         const bool found = (filer.*read)(tag, first, L"default");
         if (found != (other.*read)(tag, second, L"default") || MString::Compare(first, second) != 0)
             return "texts differ";
+        Tell(found, first.c_str());
         return found || MString::Compare(first, L"default") == 0 ? "" : "not the default";
     }
 
@@ -112,7 +127,7 @@ private:
     {
         MString text(L"untouched");
         MString otherText;
-        if (!filer.ReadDocument(tag, text))
+        if (!Tell(filer.ReadDocument(tag, text), L"document"))
             return text.IsEmpty() && !other.ReadDocument(tag, otherText) ? "" : "text of a failure";
         if (!other.ReadDocument(tag, otherText) || MString::Compare(text, otherText) != 0)
             return "documents differ";
@@ -120,8 +135,9 @@ private:
         return embedded.EndGroup() ? "" : "a document that cannot be read";
     }
 
-    MInFilerTaggedXml filer;
-    MInFilerTaggedXml other;
+    IInFilerTagged& filer;
+    IInFilerTagged& other;
+    std::wostringstream told;
 };
 
 const char* const tags[] = {"a", "b", "v", "w"};
@@ -209,9 +225,10 @@ private:
 
 } // namespace
 
-std::string PlayFilerInput(const std::wstring& document, const std::string& operations)
+std::string PlayOnFilers(IInFilerTagged& filer, IInFilerTagged& other,
+                         const std::string& operations, std::wstring* told)
 {
-    FilerPlayer player(document);
+    FilerPlayer player(filer, other);
     std::string broken;
     for (std::size_t at = 0; at < operations.size() && broken.empty();) {
         const std::size_t end = std::min(operations.find(';', at), operations.size());
@@ -220,7 +237,17 @@ std::string PlayFilerInput(const std::wstring& document, const std::string& oper
         broken = player.Do(operations[at], tag.c_str());
         at = end + 1;
     }
+    if (told)
+        *told = player.Told();
     return broken;
+}
+
+std::string PlayFilerInput(const std::wstring& document, const std::string& operations,
+                           std::wstring* told)
+{
+    MInFilerTaggedXml filer(document.c_str(), nullptr, nullptr);
+    MInFilerTaggedXml other(document.c_str(), nullptr, nullptr);
+    return PlayOnFilers(filer, other, operations, told);
 }
 
 void MakeFilerInput(unsigned number, std::wstring& document, std::string& operations)

@@ -76,6 +76,8 @@ public:
         return broken;
     }
 
+    const std::wstring& Told() const { return told; }
+
 private:
     static Operation Parse(const std::wstring& part)
     {
@@ -128,23 +130,24 @@ private:
     {
         switch (operation.letter) {
         case L'f':
-            document.FindElement(operation.first.c_str());
-            break;
+            return NoteAnswer(document.FindElement(operation.first.c_str()));
         case L'e':
-            document.EnterElement();
-            break;
+            return NoteAnswer(document.EnterElement());
         case L'l':
-            document.LeaveElement();
-            break;
+            return NoteAnswer(document.LeaveElement());
         case L's':
-            document.SavePosition(operation.first.c_str());
-            break;
+            return NoteAnswer(document.SavePosition(operation.first.c_str()));
         case L'r':
-            document.RestorePosition(operation.first.c_str());
-            break;
+            return NoteAnswer(document.RestorePosition(operation.first.c_str()));
         case L'g':
-            Read(operation);
-            break;
+        case L'v':
+            return Read(operation);
+        case L'p':
+            return Tell(std::to_wstring(document.GetParentIndex()) + L"," +
+                        std::to_wstring(document.GetMainIndex()) + L"," +
+                        std::to_wstring(document.GetChildIndex()));
+        case L'd':
+            return Tell(document.GetDocumentText());
         case L'c':
             // The index keeps the regard that it was made with.
             fresh = false;
@@ -157,7 +160,11 @@ private:
 
     void Read(const Operation& operation)
     {
-        document.GetCurrentName();
+        const std::int32_t main = document.GetMainIndex();
+        if (operation.letter == L'g')
+            Tell(document.GetAttribute(main, operation.first.c_str()));
+        else
+            Tell(document.GetCurrentName() + L"=" + document.GetElementData(main));
         for (std::int32_t record = -1; record <= document.GetRecordCount(); ++record) {
             document.GetElementName(record);
             document.GetAttribute(record, operation.first.c_str());
@@ -165,6 +172,10 @@ private:
             document.GetInnerMarkup(record);
         }
     }
+
+    void Tell(const std::wstring& answer) { told += answer + L";"; }
+
+    void NoteAnswer(bool answer) { told += answer ? L"" : L"!"; }
 
     static std::uint32_t Flags(std::uint32_t choice)
     {
@@ -202,7 +213,7 @@ private:
     std::string AddNode(const Operation& operation)
     {
         const std::int32_t type = 1 << (operation.choice & 7);
-        const std::uint32_t flags = Flags(operation.choice & 0x42);
+        const std::uint32_t flags = Flags((operation.choice & 0x40) | (operation.choice >> 4 & 2));
         NoteParent(document.GetParentIndex());
         const bool breaksLine =
             (type & (XmlNodeInstruction | XmlNodeComment | XmlNodeDoctype)) != 0;
@@ -288,6 +299,7 @@ private:
 
     std::string Refused()
     {
+        NoteAnswer(false);
         return document.GetDocumentText() == before ? Check(fresh) : "a refusal changed the text";
     }
 
@@ -313,6 +325,7 @@ private:
     }
 
     MXmlMarkup document;
+    std::wstring told;
     std::wstring before;
     // Nothing ill-formed was loaded or added.
     bool fresh = false;
@@ -322,7 +335,7 @@ private:
 
 } // namespace
 
-std::string PlayXmlInput(const std::uint8_t* data, std::size_t size)
+std::string PlayXmlInput(const std::uint8_t* data, std::size_t size, std::wstring* told)
 {
     std::vector<std::wstring> parts(1);
     for (std::size_t i = 0; i < size; ++i) {
@@ -331,5 +344,9 @@ std::string PlayXmlInput(const std::uint8_t* data, std::size_t size)
         else if (data[i] != 0)
             parts.back() += static_cast<wchar_t>(data[i] < 128 ? data[i] : data[i] + 0x100);
     }
-    return XmlPlayer().Play(parts);
+    XmlPlayer player;
+    const std::string broken = player.Play(parts);
+    if (told)
+        *told = player.Told();
+    return broken;
 }

@@ -12,9 +12,13 @@
 ///     <a><b/></a>|f|e|f0b|t0name,value|a0c,data
 ///
 ///     L load        f find        e enter         l leave        s save        r restore
-///     g read        a add element n add node      t set attribute (current)
+///     g read an attribute         v read name and data           p tell the position
+///     a add element n add node      t set attribute (current)
 ///     m replace the inner markup  x set attribute (any record)   c turn the regard of case
-///     u escape and unescape
+///     u escape and unescape       d tell the document's text
 ///
 /// Characters are bytes; those from 128 up stand for characters from 0x100 up.
-std::string PlayXmlInput(const std::uint8_t* data, std::size_t size);
+///
+/// `told`, where wanted, gets what is read at the current place, each with a ";", and a "!" for
+/// each refusal.
+std::string PlayXmlInput(const std::uint8_t* data, std::size_t size, std::wstring* told = nullptr);

@@ -75,6 +75,8 @@ std::string BrokenChildren(const MXmlMarkup& document, std::int32_t parent,
         const MXmlElementRecord& record = document.GetRecord(at);
         if (record.parent != parent)
             return "a child does not climb to its parent";
+        if (record.Has(XmlElementNoEndTag) && record.EndTagLength() != 0)
+            return "an end tag that is said not to be there";
         if (before != 0 && record.previousSibling != before)
             return "a sibling does not name the one before it";
         before = at;

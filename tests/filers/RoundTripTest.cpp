@@ -2,13 +2,12 @@
 #include "filers/IOutFilerTaggedRegistry.h"
 #include "filers/MInFilerTaggedXml.h"
 #include "filers/MOutFilerTaggedXml.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/Allocations.h"
+#include "tests/support/ProcessHandles.h"
 
 #include <windows.h>
 
 #include <cmath>
-#include <cstring>
 #include <cwctype>
 #include <limits>
 #include <random>
@@ -32,11 +31,6 @@ struct Xml : MOutFilerTaggedXml {
 
 struct Registry : IOutFilerTaggedRegistry {
     Registry() : IOutFilerTaggedRegistry(L"RoundTripTest") {}
-    ~Registry() override
-    {
-        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Varek\\RoundTripTest");
-        RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Varek");
-    }
 
     std::unique_ptr<In> Reader() const
     {
@@ -44,62 +38,65 @@ struct Registry : IOutFilerTaggedRegistry {
     }
 };
 
-MString TagOf(std::size_t number)
+class RoundTrip : public testing::Test
 {
-    return (L"v" + std::to_wstring(number)).c_str();
-}
+protected:
+    ~RoundTrip() override
+    {
+        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Varek\\RoundTripTest");
+        RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Varek");
+    }
+};
 
-/// What becomes of the values when they are written and read again.
+/// What becomes of a value when it is written and read again.
 template <class Filer, class T, class Write, class Read>
-std::vector<T> Back(const std::vector<T>& values, Write write, Read read)
+T Back(T value, Write write, Read read)
 {
     Filer out;
-    for (std::size_t i = 0; i < values.size(); ++i)
-        EXPECT_TRUE((out.*write)(TagOf(i), values[i]));
-    const std::unique_ptr<In> in = out.Reader();
-    std::vector<T> results(values.size());
-    for (std::size_t i = 0; i < values.size(); ++i)
-        EXPECT_TRUE(((*in).*read)(TagOf(i), &results[i], T{})) << values[i];
-    return results;
+    T result = T();
+    EXPECT_TRUE((out.*write)(L"v", value));
+    EXPECT_TRUE(((*out.Reader()).*read)(L"v", &result, T())) << value;
+    return result;
+}
+
+/// Expects a value back up to a part of it.
+template <class Filer, class T, class Write, class Read>
+void ExpectNear(T value, Write write, Read read, double part)
+{
+    const T back = Back<Filer>(value, write, read);
+    EXPECT_NEAR(value, back,
+                part * std::fabs(value) + (part > 0) * std::numeric_limits<T>::denorm_min());
+    EXPECT_EQ(std::signbit(value), std::signbit(back));
 }
 
 template <class T, class Write, class Read>
 void ExpectIntegersBack(Write write, Read read)
 {
     typedef std::numeric_limits<T> Limits;
-    std::vector<T> values = {Limits::min(), Limits::max(), 0, 1, static_cast<T>(-1)};
     std::mt19937 random(1);
-    for (int i = 0; i < 50; ++i)
-        values.push_back(static_cast<T>(random()));
-    EXPECT_EQ(values, (Back<Xml>(values, write, read)));
-    EXPECT_EQ(values, (Back<Registry>(values, write, read)));
+    for (int i = 0; i < 20; ++i) {
+        const T number = static_cast<T>(random() >> (i % 32));
+        for (const T value : {number, static_cast<T>(~number), Limits::min(), Limits::max()}) {
+            ExpectNear<Xml>(value, write, read, 0);
+            ExpectNear<Registry>(value, write, read, 0);
+        }
+    }
 }
 
-/// Numbers of random digits for every `step`th exponent from the denormals on, with both signs.
-template <class T>
-std::vector<T> FiniteNumbers(int step)
+/// Expects numbers of random digits for every `step`th exponent from the denormals on, with both
+/// signs, to come back up to a part of them.
+template <class T, class Write, class Read>
+void ExpectFloatsBack(int step, Write write, Read read, double xmlPart, double registryPart)
 {
     typedef std::numeric_limits<T> Limits;
     std::mt19937 random(2);
-    std::uniform_real_distribution<T> mantissa(0.5, 1);
-    std::vector<T> values = {0, static_cast<T>(-0.0), Limits::denorm_min()};
-    const int lowest = Limits::min_exponent - Limits::digits;
-    for (int exponent = lowest; exponent <= Limits::max_exponent; exponent += step) {
-        values.push_back(std::ldexp(mantissa(random), exponent));
-        values.push_back(-values.back());
-    }
-    return values;
-}
-
-/// Expects each result to be near to its value, up to a part of the value.
-template <class T>
-void ExpectClose(const std::vector<T>& values, const std::vector<T>& results, double part)
-{
-    const double least = static_cast<double>(std::numeric_limits<T>::denorm_min());
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const double value = static_cast<double>(values[i]);
-        EXPECT_NEAR(value, static_cast<double>(results[i]), std::fabs(value) * part + least);
-        EXPECT_EQ(std::signbit(values[i]), std::signbit(results[i]));
+    std::uniform_real_distribution<T> digits(0.5, 1);
+    for (int e = Limits::min_exponent - Limits::digits; e <= Limits::max_exponent; e += step) {
+        const T number = std::ldexp(digits(random), e);
+        for (const T value : {number, -number, T(0), T(-0.0)}) {
+            ExpectNear<Xml>(value, write, read, xmlPart);
+            ExpectNear<Registry>(value, write, read, registryPart);
+        }
     }
 }
 
@@ -119,50 +116,63 @@ void ExpectTextsBack()
     }
 }
 
+template <class Filer>
+void ExpectLackOfMemoryLeavesNothing()
+{
+    const auto fileAndRead = [] {
+        Filer out;
+        MString text;
+        double value = 0;
+        unsigned int number = 0;
+        out.BeginGroup(L"g") && out.WriteDouble(L"v", 1.0 / 3) &&
+            out.WriteUInt32(L"n", 1234567890) && out.EndGroup() &&
+            out.WriteDocument(L"d", L"<root>some text in here</root>");
+        const std::unique_ptr<In> in = out.Reader();
+        in->BeginGroup(L"g") && in->ReadDouble(L"v", &value, 0) &&
+            in->ReadUInt32(L"n", &number, 0) && in->EndGroup() && in->ReadDocument(L"d", text);
+        EXPECT_EQ(1234567890u, number);
+    };
+    fileAndRead();
+    ForEachFailingAllocation(AllocationFailure::Throws, fileAndRead, [](ShortageOutcome outcome) {
+        EXPECT_NE(ShortageOutcome::Completed, outcome);
+    });
+}
+
 } // namespace
 
-TEST(RoundTrip, IntegersAndCharactersAreKept)
+TEST_F(RoundTrip, IntegersCharactersAndTextsAreKept)
 {
     ExpectIntegersBack<unsigned char>(&Out::WriteByte, &In::ReadByte);
     ExpectIntegersBack<unsigned short>(&Out::WriteUInt16, &In::ReadUInt16);
     ExpectIntegersBack<short>(&Out::WriteInt16, &In::ReadInt16);
     ExpectIntegersBack<unsigned int>(&Out::WriteUInt32, &In::ReadUInt32);
     ExpectIntegersBack<int>(&Out::WriteInt32, &In::ReadInt32);
-    std::vector<char> characters;
-    for (int code = 1; code < 256; ++code)
-        if (!std::iswspace(static_cast<std::wint_t>(code)))
-            characters.push_back(static_cast<char>(code));
-    EXPECT_EQ(characters, (Back<Xml>(characters, &Out::WriteChar, &In::ReadChar)));
-    characters.insert(characters.end(), {'\0', ' ', '\n', '\x85', '\xA0'});
-    EXPECT_EQ(characters, (Back<Registry>(characters, &Out::WriteChar, &In::ReadChar)));
-}
-
-TEST(RoundTrip, FloatsKeepTheirBitsInXmlAndSevenDigitsInTheRegistry)
-{
-    const auto values = FiniteNumbers<float>(1);
-    const auto results = Back<Xml>(values, &Out::WriteFloat, &In::ReadFloat);
-    EXPECT_EQ(0, std::memcmp(values.data(), results.data(), values.size() * sizeof(float)));
-    const auto some = FiniteNumbers<float>(3);
-    ExpectClose(some, Back<Registry>(some, &Out::WriteFloat, &In::ReadFloat), 5.6e-7);
-}
-
-TEST(RoundTrip, DoublesKeepSixteenDigitsInXmlAndFifteenInTheRegistry)
-{
-    const auto values = FiniteNumbers<double>(1);
-    ExpectClose(values, Back<Xml>(values, &Out::WriteDouble, &In::ReadDouble), 6.2e-16);
-    const auto some = FiniteNumbers<double>(41);
-    ExpectClose(some, Back<Registry>(some, &Out::WriteDouble, &In::ReadDouble), 5.2e-15);
-
-    typedef std::numeric_limits<double> Limits;
-    const double infinity = Limits::infinity();
-    const std::vector<double> extremes = {infinity, -infinity, Limits::max(), Limits::quiet_NaN()};
-    const auto back = Back<Xml>(extremes, &Out::WriteDouble, &In::ReadDouble);
-    EXPECT_TRUE(back[0] == infinity && back[1] == -infinity && std::isnan(back[3]));
-    EXPECT_EQ(infinity, back[2]); // rounded up to sixteen digits
-}
-
-TEST(RoundTrip, TextIsKept)
-{
     ExpectTextsBack<Xml>();
     ExpectTextsBack<Registry>();
+    for (int code = 0; code < 256; ++code) {
+        const char value = static_cast<char>(code);
+        EXPECT_EQ(value, (Back<Registry>(value, &Out::WriteChar, &In::ReadChar)));
+        if (code != 0 && !std::iswspace(static_cast<std::wint_t>(code))) {
+            EXPECT_EQ(value, (Back<Xml>(value, &Out::WriteChar, &In::ReadChar)));
+        }
+    }
+}
+
+TEST_F(RoundTrip, FloatingNumbersKeepTheDigitsOfTheirBackEnd)
+{
+    ExpectFloatsBack<float>(5, &Out::WriteFloat, &In::ReadFloat, 0, 5.6e-7);
+    ExpectFloatsBack<double>(41, &Out::WriteDouble, &In::ReadDouble, 6.2e-16, 5.2e-15);
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double most = std::numeric_limits<double>::max(); // rounded up to sixteen digits
+    for (const double value : {infinity, -infinity, most})
+        EXPECT_EQ(value == most ? infinity : value,
+                  Back<Xml>(value, &Out::WriteDouble, &In::ReadDouble));
+    EXPECT_TRUE(std::isnan(Back<Xml>(std::nan(""), &Out::WriteDouble, &In::ReadDouble)));
+}
+
+TEST_F(RoundTrip, LackOfMemoryLeavesByExceptionAndNothingOpen)
+{
+    ExpectLackOfMemoryLeavesNothing<Xml>();
+    const ExpectSameHandles handles;
+    ExpectLackOfMemoryLeavesNothing<Registry>();
 }

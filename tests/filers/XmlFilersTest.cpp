@@ -1,7 +1,6 @@
 #include "filers/MInFilerTaggedXml.h"
 #include "filers/MOutFilerTaggedXml.h"
 #include "fuzz/FilersHarness.h"
-#include "tests/support/Allocations.h"
 
 #include <gtest/gtest.h>
 
@@ -20,30 +19,6 @@ std::wstring TextOf(const MOutFilerTaggedXml& filer)
     MString text(L"untouched");
     EXPECT_TRUE(filer.GetDocumentText(&text));
     return text.c_str();
-}
-
-MString Document(const std::wstring& content)
-{
-    return (L"<r>" + content + L"</r>").c_str();
-}
-
-/// Expects a value to be read so; the default is 77.
-template <class T, class Read>
-void ExpectRead(Read read, const wchar_t* family, const wchar_t* text, bool isRead, T value)
-{
-    MInFilerTaggedXml filer(Document(std::wstring(L"<v type='") + family + L"'>" + text + L"</v>"),
-                            L"r", nullptr);
-    T result = 5;
-    EXPECT_FALSE((filer.*read)(L"v", nullptr, static_cast<T>(77))); // and passes nothing
-    EXPECT_EQ(isRead, (filer.*read)(L"v", &result, static_cast<T>(77))) << family << text;
-    EXPECT_EQ(value, result) << family << text;
-}
-
-int NextInt(MInFilerTaggedXml& filer, const wchar_t* tag)
-{
-    int value = 0;
-    filer.ReadInt32(tag, &value, -1);
-    return value;
 }
 
 } // namespace
@@ -93,113 +68,91 @@ TEST(MOutFilerTaggedXml, ProcessLocaleDoesNotShowAndIsLeftAlone)
     EXPECT_EQ(0, wrong);
 }
 
-TEST(MInFilerTaggedXml, ConvertsByTheRulesOfEachType)
+TEST(MInFilerTaggedXml, ReadsInOrderByTheRulesOfEachType)
 {
-    typedef IInFilerTagged In;
-    const double infinity = std::numeric_limits<double>::infinity();
-    ExpectRead<int>(&In::ReadInt32, L"int", L" -12abc", true, -12);
-    ExpectRead<int>(&In::ReadInt32, L"int", L"x", false, 0);
-    ExpectRead<int>(&In::ReadInt32, L"int", L"", false, 77);
-    ExpectRead<int>(&In::ReadInt32, L"int", L"2147483648", false, 2147483647);
-    ExpectRead<unsigned>(&In::ReadUInt32, L"uint", L"99999999999", false, 4294967295u);
-    ExpectRead<unsigned short>(&In::ReadUInt16, L"uint", L"70000", false, 65535);
-    ExpectRead<unsigned char>(&In::ReadByte, L"byte", L"300", true, 44);
-    ExpectRead<unsigned char>(&In::ReadByte, L"byte", L"70000", false, 255);
-    ExpectRead<bool>(&In::ReadBool, L"bool", L"2", true, true);
-    ExpectRead<bool>(&In::ReadBool, L"bool", L"true", false, false);
-    ExpectRead<char>(&In::ReadChar, L"char", L" ", false, 77);
-    ExpectRead<char>(&In::ReadChar, L"char", L"&#0;", false, 77);
-    ExpectRead<char>(&In::ReadChar, L"char", L" &#x141;b", true, 0x41);
-    ExpectRead<double>(&In::ReadDouble, L"float", L"", false, 77);
-    ExpectRead<double>(&In::ReadDouble, L"float", L"Infinity", false, 77);
-    ExpectRead<double>(&In::ReadDouble, L"float", L"1e999", true, infinity);
-    ExpectRead<float>(&In::ReadFloat, L"float", L"-2.5e1x", true, -25);
-    ExpectRead<float>(&In::ReadFloat, L"float", L"-1e300", true, static_cast<float>(-infinity));
-}
-
-TEST(MInFilerTaggedXml, MismatchLeavesTheElementNextAndAFailedConversionPassesIt)
-{
-    MInFilerTaggedXml filer(Document(L"<v type='float'>1</v><w type='int'>x</w>"
-                                     L"<w type='int'>2</w><s type='string'/>"),
-                            L"r", nullptr);
-    EXPECT_EQ(-1, NextInt(filer, L"v"));
-    EXPECT_EQ(-1, NextInt(filer, L"w")); // blocked by the one before it
-    double value = 0;
-    EXPECT_FALSE(filer.ReadDouble(L"V", &value, 0));
-    EXPECT_TRUE(filer.ReadDouble(L"v", &value, 0));
-    EXPECT_EQ(0, NextInt(filer, L"w"));
-    EXPECT_EQ(2, NextInt(filer, L"w"));
-    EXPECT_EQ(-1, NextInt(filer, L"w"));
-    MString text;
-    EXPECT_TRUE(filer.ReadString(L"s", text, L"default"));
-    EXPECT_TRUE(text.IsEmpty()); // a value like any other
-}
-
-TEST(MInFilerTaggedXml, GroupsAreFoundForwardOnly)
-{
-    MInFilerTaggedXml filer(Document(L"<g type='int'>1</g><a><v type='int'>2</v></a>"
-                                     L"<g><v type='int'>3</v><v type='int'>4</v></g><h/>"
-                                     L"<v type='int'>5</v>"),
-                            L"r", nullptr);
-    EXPECT_FALSE(filer.BeginGroup(L"G"));
-    EXPECT_FALSE(filer.BeginGroup(L"v")); // there as a value only
-    EXPECT_EQ(1, NextInt(filer, L"g"));   // nothing was passed
-    EXPECT_TRUE(filer.BeginGroup(L"g"));
-    EXPECT_EQ(3, NextInt(filer, L"v"));
-    EXPECT_FALSE(filer.BeginGroup(L"a"));
-    EXPECT_TRUE(filer.EndGroup());
-    EXPECT_FALSE(filer.BeginGroup(L"a") || filer.BeginGroup(L"g"));
-    EXPECT_TRUE(filer.BeginGroup(L"h"));
-    EXPECT_EQ(-1, NextInt(filer, L"v"));
-    EXPECT_TRUE(filer.EndGroup());
-    EXPECT_EQ(5, NextInt(filer, L"v"));
-    EXPECT_TRUE(filer.EndGroup());
-    EXPECT_FALSE(filer.EndGroup());
+    // What readers are asked, and what they tell; see `PlayOnFilers`.
+    const struct {
+        std::wstring content;
+        const char* operations;
+        const wchar_t* told;
+    } cases[] = {
+        {L"<v type='int'> -12abc</v>", "Iv", L"-12;"},
+        {L"<v type='int'>x</v>", "Iv", L"(0);"},
+        {L"<v type='int'/>", "Iv", L"(1);"},
+        {L"<v type='int'>2147483648</v>", "Iv", L"(2147483647);"},
+        {L"<v type='int'>-70000</v>", "iv", L"(-32768);"},
+        {L"<v type='uint'>70000</v>", "uv", L"(65535);"},
+        {L"<v type='byte'>300</v><v type='byte'>70000</v>", "yv;yv", L"44;(255);"},
+        {L"<v type='bool'>2</v><v type='bool'>true</v>", "bv;bv", L"1;(0);"},
+        {L"<v type='char'> </v><v type='char'> &#x141;b</v>", "cv;cv", L"(1);65;"},
+        {L"<v type='float'>Infinity</v><v type='float'>-1e999</v>", "dv;dv", L"(1);-inf;"},
+        {L"<v type='float'>-2.5e1x</v>", "fv", L"-25;"},
+        {L"<v type='string'/>", "sv", L";"}, // a value like any other
+        // A mismatch leaves the element next, a failed conversion passes it.
+        {L"<v type='float'>7</v><w type='int'>x</w><w type='int'>2</w>", "Iv;Iw;dV;dv;Iw;Iw;Iw",
+         L"(1);(1);(1);7;(0);2;(1);"},
+        // Groups are found forward only, and nothing is passed if they are not.
+        {L"<g type='int'>4</g><a><v type='int'>2</v></a><g><v type='int'>3</v><w/></g>"
+         L"<v type='int'>5</v>",
+         "(G;(v;Ig;(g;Iv;(a;);(a;(g;Iv;);)", L"(in);(in);4;in;3;(in);out;(in);(in);5;out;(out);"},
+    };
+    for (const auto& one : cases) {
+        std::wstring told;
+        EXPECT_EQ("", PlayFilerInput(L"<r>" + one.content + L"</r>", one.operations, &told));
+        EXPECT_EQ(one.told, told) << one.content;
+    }
 }
 
 TEST(MInFilerTaggedXml, WrongDocumentGivesDefaults)
 {
-    const auto accepts = [](const wchar_t* text, const wchar_t* rootTag, const wchar_t* nameSpace) {
-        MInFilerTaggedXml filer(text, rootTag, nameSpace);
-        MString result;
-        const bool accepted = NextInt(filer, L"v") == 1;
-        EXPECT_FALSE(filer.ReadString(L"s", result, L"default"));
-        EXPECT_STREQ(L"default", result.c_str());
-        EXPECT_EQ(accepted, filer.EndGroup());
-        EXPECT_FALSE(filer.BeginGroup(L"g") || filer.ReadDocument(L"g", result));
-        return accepted;
+    const wchar_t good[] = L"<r xmlns='n'><v type='int'>7</v></r>";
+    const struct {
+        const wchar_t* text;
+        const wchar_t* rootTag;
+        const wchar_t* nameSpace;
+        bool accepted;
+    } cases[] = {
+        {good, L"r", nullptr, true},
+        {good, nullptr, L"", true},
+        {good, L"", L"n", true},
+        {good, L"r", L"N", false},
+        {good, L"R", nullptr, false},
+        {L"<r><v type='int'>7</v></r>", L"r", L"n", false},
+        {L"<r><v type='int'>7</v></r><r/>", L"r", nullptr, false},
+        {L"", L"", L"", false},
     };
-    const wchar_t named[] = L"<r xmlns='n'><v type='int'>1</v></r>";
-    EXPECT_TRUE(accepts(named, L"r", nullptr) && accepts(named, nullptr, L""));
-    EXPECT_TRUE(accepts(named, L"", L"n"));
-    EXPECT_FALSE(accepts(named, L"r", L"N") || accepts(named, L"R", nullptr));
-    EXPECT_FALSE(accepts(L"<r><v type='int'>1</v></r>", L"r", L"n"));
-    EXPECT_FALSE(accepts(L"<r><v type='int'>1</v></r><r/>", L"r", nullptr));
-    EXPECT_FALSE(accepts(L"<r><v type='int'>1</v>", L"r", nullptr) || accepts(L"", L"", L""));
+    for (const auto& one : cases) {
+        MInFilerTaggedXml filer(one.text, one.rootTag, one.nameSpace);
+        MInFilerTaggedXml other(one.text, one.rootTag, one.nameSpace);
+        std::wstring told;
+        EXPECT_EQ("", PlayOnFilers(filer, other, "Iv;ss;(g;Dg;)", &told));
+        EXPECT_EQ(one.accepted ? L"7;(default);(in);(document);out;"
+                               : L"(1);(default);(in);(document);(out);",
+                  told)
+            << one.text;
+    }
 }
 
 TEST(XmlFilers, EmbeddedDocumentTakesTheTagAndIsReadByAFilerOfItsOwn)
 {
+    const std::wstring content = L"<v type=\"int\">1</v><!--c-->t";
     MOutFilerTaggedXml out(L"r", nullptr);
     EXPECT_TRUE(out.WriteInt32(L"d", 0));
-    EXPECT_TRUE(out.WriteDocument(
-        L"d", L"<?xml version=\"1.0\"?><root a=\"b\"><v type=\"int\">1</v><!--c-->t</root>"));
+    EXPECT_TRUE(out.WriteDocument(L"d", (L"<root a=\"b\">" + content + L"</root>").c_str()));
     EXPECT_FALSE(out.WriteDocument(L"e", L"<root>"));
     EXPECT_TRUE(out.WriteInt32(L"w", 2));
-    EXPECT_EQ(declaration + L"<r>\n<d type=\"int\">0</d>\n<d><v type=\"int\">1</v><!--c-->t</d>\n"
-                            L"<w type=\"int\">2</w>\n</r>\n",
+    EXPECT_EQ(declaration + L"<r>\n<d type=\"int\">0</d>\n<d>" + content +
+                  L"</d>\n<w type=\"int\">2</w>\n</r>\n",
               TextOf(out));
 
     MInFilerTaggedXml in(TextOf(out).c_str(), L"r", nullptr);
     MString text;
     EXPECT_TRUE(in.ReadDocument(L"d", text));
-    EXPECT_EQ(declaration + L"<MFilerTaggedXml><v type=\"int\">1</v><!--c-->t</MFilerTaggedXml>\n",
-              text.c_str());
-    MInFilerTaggedXml embedded(text, L"MFilerTaggedXml", nullptr);
-    EXPECT_EQ(1, NextInt(embedded, L"v"));
+    EXPECT_EQ(declaration + L"<MFilerTaggedXml>" + content + L"</MFilerTaggedXml>\n", text.c_str());
+    int value = 0;
+    EXPECT_TRUE(in.ReadInt32(L"w", &value, 1));
+    EXPECT_EQ(2, value);
     EXPECT_FALSE(in.ReadDocument(L"d", text));
-    EXPECT_TRUE(text.IsEmpty());
-    EXPECT_EQ(2, NextInt(in, L"w"));
 }
 
 TEST(XmlFilers, HostileTextBreaksNoRuleOfReading)
@@ -210,24 +163,4 @@ TEST(XmlFilers, HostileTextBreaksNoRuleOfReading)
         MakeFilerInput(number, document, operations);
         ASSERT_EQ("", PlayFilerInput(document, operations)) << document << "\n" << operations;
     }
-}
-
-TEST(XmlFilers, LackOfMemoryLeavesByException)
-{
-    const auto fileAndRead = [] {
-        MOutFilerTaggedXml out(L"Root", L"urn:name");
-        MString text;
-        out.BeginGroup(L"g") && out.WriteDouble(L"v", 1.0 / 3) && out.EndGroup();
-        out.WriteDocument(L"d", L"<root>some text in here</root>") && out.WriteUInt32(L"n", 12345);
-        out.GetDocumentText(&text);
-        MInFilerTaggedXml in(text, L"Root", L"urn:name");
-        double value = 0;
-        unsigned int number = 0;
-        in.BeginGroup(L"g") && in.ReadDouble(L"v", &value, 0) && in.EndGroup();
-        in.ReadDocument(L"d", text) && in.ReadUInt32(L"n", &number, 0);
-        EXPECT_EQ(12345u, number);
-    };
-    ForEachFailingAllocation(AllocationFailure::Throws, fileAndRead, [](ShortageOutcome outcome) {
-        EXPECT_NE(ShortageOutcome::Completed, outcome);
-    });
 }

@@ -6,6 +6,28 @@
 namespace
 {
 
+struct Kind {
+    const wchar_t* opening;
+    int type;
+    const wchar_t* ending;
+    const wchar_t* word;
+};
+
+const Kind kinds[] = {
+    {L"</", 0, L">", L"Element end tag"}, {L"<?", 16, L"?>", L"Processing instruction"},
+    {L"<!--", 32, L"-->", L"Comment"},    {L"<![C", 8, L"]]>", L"CDATA Section"},
+    {L"<!E", 64, L">", L"Doctype"},       {L"<!A", 64, L">", L"Doctype"},
+    {L"<!N", 64, L">", L"Doctype"},
+};
+const Kind startTag = {L"<a", 1, L">", L"Element tag"};
+const Kind whiteSpace = {L"", 4, L"", L""};
+const Kind characters = {L"", 2, L"<", L""};
+const Kind illFormed = {L"", -1, L">", L"tag"};
+
+// The beginnings of openings, and what is incorrect where none goes on so.
+const std::map<std::wstring, const wchar_t*> beginnings = {
+    {L"<", L"tag name character"}, {L"<!", L"! tag"}, {L"<!-", L"comment tag"}, {L"<![", L"tag"}};
+
 const wchar_t* const Space = L" \t\n\r";
 
 bool In(const wchar_t* set, wchar_t c)
@@ -19,185 +41,20 @@ std::wstring AtOffset(std::int32_t offset)
 }
 
 struct Node {
-    int type;
-    std::int32_t start;
-    std::int32_t length;
-    bool emptyElement;
+    int type = -1;
+    std::int32_t start = 0;
+    std::int32_t length = 0;
+    bool emptyElement = false;
     // The name of a start or end tag, or the finding.
     std::wstring text;
-};
 
-class NodeScanner
-{
-public:
-    NodeScanner(const std::wstring& source, std::int32_t start)
-        : text(source), scan{-1, start, 0, false, std::wstring()}
-    {
-    }
-
-    Node Run()
-    {
-        const std::int32_t size = static_cast<std::int32_t>(text.size());
-        if (scan.start == size)
-            return End(-2, size);
-        for (std::int32_t i = scan.start; i < size; ++i) {
-            const wchar_t c = text[i];
-            if (nameStart != 0) {
-                if (!In(L" \t\n\r/>", c))
-                    continue;
-                scan.text = text.substr(nameStart, i - nameStart);
-                nameStart = 0;
-                last = beforeLast = 0;
-            }
-            if (terminator.empty()) {
-                if (state == 16 && c == L'<')
-                    return End(4, i);
-                if ((state & ~(64 | 128 | 256)) == 32 && c == L'>')
-                    return End(64, i + 1);
-                Classify(i);
-            }
-            if (c == L'<' && !terminator.empty() && (scan.type == 2 || scan.type == -1))
-                return End(scan.type, i);
-            if (c == L'>' && (state & (64 | 128)) == 0 && Terminates(i)) {
-                terminator.clear();
-                if (scan.type == 1 && last == L'/')
-                    scan.emptyElement = beforeLast == 0 || In(L" \t\n\r'\"", beforeLast);
-                if ((state & 32) == 0)
-                    return End(scan.type, i + 1);
-            }
-            TrackQuotes(c);
-        }
-        if (scan.type == 2 || scan.type == 4)
-            return End(scan.type, size);
-        const std::map<int, std::wstring> words = {
-            {-1, L"tag"},          {0, L"Element end tag"},         {1, L"Element tag"},
-            {8, L"CDATA Section"}, {16, L"Processing instruction"}, {32, L"Comment"},
-            {64, L"Doctype"}};
-        const int kind = (state & 32) != 0 ? 64 : scan.type;
-        scan.text = words.at(kind) + AtOffset(scan.start) + L" unterminated";
-        return End(-1, size);
-    }
-
-private:
-    Node End(int type, std::int32_t end)
-    {
-        scan.type = type;
-        scan.length = end - scan.start;
-        return scan;
-    }
-
-    // The bits of the state: 1 just behind "<", 2 behind "<!", 4 behind "<!-", 8 behind "<![", 16
-    // in leading white space, 32 in a doctype, 64 in single quotes, 128 in double quotes, 256
-    // behind "=", before the value.
-    void Classify(std::int32_t i)
-    {
-        const wchar_t c = text[i];
-        if (state == 0 || state == 16) {
-            state = c == L'<' ? 1 : In(Space, c) ? 16 : 0;
-            if (state == 16)
-                scan.type = 4;
-            if (state == 0)
-                Expect(2, L"<");
-        } else if ((state & 1) != 0) {
-            state &= ~1;
-            ClassifyTag(i);
-        } else if ((state & 2) != 0) {
-            state &= ~2;
-            if (c == L'-')
-                state |= 4;
-            else if (c == L'[' && (state & 32) == 0)
-                state |= 8;
-            else if (c == L'D' && (state & 32) == 0)
-                state |= 32;
-            else if (In(L"EAN", c))
-                Expect(64, L">");
-            else
-                Fail(L"! tag");
-        } else if ((state & 4) != 0) {
-            state &= ~4;
-            if (c == L'-')
-                Expect(32, L"-->");
-            else
-                Fail(L"comment tag");
-        } else if ((state & 8) != 0) {
-            state &= ~8;
-            if (c == L'C')
-                Expect(8, L"]]>");
-            else
-                Fail(L"tag");
-        } else if ((state & 32) != 0 && c == L'<') {
-            state |= 1;
-        }
-    }
-
-    void ClassifyTag(std::int32_t i)
-    {
-        const wchar_t c = text[i];
-        if (static_cast<std::uint32_t>(c) > '9' && !In(L";<=>?@[\\]^`", c)) {
-            Expect(1, L">");
-            nameStart = i;
-        } else if (c == L'/') {
-            Expect(0, L">");
-            nameStart = i + 1;
-        } else if (c == L'!') {
-            state |= 2;
-        } else if (c == L'?') {
-            Expect(16, L"?>");
-            nameStart = i + 1;
-        } else {
-            Fail(L"tag name character");
-        }
-    }
-
-    void Expect(int type, const wchar_t* ending)
-    {
-        scan.type = type;
-        terminator = ending;
-    }
-
-    void Fail(const wchar_t* what)
-    {
-        Expect(-1, L">");
-        scan.text = std::wstring(L"Incorrect ") + what + AtOffset(scan.start);
-    }
-
-    bool Terminates(std::int32_t i) const
-    {
-        const std::int32_t length = static_cast<std::int32_t>(terminator.size());
-        return length == 1 ||
-               (length > 1 && i > length &&
-                text.compare(i - (length - 1), length - 1, terminator, 0, length - 1) == 0);
-    }
-
-    void TrackQuotes(wchar_t c)
-    {
-        if (scan.type == 64 && c == L'"' && (state & 64) == 0)
-            state ^= 128;
-        if (scan.type == 64 && c == L'\'' && (state & 128) == 0)
-            state ^= 64;
-        if (scan.type != 1 && scan.type != -1)
-            return;
-        if ((state & (64 | 128)) != 0) {
-            if (c == ((state & 64) != 0 ? L'\'' : L'"'))
-                state &= ~(64 | 128);
-        } else if ((state & 256) != 0) {
-            if (!In(Space, c))
-                state &= ~256;
-            if (c == L'"')
-                state |= 128;
-            if (c == L'\'')
-                state |= 64;
-        } else if (c == L'=' && last != L'=') {
-            state |= 256;
-        }
-        beforeLast = last;
-        last = c;
-    }
-
-    const std::wstring& text;
-    Node scan;
-    int state = 0;
-    std::wstring terminator;
+    // While it is read: what is known of its opening, while it is not known of what kind it is.
+    std::wstring opening;
+    std::wstring ending;
+    const wchar_t* word = illFormed.word;
+    bool inDoctype = false;
+    wchar_t quote = 0;
+    bool awaitsValue = false;
     std::int32_t nameStart = 0;
     wchar_t last = 0;
     wchar_t beforeLast = 0;
@@ -213,98 +70,191 @@ public:
 
     LiteralIndex Load()
     {
-        records.assign(1, MXmlElementRecord());
-        ParseElements();
+        records.push_back(MXmlElementRecord());
+        do {
+            ScanNode();
+            if (scan.type == 1)
+                StartTag();
+            else if (scan.type == 0)
+                EndTag();
+            else if (scan.type == -1)
+                Mark(scan.text);
+        } while (scan.type != -2);
+        Dissolve(0);
         records[0].length = static_cast<std::int32_t>(text.size());
         const std::int32_t root = records[0].firstChild;
         const bool alone = records[root].nextSibling == 0;
-        if (text.empty())
-            index.errorText = L"Empty document";
-        else if (root == 0)
-            index.errorText = L"No root element";
-        else if (!alone)
-            index.errorText = L"Root element has sibling";
+        if (root == 0 || !alone)
+            index.errorText = text.empty() ? L"Empty document"
+                              : root == 0  ? L"No root element"
+                                           : L"Root element has sibling";
         index.wellFormed = root != 0 && alone && !records[0].Has(XmlElementDocumentIllFormed);
         return index;
     }
 
 private:
-    struct Open {
-        std::int32_t record;
-        std::wstring name;
-    };
-
-    void ParseElements()
+    void ScanNode()
     {
-        do {
-            scan = NodeScanner(text, scan.start + scan.length).Run();
-            if (scan.type == 1)
-                StartTag();
-            if (scan.type == 0)
-                EndTag();
-            if (scan.type == -1)
-                Mark(scan.text);
-        } while (scan.type != -2);
-        Dissolve(0);
+        const std::int32_t start = scan.start + scan.length;
+        scan = Node();
+        scan.start = start;
+        const std::int32_t size = static_cast<std::int32_t>(text.size());
+        if (scan.start == size)
+            return End(-2, size);
+        for (std::int32_t i = scan.start; i < size; ++i) {
+            const wchar_t c = text[i];
+            if (scan.nameStart != 0) {
+                if (!In(L" \t\n\r/>", c))
+                    continue;
+                scan.text = text.substr(scan.nameStart, i - scan.nameStart);
+                scan.nameStart = scan.last = scan.beforeLast = 0;
+            }
+            if (scan.ending.empty()) {
+                if (scan.type == 4 && c == L'<')
+                    return End(4, i);
+                if (scan.inDoctype && scan.opening.empty() && c == L'>')
+                    return End(64, i + 1);
+                Classify(i);
+            }
+            if (c == L'<' && !scan.ending.empty() && (scan.type == 2 || scan.type == -1))
+                return End(scan.type, i);
+            if (c == L'>' && scan.quote == 0 && IsEnding(i)) {
+                scan.emptyElement = scan.type == 1 && scan.last == L'/' &&
+                                    (scan.beforeLast == 0 || In(L" \t\n\r'\"", scan.beforeLast));
+                scan.ending.clear();
+                if (!scan.inDoctype)
+                    return End(scan.type, i + 1);
+            }
+            TrackQuotes(c);
+        }
+        if (scan.type == 2 || scan.type == 4)
+            return End(scan.type, size);
+        scan.text =
+            (scan.inDoctype ? L"Doctype" : scan.word) + AtOffset(scan.start) + L" unterminated";
+        return End(-1, size);
+    }
+
+    void End(int type, std::int32_t end)
+    {
+        scan.type = type;
+        scan.length = end - scan.start;
+    }
+
+    void Classify(std::int32_t i)
+    {
+        const wchar_t c = text[i];
+        if (scan.opening.empty() && c != L'<') {
+            if (!scan.inDoctype)
+                Begin(In(Space, c) ? whiteSpace : characters);
+            return;
+        }
+        const std::wstring before = scan.opening;
+        scan.opening += c;
+        for (const Kind& kind : kinds) {
+            if (scan.opening == kind.opening) {
+                scan.nameStart = kind.type == 0 || kind.type == 16 ? i + 1 : 0;
+                return Begin(kind);
+            }
+        }
+        if (before == L"<" && c > L'9' && !In(L";<=>?@[\\]^`", c)) {
+            scan.nameStart = i;
+            Begin(startTag);
+        } else if (scan.opening == L"<!D" && !scan.inDoctype) {
+            scan.inDoctype = true;
+            scan.opening.clear();
+        } else if (beginnings.count(scan.opening) == 0 ||
+                   (scan.opening == L"<![" && scan.inDoctype)) {
+            scan.text = L"Incorrect " + (beginnings.at(before) + AtOffset(scan.start));
+            Begin(illFormed);
+        }
+    }
+
+    void Begin(const Kind& kind)
+    {
+        scan.type = kind.type;
+        scan.ending = kind.ending;
+        scan.word = kind.word;
+        scan.opening.clear();
+    }
+
+    bool IsEnding(std::int32_t i) const
+    {
+        const std::int32_t length = static_cast<std::int32_t>(scan.ending.size());
+        return length == 1 ||
+               (length > 1 && i > length && text.compare(i + 1 - length, length, scan.ending) == 0);
+    }
+
+    void TrackQuotes(wchar_t c)
+    {
+        const bool inTag = scan.type == 1 || scan.type == -1;
+        if (!inTag && scan.type != 64)
+            return;
+        const bool opens = In(L"\"'", c) && (!inTag || scan.awaitsValue);
+        if (scan.quote == 0 && inTag)
+            scan.awaitsValue = scan.awaitsValue ? In(Space, c) : c == L'=' && scan.last != L'=';
+        if (scan.quote == 0 || scan.quote == c)
+            scan.quote = scan.quote == 0 && opens ? c : L'\0';
+        if (inTag) {
+            scan.beforeLast = scan.last;
+            scan.last = c;
+        }
     }
 
     void StartTag()
     {
         const std::int32_t added = static_cast<std::int32_t>(records.size());
-        records.push_back(MXmlElementRecord());
-        MXmlElementRecord& record = records.back();
-        const std::int32_t first = records[current].firstChild;
-        if (first != 0) {
+        MXmlElementRecord record = MXmlElementRecord();
+        record.parent = current;
+        record.start = scan.start;
+        record.length = scan.length;
+        record.SetStartTagLength(scan.length);
+        record.SetLevel(current == 0 ? 0 : records[current].Level() + 1);
+        std::int32_t& first = records[current].firstChild;
+        if (first == 0) {
+            first = record.previousSibling = added;
+            record.Set(XmlElementFirstChild);
+        } else {
             record.previousSibling = records[first].previousSibling;
             records[record.previousSibling].nextSibling = added;
             records[first].previousSibling = added;
-        } else {
-            records[current].firstChild = added;
-            record.previousSibling = added;
-            record.Set(XmlElementFirstChild);
         }
-        record.parent = current;
-        record.SetLevel(static_cast<std::uint32_t>(stack.size()));
-        record.start = scan.start;
-        record.SetStartTagLength(scan.length);
-        if (scan.emptyElement) {
-            record.length = scan.length;
-            return;
-        }
-        stack.push_back({added, scan.text});
-        current = added;
+        records.push_back(record);
+        names.resize(records.size());
+        names[added] = scan.text;
+        current = scan.emptyElement ? current : added;
     }
 
     void EndTag()
     {
-        std::size_t depth = stack.size();
-        while (depth != 0 && !Matches(stack[depth - 1].name))
-            --depth;
-        if (depth == 0) {
-            Mark(L"No start tag for end tag '" + scan.text + L"'" + AtOffset(scan.start));
-            return;
-        }
-        MXmlElementRecord& record = records[stack[depth - 1].record];
-        record.length = scan.start + scan.length - record.start;
-        record.SetEndTagLength(scan.length);
-        Dissolve(depth);
-        current = record.parent;
-        stack.pop_back();
+        std::int32_t closed = current;
+        while (closed != 0 && !Closes(names[closed]))
+            closed = records[closed].parent;
+        if (closed == 0)
+            return Mark(L"No start tag for end tag '" + scan.text + L"'" + AtOffset(scan.start));
+        records[closed].length = scan.start + scan.length - records[closed].start;
+        records[closed].SetEndTagLength(scan.length);
+        Dissolve(closed);
+        current = records[closed].parent;
     }
 
-    // The open elements above that depth never got an end tag.
-    void Dissolve(std::size_t depth)
+    bool Closes(const std::wstring& name) const
     {
-        for (; stack.size() > depth; stack.pop_back()) {
-            const Open& top = stack.back();
-            const std::wstring where = L"'" + top.name + L"'" + AtOffset(records[top.record].start);
-            records[0].Set(XmlElementDocumentIllFormed);
-            DissolveElement(top.record);
-            if (scan.type == -2)
-                Note(L"Element " + where + L" not ended");
-            else
-                Note(L"End tag '" + scan.text + L"'" + AtOffset(scan.start + 1) +
-                     L" does not match start tag " + where);
+        const auto compare = ignoreCase ? _wcsnicmp : std::wcsncmp;
+        const std::size_t length = scan.text.size();
+        return compare(name.c_str(), scan.text.c_str(), length) == 0 &&
+               (name.size() == length || In(L" =/[]", name[length]));
+    }
+
+    // The open elements below that one never got an end tag.
+    void Dissolve(std::int32_t last)
+    {
+        for (; current != last; current = records[current].parent) {
+            DissolveElement(current);
+            const std::wstring element =
+                L"'" + names[current] + L"'" + AtOffset(records[current].start);
+            Note(scan.type == -2 ? L"Element " + element + L" not ended"
+                                 : L"End tag '" + scan.text + L"'" + AtOffset(scan.start + 1) +
+                                       L" does not match start tag " + element);
         }
     }
 
@@ -316,12 +266,10 @@ private:
         record.Set(XmlElementNoEndTag);
         record.firstChild = 0;
         record.length = record.StartTagLength();
-        if (record.Has(XmlElementIllFormed)) {
-            record.Clear(XmlElementIllFormed);
+        if (record.Has(XmlElementIllFormed))
             records[record.parent].Set(XmlElementIllFormed);
-        }
-        std::int32_t before = dissolved;
-        for (; child != 0; child = records[child].nextSibling) {
+        record.Clear(XmlElementIllFormed);
+        for (std::int32_t before = dissolved; child != 0; child = records[child].nextSibling) {
             records[child].parent = record.parent;
             records[child].previousSibling = before;
             records[before].nextSibling = child;
@@ -331,37 +279,23 @@ private:
 
     void Mark(const std::wstring& finding)
     {
-        records[0].Set(XmlElementDocumentIllFormed);
         records[current].Set(XmlElementIllFormed);
         Note(finding);
     }
 
     void Note(const std::wstring& finding)
     {
+        records[0].Set(XmlElementDocumentIllFormed);
         if (index.errorText.empty())
             index.errorText = finding;
     }
 
-    bool Matches(const std::wstring& name) const
-    {
-        const std::size_t length = scan.text.size();
-        return Folded(name.substr(0, length)) == Folded(scan.text) &&
-               (name.size() == length || In(L" =/[]", name[length]));
-    }
-
-    std::wstring Folded(std::wstring name) const
-    {
-        for (wchar_t& c : name)
-            c = ignoreCase && c >= L'A' && c <= L'Z' ? c + (L'a' - L'A') : c;
-        return name;
-    }
-
     const std::wstring& text;
     bool ignoreCase;
-    Node scan = Node();
+    Node scan;
     LiteralIndex index;
     std::vector<MXmlElementRecord>& records = index.records;
-    std::vector<Open> stack;
+    std::vector<std::wstring> names;
     std::int32_t current = 0;
 };
 

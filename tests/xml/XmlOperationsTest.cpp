@@ -1,0 +1,160 @@
+#include "fuzz/XmlHarness.h"
+#include "xml/MXmlMarkup.h"
+
+#include <gtest/gtest.h>
+
+// Inputs of the fuzzer, and what its player tells besides looking at names, data and the index.
+TEST(XmlOperations, DocumentsMoveReadAndChangeAsTold)
+{
+    const struct {
+        std::string input;
+        const wchar_t* told;
+    } cases[] = {
+        {"<r><ab/><a/><b/><a\\x/><c/></r>|f|e|f0a|p|f0a[2]/x|f0b|p|f|f|p", L"1,3,0;!1,5,0;!1,6,0;"},
+        // Levels keep their place.
+        {"<r><a><b/><c/></a><d/></r>|e|l|f|e|f|e|f|f|l|p|e|p|l|f|p", L"!!1,2,4;2,4,0;1,5,0;"},
+        // A position is of a level, an element or a child.
+        {"<r><a><b/><c/></a><d/></r>|s0top|f|e|f|s0main|e|s0level|f|l|s0child|r0level|p|r0main|p|"
+         "r0child|p|e|p|r0top|p|r0none",
+         L"2,0,0;1,2,0;1,2,3;2,3,0;0,0,0;!"},
+        {"<t a='1' b = \"x &lt; 'y'\" c=3/4 d e='' \t f='6' g 'x' "
+         "h/>|g0a|f|g0a|g0b|g0c|g0d|g0e|g0f|g0g|g0t",
+         L";1;x < 'y';3/4;d;;6;g;;"},
+        // Data is text and CDATA, but not the rest.
+        {"<a> x &amp; y </a>|f|v", L"a= x & y ;"},
+        {"<a>1 &lt; 2<b/></a>|f|v", L"a=;"},
+        {"<a><![CDATA[x]]]]><![CDATA[>y]]></a>|f|v", L"a=x]]>y;"},
+        {"<r><a> x<!-- y --> <![CDATA[&amp;]]>\n</a>z</r>|f|e|f|v", L"a= x&amp;;"},
+        {"<a> </a>|f|v", L"a= ;"},
+        {"<a>1>2<?p?>&gt;3</a>|f|v", L"a=1>2>3;"},
+        {"|n1<|v|n3d|v|n5 c |v|n4p a='1'|v|g0a|e|n6<!DOCTYPE b>|v|g0a",
+         L"#text=<;#cdata-section=d;#comment= c ;p=p a='1';1;!b=<!DOCTYPE b>;;"},
+        {"<a/>|nuc|f|v", L"a=;"},
+        // Elements, behind and before others, in all states of the parent.
+        {"<r><a/><z/></r>|f|e|f|e|a0b|a0c|d", L"<r><a>\n<b/>\n<c/>\n</a><z/></r>;"},
+        {"<r><a></a><z/></r>|f|e|f|e|a0b|d", L"<r><a>\n<b/>\n</a><z/></r>;"},
+        {"<r><a></r>|f|e|f|e|a0b|d", L"<r><a>\n<b/>\n</a></r>;"},
+        {"<r><a /><z/></r>|f|e|f|e|a2b|d", L"<r><a ><b/></a><z/></r>;"},
+        {"<a></a>|f|e|a2b|d", L"<a>\n<b/></a>;"}, // a line break comes in front all the same
+        {"<a><b/> text</a>|f|e|f|a0c|d", L"<a><b/><c/>\n text</a>;"},
+        {"<a><b/></a><!-- -->|f|e|s0|a0c,x|r0|a0d|d", L"<a><b/><c>x</c>\n<d/>\n</a><!-- -->;"},
+        {"<a><b/><c/></a>|f|e|s0|f|f|arx|r0|apy|apz|r0|a2w|d",
+         L"<a><z/>\n<y/>\n<b/><x/><c/><w/></a>;"},
+        {"<a/>|f|a\xB0x|p|a\xB0y|d", L"0,1,2;<a>\n<x/>\n<y/>\n</a>;"},
+        {"<a>\n</a>|f|e|a0b,<\"&lt;|d", L"<a>\n<b>&lt;\"&amp;lt;</b>\n</a>;"},
+        {"<a>\n</a>|f|e|a8b,<\"&lt;|d", L"<a>\n<b>&lt;\"&lt;</b>\n</a>;"},
+        {"<a>\n</a>|f|e|a1b,]]>]]>|d",
+         L"<a>\n<b><![CDATA[]]]]><![CDATA[>]]]]><![CDATA[>]]></b>\n</a>;"},
+        {"<a>\n</a>|f|e|a4b|d", L"<a>\n<b />\n</a>;"},
+        {"<a/>|f|e|a b|a\xB0x|d", L"<a>\n<b>\n<x/>\n</b>\n</a>;"},
+        {"|a0a|d", L"<a/>\n;"},
+        // Other nodes.
+        {"<a/>|f|e|n1<|n5 c |d", L"<a>&lt;<!-- c -->\n</a>;"},
+        {"<a>\n<z/></a>|f|e|nsd|nqx|n4p|d", L"<a>x<?p?>\n<![CDATA[d]]>\n<z/></a>;"},
+        {"<a><b/><c/></a>|f|e|f|n0x|n5-|apy|d", L"<a><b/><x/><y/>\n<!----->\n<c/></a>;"},
+        {"<r><a><b/></a></r>|f|e|f|n5c|d", L"<r><a><b/></a><!--c-->\n</r>;"},
+        {"<r><a/></r>|f|e|f|n5c|a\xB0x|d", L"<r><a>\n<x/>\n</a><!--c-->\n</r>;"},
+        {"<a/>|nv<!D b>|d", L"<!D b>\n<a/>;"},
+        {"<a></a>|f|e|n1xy|d", L"<a>\nxy</a>;"},
+        // Attributes. Some old values take more with them.
+        {"<a b='1' c=2 />|f|t0b,<\"|t0c,3|d", L"<a b=\"&lt;&quot;\" c=\"3\" />;"},
+        {"<r><a /><d/></r>|f|e|f|t0e,|d", L"<r><a e=\"\" /><d/></r>;"},
+        {"<r><a><b/></a><d/></r>|f|t0x,1|d", L"<r x=\"1\"><a><b/></a><d/></r>;"},
+        {"<r/>|ntx|t0v,1|n5c|d", L"<?x v=\"1\"?>\n<!--c-->\n<r/>;"},
+        {"<a b=1/>|f|t0b,2|d", L"<a b=\"2\">;"},
+        {"<a b>|f|t0b,v|d", L"<a \"v\">;"},
+        // Inner markup. Where there is no element in it, it moves the document's front.
+        {"<r><a>o<b><c/></b></a><d/></r>|f|e|f|m0 <e><f/></e>n<g/>|d",
+         L"<r><a> <e><f/></e>n<g/></a><d/></r>;"},
+        {"<r><a /><d/></r>|f|e|f|m0<b/>|m0<h/>|d", L"<r><a ><h/></a><d/></r>;"},
+        {"<r><a></a><d/></r>|f|e|f|m0<b/>|d", L"<r><a><b/></a><d/></r>;"},
+        {"<a><b>x</b></a>|s0|f|e|f|m0plain|r0|apc|d", L"<a><b><c/>\nplain</b></a>;"},
+        // Refusals.
+        {"<a/>|nuc|x3a,b|n3]]>|n7a|a\xB0x|a b,x|m0x|f|x2a,b|d", L"!!!!!!!<!--c-->\n<a/>;"},
+    };
+    for (const auto& each : cases) {
+        const auto input = reinterpret_cast<const std::uint8_t*>(each.input.data());
+        std::wstring told;
+        EXPECT_EQ(PlayXmlInput(input, each.input.size(), &told), "") << each.input;
+        EXPECT_EQ(told, each.told) << each.input;
+    }
+}
+
+TEST(XmlOperations, NothingIsDoneWithoutANameOrAnElement)
+{
+    MXmlMarkup document;
+    document.LoadText(L"<t a='1'>x</t>");
+    EXPECT_FALSE(document.RestorePosition(nullptr) || document.SavePosition(nullptr));
+    std::wstring text = L"old";
+    EXPECT_TRUE(MXmlMarkup::BuildNodeText(3, L"x", text));
+    EXPECT_EQ(text, L"");
+    document.FindElement();
+    EXPECT_FALSE(document.SetAttribute(1, nullptr, L"x"));
+    EXPECT_EQ(document.GetAttribute(1, nullptr), L"");
+    for (std::int32_t record : {-1, 0, 2, 77})
+        EXPECT_EQ(document.GetInnerMarkup(record) + document.GetElementName(record) +
+                      document.GetAttribute(record, L"a"),
+                  L"");
+}
+
+TEST(XmlFindAttribute, LeavesTheCursorWhereItSays)
+{
+    const std::wstring tag = L"<t  a='1' b  c =";
+    MXmlTokenCursor cursor(tag.c_str(), static_cast<std::int32_t>(tag.size()), 0);
+    cursor.next = 1;
+    ASSERT_TRUE(MXmlMarkup::FindAttribute(cursor, L"a", 0));
+    EXPECT_TRUE(cursor.start == 7 && cursor.end == 7 && cursor.Quoted());
+    EXPECT_TRUE(cursor.matchStart == 2 && cursor.matchSpace == 2);
+    cursor.next = 1;
+    ASSERT_TRUE(MXmlMarkup::FindAttribute(cursor, nullptr, 1));
+    EXPECT_EQ(cursor.start, 10);
+    cursor.next = 1;
+    ASSERT_TRUE(MXmlMarkup::FindAttribute(cursor, L"c", 0));
+    EXPECT_TRUE(cursor.start == 13 && cursor.next == 14 && !cursor.Quoted());
+}
+
+TEST(XmlSavedPositions, BucketsGrowAndPurgeClosesTheGaps)
+{
+    MXmlSavedPositions positions;
+    MXmlRecordStore records;
+    records.Grow(16);
+    // All in one bucket: the code of "g" is 103, and 7 of them are 721.
+    const auto name = [](std::int32_t i) { return std::wstring(std::size_t(i) * 7, L'g'); };
+    for (std::int32_t i = 0; i < 15; ++i) {
+        records[i].flagsAndLevel = i % 2 != 0 ? XmlElementDeleted : 0u;
+        positions.Save(name(i).c_str(), 0, XmlSavedMain);
+        positions.Save(name(i).c_str(), i, XmlSavedMain);
+        EXPECT_EQ(positions.BucketSize(L""), i < 2 ? 2 : i < 14 ? 14 : 38);
+    }
+    EXPECT_EQ(positions.Find(name(15).c_str()), nullptr);
+    positions.Purge(records);
+    for (std::int32_t i = 0; i < 15; ++i) {
+        const MXmlSavedPosition* found = positions.Find(name(i).c_str());
+        ASSERT_EQ(found == nullptr, i % 2 != 0);
+        if (found) {
+            EXPECT_TRUE(found->index == i && (found->flags & XmlSavedMain) != 0);
+        }
+    }
+    EXPECT_EQ(positions.BucketSize(L""), 38);
+}
+
+TEST(XmlOperations, ReplacedElementsAreDeletedInOrderAndNotEdited)
+{
+    MXmlMarkup document;
+    document.LoadText(L"<a><b/><c><d/></c></a>");
+    ASSERT_TRUE(document.FindElement() && document.EnterElement() && document.FindElement());
+    ASSERT_TRUE(document.SavePosition(L"") && document.LeaveElement());
+    EXPECT_EQ(document.ReplaceInnerMarkup(L"<1><e>"), 0);
+    EXPECT_EQ(document.GetErrorText(), L"Incorrect tag name character at offset 0");
+    EXPECT_TRUE(document.GetRecord(1).Has(XmlElementIllFormed));
+    EXPECT_FALSE(document.RestorePosition(L"") || document.SetAttribute(2, L"x", L"y"));
+    std::vector<std::int32_t> deleted;
+    for (std::int32_t at = document.GetDeletedHead(); at != 0;
+         at = document.GetRecord(at).nextSibling)
+        deleted.push_back(at);
+    EXPECT_EQ(deleted, (std::vector<std::int32_t>{5, 3, 4, 2})); // 5 stood for the markup
+    EXPECT_EQ(document.GetElementName(2), L"");
+    EXPECT_EQ(document.ReplaceInnerMarkup(L""), 1);
+    EXPECT_FALSE(document.GetRecord(1).Has(XmlElementIllFormed));
+    EXPECT_EQ(document.GetErrorText(), L"");
+}
