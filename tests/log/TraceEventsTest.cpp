@@ -78,3 +78,13 @@ TEST(TraceEvents, EscapeWhatJsonOrAPageWouldMistake)
     EXPECT_EQ(std::string::npos, text.find('<'));
     EXPECT_EQ("</script>\"\\\xC3\xA4", Json::parse(text)["traceEvents"][1]["args"]["objectName"]);
 }
+
+TEST(TraceEvents, BeginWithZeroAtTheLatest)
+{
+    std::string lines = RecordLines(0, EventKind::ScopePush, 'f');
+    lines.replace(lines.find("0.000000"), 8, "-1.750000");
+    const std::string text =
+        TraceOf(DumpReader::Read(lines + RecordLines(1, EventKind::ScopePop, 'f')));
+    EXPECT_EQ("", BrokenTraceRule(text, 2));
+    EXPECT_EQ(250001, Json::parse(text)["traceEvents"][1]["dur"]);
+}
