@@ -139,7 +139,8 @@ TEST(KLogger, TimesCountUpwardFromTheReferenceEvenBeforeIt)
         core.FormatRecord(text, index, reference);
         return text;
     };
-    EXPECT_NE(std::string::npos, format(1, 0).find(" (unknown)\n    -1.750000, 0, "));
+    EXPECT_NE(std::string::npos,
+              format(1, 0).find(" for_object 0000000000000000 (unknown)\n    -1.750000, 0, "));
     EXPECT_NE(std::string::npos, format(0, 1).find("\n    0.250000, 0, "));
     EXPECT_EQ("", format(2, 0));
     EXPECT_EQ("*OUT OF BOUNDS*", format(ringSize, 0));

@@ -80,3 +80,21 @@ TEST_F(Fifo, PutWithoutMemoryLeavesTheQueueAndFreesTheLock)
         EXPECT_EQ("124", Take());
     }
 }
+
+TEST_F(Fifo, ProducersAndConsumersLoseAndDoubleNothing)
+{
+    const std::uintptr_t each = 2000;
+    std::atomic<std::uintptr_t> sum{0}, taken{0};
+    RunOnThreads(4, [&](int number) {
+        for (std::uintptr_t i = 1; number < 2 && i <= each; ++i)
+            fifo.Put(Element(i));
+        MDesyncEvent* element = nullptr;
+        while (number >= 2 && taken < 2 * each)
+            if (fifo.Wait(1) && fifo.Get(element)) {
+                sum += reinterpret_cast<std::uintptr_t>(element);
+                ++taken;
+            }
+    });
+    EXPECT_EQ(each * (each + 1), sum);
+    EXPECT_TRUE(fifo.IsEmpty());
+}
