@@ -61,6 +61,8 @@ TEST(MKLoggerAdapter, AttachedLogReceivesEventsAndNames)
     ours.LogOne();
     theirs.LogOne();
     EXPECT_EQ((Numbers{-202, -25}), ours.Kinds());
+    EXPECT_EQ(reinterpret_cast<std::intptr_t>(&theirs.core),
+              ReadDump(TakeDump(ours.core))[0].numbers[5]);
     EXPECT_EQ((Numbers{-202, -25, -25}), theirs.Kinds());
     EXPECT_EQ(
         "% State_change to Open in_class Before at After for_object 0000000000000000 (nothing)"
