@@ -86,8 +86,10 @@ TEST(RecorderDump, OfAWrappedRingLacksOnlyWhatTheRingHasLost)
     Dump dump = DumpOf(core);
     EXPECT_EQ(ringSize, dump.records.size());
     const std::vector<Timeline> timelines = Timelines::Of(dump);
-    EXPECT_LE(1u, dump.findings.lostBegins);
-    EXPECT_GE(4u, dump.findings.lostBegins); // two scopes of each thread
+    // A thread that has lost an odd number of records lacks the begin of its outer scope, one that
+    // has lost an even number that of an inner one too. Together they have lost an even number.
+    const std::size_t lostBegins = dump.findings.lostBegins;
+    EXPECT_TRUE(lostBegins == 2 || lostBegins == 4) << lostBegins;
     dump.findings.lostBegins = 0;
     EXPECT_EQ(std::vector<std::string>(), dump.findings.Sentences());
     EXPECT_EQ("", BrokenTraceRule(TraceEvents::Compose(dump, timelines, "ring"), ringSize));
