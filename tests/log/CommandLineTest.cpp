@@ -27,6 +27,7 @@ TEST(CommandLine, TakesOptionsInAnyOrderAndTimesInSeconds)
     EXPECT_EQ("some.log", line.dump);
     EXPECT_EQ("-", line.trace);
     EXPECT_FALSE(line.ShowSummary());
+    EXPECT_FALSE(CommandLine::Parse({"--html", "page.html"}).ShowSummary());
     EXPECT_TRUE(CommandLine::Parse({}).ShowSummary());
     EXPECT_EQ("-", CommandLine::Parse({}).dump);
 }

@@ -13,6 +13,7 @@ and prints a summary of it.
   --tree           print the scopes of each thread instead, with what happened inside
   --trace FILE     write trace events, which Perfetto and chrome://tracing open; "-" is standard
                    output
+  --html FILE      write a page with the timeline, for a browser; "-" is standard output
   --thread THREAD  only the thread with this id or name
   --class CLASS    only the class of this name
   --object OBJECT  only the object with this address, in hexadecimal, or name
@@ -96,6 +97,8 @@ void TakeOption(CommandLine& line, const std::string& option, Arguments& argumen
         line.showTree = true;
     else if (option == "--trace")
         line.trace = arguments.TakeValueOf(option);
+    else if (option == "--html")
+        line.page = arguments.TakeValueOf(option);
     else if (option == "--thread")
         line.filter.thread = arguments.TakeTextOf(option);
     else if (option == "--class")

@@ -17,6 +17,7 @@ struct CommandLine {
 
     std::filesystem::path dump = "-"; ///< "-" is standard input
     std::filesystem::path trace;      ///< where trace events go: empty for nowhere, "-" for output
+    std::filesystem::path page;       ///< where the page with the timeline goes, likewise
     RecordFilter filter;
     bool showTree = false;
     bool showHelp = false;
@@ -32,5 +33,5 @@ struct CommandLine {
     }
 
     /// Whether the summary is what is left to print.
-    bool ShowSummary() const { return !showTree && trace.empty(); }
+    bool ShowSummary() const { return !showTree && trace.empty() && page.empty(); }
 };

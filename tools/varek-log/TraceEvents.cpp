@@ -87,7 +87,7 @@ void TraceEvents::AddScope(const TimelineEntry& scope)
     AddTrack(record.threadId);
 
     json.Key("args").BeginObject();
-    AddArguments(record);
+    AddArguments(scope);
     if (scope.lostBegin)
         json.Key("lostBegin").Truth(true);
     if (scope.lostEnd)
@@ -117,7 +117,7 @@ void TraceEvents::AddEvent(const TimelineEntry& event)
         json.Key("state").Text(dump.names.Parameter(record));
     if (EventKind::HasLine(record.kind))
         json.Key("line").Number(record.param2);
-    AddArguments(record);
+    AddArguments(event);
     json.EndObject();
 }
 
@@ -126,8 +126,10 @@ void TraceEvents::AddTrack(std::int32_t threadId)
     json.Key("pid").Number(1).Key("tid").Number(static_cast<std::uint32_t>(threadId));
 }
 
-void TraceEvents::AddArguments(const DumpRecord& record)
+void TraceEvents::AddArguments(const TimelineEntry& entry)
 {
+    const DumpRecord& record = *entry.record;
+    json.Key("depth").Number(static_cast<std::int64_t>(entry.depth));
     const std::string& name = dump.names.Object(record);
     if (record.object != 0)
         json.Key("object").Text("0x" + TextForms::Address(record.object));

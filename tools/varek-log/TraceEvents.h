@@ -22,10 +22,11 @@
 ///   - anything else is "i" with "s": "t": "name" tells kind and parameter, such as "Root_error
 ///     RunsDry" or "State_change to Running", "cat" is the category of EventKind, "ts".
 ///
-/// The args of both: "object", such as "0x000000001D2C5A40", unless it is null; "objectName", if it
-/// has one; "param1" and "param2", raw, unless both are 0 or the second is the line. Besides, of
-/// events: "place", which is "Class.Function", if there is one; "code" of errors that have one;
-/// "state" of changes of state; "line" where there is one.
+/// The args of both: "depth", the number of scopes around it; "object", such as
+/// "0x000000001D2C5A40", unless it is null; "objectName", if it has one; "param1" and "param2",
+/// raw, unless both are 0 or the second is the line. Besides, of events: "place", which is
+/// "Class.Function", if there is one; "code" of errors that have one; "state" of changes of state;
+/// "line" where there is one.
 ///
 /// Times are whole microseconds, as in the dump, where the oldest record is 0; should one be
 /// earlier all are moved to begin with 0. Slices of a thread nest strictly.
@@ -50,7 +51,7 @@ private:
     void AddScope(const TimelineEntry& scope);
     void AddEvent(const TimelineEntry& event);
     void AddTrack(std::int32_t threadId);
-    void AddArguments(const DumpRecord& record);
+    void AddArguments(const TimelineEntry& entry);
 
     const Dump& dump;
     const std::int64_t origin; // time 0 of the trace on the axis of the dump

@@ -3,6 +3,7 @@
 #include "tools/varek-log/ScopeTree.h"
 #include "tools/varek-log/Summary.h"
 #include "tools/varek-log/TextFile.h"
+#include "tools/varek-log/TimelinePage.h"
 #include "tools/varek-log/Timelines.h"
 #include "tools/varek-log/TraceEvents.h"
 #include "tools/varek-log/Utf8.h"
@@ -35,6 +36,14 @@ void ShowFindings(const Findings& findings)
         std::cerr << "varek-log: " << sentence << "\n";
 }
 
+void WriteTrace(const CommandLine& line, const std::string& trace)
+{
+    if (!line.trace.empty())
+        TextFile::Write(line.trace, trace);
+    if (!line.page.empty())
+        TextFile::Write(line.page, TimelinePage::Compose(trace));
+}
+
 void ShowDump(const CommandLine& line)
 {
     Dump dump = ReadDump(line.dump);
@@ -45,8 +54,8 @@ void ShowDump(const CommandLine& line)
 
     if (line.showTree)
         Print(ScopeTree::Compose(dump, timelines));
-    if (!line.trace.empty())
-        TextFile::Write(line.trace, TraceEvents::Compose(dump, timelines, line.Source()));
+    if (!line.trace.empty() || !line.page.empty())
+        WriteTrace(line, TraceEvents::Compose(dump, timelines, line.Source()));
     if (line.ShowSummary())
         Print(Summary::Compose(dump, line.filter));
     else

@@ -1,0 +1,181 @@
+// The page: what the user does, passed on to the scale, the painter and the panel.
+class Timeline {
+    constructor(trace) {
+        this.trace = trace;
+        this.scale = new TimeScale(trace.begin, trace.end);
+        this.painter = new Painter(trace, this.scale);
+        this.panel = new Panel(trace, (entry) => this.goTo(entry));
+        this.main = document.querySelector("main");
+        this.plot = document.getElementById("plot");
+        this.search = document.getElementById("search");
+        this.#placeLanes();
+        this.#listen();
+        this.#draw();
+    }
+
+    // Shows a scope, or what else happened amid the scope around it.
+    goTo(entry) {
+        const scope = entry.isScope ? entry : entry.around ?? this.trace;
+        const length = Math.max(scope.end - scope.begin, 2) * 1.5;
+        const span = entry.isScope ? length : Math.min(length, this.scale.span);
+        const middle = (entry.begin + entry.end) / 2;
+        this.scale.show(middle - span / 2, middle + span / 2);
+        this.main.scrollTop = this.painter.rowTop(entry) - this.main.clientHeight / 2;
+        this.select(entry);
+    }
+
+    select(entry) {
+        this.painter.selected = entry;
+        this.panel.showSelected(entry);
+        this.redraw();
+    }
+
+    look(text) {
+        const found = this.trace.find(text);
+        const isLookedFor = text.trim() !== "";
+        this.painter.found = isLookedFor ? new Set(found) : null;
+        this.panel.showFound(found, isLookedFor);
+        this.redraw();
+    }
+
+    // From the selected entry, or from the middle of what is in view.
+    goToError(step) {
+        const { errors } = this.trace;
+        const at = errors.indexOf(this.painter.selected);
+        const middle = (this.scale.from + this.scale.to) / 2;
+        const later = errors.findIndex((error) => error.begin > middle);
+        const next = at >= 0 ? at + step : (later < 0 ? errors.length : later) + (step < 0 ? -1 : 0);
+        if (errors.length > 0)
+            this.goTo(errors[(next + errors.length) % errors.length]);
+    }
+
+    fit() {
+        this.scale.fit();
+        this.redraw();
+    }
+
+    redraw() {
+        this.frame ??= requestAnimationFrame(() => this.#draw());
+    }
+
+    #draw() {
+        this.frame = null;
+        this.painter.draw(this.main.scrollTop);
+    }
+
+    #placeLanes() {
+        const lanes = document.getElementById("lanes");
+        lanes.style.height = `${this.painter.height}px`;
+        for (const lane of this.trace.lanes) {
+            const label = document.createElement("div");
+            const id = document.createElement("small");
+            label.className = "lane";
+            label.style.top = `${lane.top + 1}px`;
+            id.textContent = ` ${lane.id}`;
+            label.append(lane.name, id);
+            lanes.append(label);
+        }
+    }
+
+    #listen() {
+        this.#listenToPlot();
+        this.#listenToOverview();
+        this.main.onscroll = () => this.redraw();
+        this.search.oninput = () => this.look(this.search.value);
+        document.getElementById("fit").onclick = () => this.fit();
+        document.onkeydown = (event) => this.#obeyKey(event);
+        matchMedia("(prefers-color-scheme: dark)").onchange = () => this.redraw();
+        new ResizeObserver(() => this.redraw()).observe(this.main);
+    }
+
+    #listenToPlot() {
+        const { plot, scale } = this;
+        let isDragged = false;
+        plot.onpointerdown = (event) => {
+            isDragged = false;
+            plot.setPointerCapture(event.pointerId);
+        };
+        plot.onpointermove = (event) => {
+            if (event.buttons === 0) {
+                this.panel.showHint(this.#entryUnder(event), event.clientX, event.clientY);
+                return;
+            }
+            isDragged ||= Math.abs(event.movementX) + Math.abs(event.movementY) > 1;
+            scale.move(-event.movementX / scale.width * scale.span);
+            this.main.scrollTop -= event.movementY;
+            this.panel.showHint(null);
+            this.redraw();
+        };
+        plot.onpointerleave = () => this.panel.showHint(null);
+        plot.onclick = (event) => isDragged || this.select(this.#entryUnder(event));
+        plot.ondblclick = (event) => {
+            const entry = this.#entryUnder(event);
+            if (entry)
+                this.goTo(entry);
+        };
+        plot.addEventListener("wheel", (event) => this.#obeyWheel(event), { passive: false });
+    }
+
+    #listenToOverview() {
+        const overview = document.getElementById("overview");
+        const follow = ({ offsetX, buttons }) => {
+            if (buttons === 0)
+                return;
+            const { first, last, from, to } = this.scale;
+            const time = first + offsetX / overview.clientWidth * (last - first);
+            this.scale.move(time - (from + to) / 2);
+            this.redraw();
+        };
+        overview.onpointerdown = (event) => {
+            overview.setPointerCapture(event.pointerId);
+            follow(event);
+        };
+        overview.onpointermove = follow;
+    }
+
+    #entryUnder({ offsetX, offsetY }) {
+        return this.painter.entryAt(offsetX, offsetY + this.main.scrollTop);
+    }
+
+    // A wheel zooms where the pointer is; sideways, or with Shift, it moves.
+    #obeyWheel(event) {
+        event.preventDefault();
+        const { scale } = this;
+        const sideways = event.shiftKey ? event.deltaX || event.deltaY : event.deltaX;
+        if (Math.abs(sideways) > Math.abs(event.shiftKey ? 0 : event.deltaY))
+            scale.move(sideways / scale.width * scale.span);
+        else
+            scale.zoom(1.002 ** event.deltaY, scale.time(event.offsetX));
+        this.panel.showHint(null);
+        this.redraw();
+    }
+
+    #obeyKey(event) {
+        const { scale, search } = this;
+        if (event.key === "Escape") {
+            search.value = "";
+            search.blur();
+            this.look("");
+            this.select(null);
+        }
+        if (event.target === search || event.ctrlKey || event.altKey || event.metaKey)
+            return;
+        const actions = {
+            ArrowLeft: () => scale.move(-scale.span / 8),
+            ArrowRight: () => scale.move(scale.span / 8),
+            ArrowUp: () => scale.zoom(1 / 1.5),
+            ArrowDown: () => scale.zoom(1.5),
+            e: () => this.goToError(1),
+            E: () => this.goToError(-1),
+            f: () => this.fit(),
+            "/": () => search.focus(),
+        };
+        if (!Object.hasOwn(actions, event.key))
+            return;
+        event.preventDefault();
+        actions[event.key]();
+        this.redraw();
+    }
+}
+
+const timeline = new Timeline(new Trace(JSON.parse(document.getElementById("trace").textContent)));
