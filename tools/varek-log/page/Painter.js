@@ -1,5 +1,5 @@
-// Draws lanes on the plot, times on the axis, and the whole dump on the overview. Only what is in
-// view is drawn, and of what falls on one pixel only the first.
+// Draws the lanes on the plot, and the times above it on the axis. Only what is in view is drawn, and
+// of what falls on one pixel only the first.
 class Painter {
     static laneTop = 24;    // room for the name of the thread
     static rowHeight = 20;
@@ -11,7 +11,6 @@ class Painter {
         this.scale = scale;
         this.selected = null;
         this.found = null; // a set, or null when nothing is looked for
-        this.canvases = ["plot", "axis", "overview"].map((id) => document.getElementById(id));
         this.#layOut();
         this.#chooseHues();
     }
@@ -59,36 +58,16 @@ class Painter {
     }
 
     draw(scrolled) {
-        this.colours = Painter.#themeColours();
-        const [plot, axis, overview] = this.canvases.map(Painter.#begin);
+        this.colours = themeColours();
+        const plot = beginDrawing("plot");
         this.scale.width = plot.width;
-        this.#drawAxis(axis);
-        this.#drawOverview(overview);
+        this.#drawAxis(beginDrawing("axis"));
         this.#drawGrid(plot);
         plot.pen.translate(0, -scrolled);
         for (const lane of this.trace.lanes) {
             if (lane.top < scrolled + plot.height && lane.top + lane.height > scrolled)
                 this.#drawLane(plot, lane);
         }
-    }
-
-    static #themeColours() {
-        const style = getComputedStyle(document.documentElement);
-        const names = ["back", "line", "grid", "ink", "quiet", "error", "state", "mark", "accent", "shade",
-            "bar-saturation", "bar-lightness"];
-        return Object.fromEntries(names.map((name) => [name, style.getPropertyValue(`--${name}`)]));
-    }
-
-    static #begin(canvas) {
-        const { clientWidth: width, clientHeight: height } = canvas;
-        const ratio = window.devicePixelRatio;
-        canvas.width = width * ratio;
-        canvas.height = height * ratio;
-        const pen = canvas.getContext("2d");
-        pen.scale(ratio, ratio);
-        pen.font = "11px system-ui, sans-serif";
-        pen.textBaseline = "middle";
-        return { pen, width, height };
     }
 
     #drawAxis({ pen, width, height }) {
@@ -105,36 +84,6 @@ class Painter {
         pen.fillStyle = this.colours.grid;
         for (const { time } of this.scale.ticks(90))
             pen.fillRect(this.scale.x(time), 0, 1, height);
-    }
-
-    // How much happened when, errors on top, and what is out of view in shade.
-    #drawOverview({ pen, width, height }) {
-        const { first, last, from, to } = this.scale;
-        const x = (time) => (time - first) / (last - first) * width;
-        const columns = this.#crowd(width, x);
-        const most = Math.log1p(Math.max(...columns));
-        pen.fillStyle = this.colours.mark;
-        columns.forEach((count, column) => {
-            const rise = Math.log1p(count) / most * (height - 12);
-            pen.fillRect(column, height - rise, 1, rise);
-        });
-        pen.fillStyle = this.colours.error;
-        for (const error of this.trace.errors)
-            pen.fillRect(x(error.begin) - 1, 0, 2, 8);
-        pen.fillStyle = this.colours.shade;
-        pen.fillRect(0, 0, x(from), height);
-        pen.fillRect(x(to), 0, width, height);
-        pen.strokeStyle = this.colours.accent;
-        pen.strokeRect(x(from) + 0.5, 0.5, Math.max(1, x(to) - x(from) - 1), height - 1);
-    }
-
-    #crowd(width, x) {
-        if (this.columns?.length !== width) {
-            this.columns = new Array(width).fill(0);
-            for (const entry of this.trace.entries)
-                this.columns[Math.floor(x(entry.begin))] += 1;
-        }
-        return this.columns;
     }
 
     #drawLane({ pen, width }, lane) {

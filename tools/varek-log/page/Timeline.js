@@ -4,6 +4,7 @@ class Timeline {
         this.trace = trace;
         this.scale = new TimeScale(trace.begin, trace.end);
         this.painter = new Painter(trace, this.scale);
+        this.overview = new Overview(trace, this.scale);
         this.panel = new Panel(trace, (entry) => this.goTo(entry));
         this.main = document.querySelector("main");
         this.plot = document.getElementById("plot");
@@ -61,6 +62,7 @@ class Timeline {
     #draw() {
         this.frame = null;
         this.painter.draw(this.main.scrollTop);
+        this.overview.draw();
     }
 
     #placeLanes() {
@@ -117,20 +119,19 @@ class Timeline {
     }
 
     #listenToOverview() {
-        const overview = document.getElementById("overview");
+        const strip = document.getElementById("overview");
         const follow = ({ offsetX, buttons }) => {
             if (buttons === 0)
                 return;
-            const { first, last, from, to } = this.scale;
-            const time = first + offsetX / overview.clientWidth * (last - first);
-            this.scale.move(time - (from + to) / 2);
+            const { from, to } = this.scale;
+            this.scale.move(this.overview.timeAt(offsetX, strip.clientWidth) - (from + to) / 2);
             this.redraw();
         };
-        overview.onpointerdown = (event) => {
-            overview.setPointerCapture(event.pointerId);
+        strip.onpointerdown = (event) => {
+            strip.setPointerCapture(event.pointerId);
             follow(event);
         };
-        overview.onpointermove = follow;
+        strip.onpointermove = follow;
     }
 
     #entryUnder({ offsetX, offsetY }) {

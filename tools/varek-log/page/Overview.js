@@ -1,0 +1,63 @@
+// Draws the whole dump as a strip: how much happened when, errors on top, the part in view framed.
+class Overview {
+    static errorHeight = 8;
+
+    constructor(trace, scale) {
+        this.trace = trace;
+        this.scale = scale;
+        this.counts = [];
+    }
+
+    draw() {
+        const colours = themeColours();
+        const { pen, width, height } = beginDrawing("overview");
+        this.#drawCrowd(pen, colours, width, height);
+        this.#drawErrors(pen, colours, width);
+        this.#drawView(pen, colours, width, height);
+    }
+
+    timeAt(x, width) {
+        const { first, last } = this.scale;
+        return first + x / width * (last - first);
+    }
+
+    #x(time, width) {
+        const { first, last } = this.scale;
+        return (time - first) / (last - first) * width;
+    }
+
+    #drawCrowd(pen, colours, width, height) {
+        const counts = this.#countColumns(width);
+        const most = Math.log1p(Math.max(...counts));
+        pen.fillStyle = colours.mark;
+        counts.forEach((count, column) => {
+            const rise = Math.log1p(count) / most * (height - Overview.errorHeight - 4);
+            pen.fillRect(column, height - rise, 1, rise);
+        });
+    }
+
+    #countColumns(width) {
+        if (this.counts.length !== width) {
+            this.counts = new Array(width).fill(0);
+            for (const entry of this.trace.entries)
+                this.counts[Math.floor(this.#x(entry.begin, width))] += 1;
+        }
+        return this.counts;
+    }
+
+    #drawErrors(pen, colours, width) {
+        pen.fillStyle = colours.error;
+        for (const error of this.trace.errors)
+            pen.fillRect(this.#x(error.begin, width) - 1, 0, 2, Overview.errorHeight);
+    }
+
+    #drawView(pen, colours, width, height) {
+        const left = this.#x(this.scale.from, width);
+        const right = this.#x(this.scale.to, width);
+        pen.fillStyle = colours.shade;
+        pen.fillRect(0, 0, left, height);
+        pen.fillRect(right, 0, width, height);
+        pen.strokeStyle = colours.accent;
+        pen.strokeRect(left + 0.5, 0.5, Math.max(1, right - left - 1), height - 1);
+    }
+}
