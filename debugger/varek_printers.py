@@ -577,9 +577,12 @@ the header is that of this machine's time zone."""
 
     def invoke(self, argument, _from_tty):
         try:
-            count, _, name = argument.partition(" ")
+            words, _, name = argument.partition(" ")
+            count = int(gdb.parse_and_eval(words or "0"))
+            if count < 0:
+                raise gdb.GdbError("COUNT is negative")
             logger = KLogger.named(name) if name else KLogger.of_module()
-            for text in logger.dump(int(gdb.parse_and_eval(count or "0"))):
+            for text in logger.dump(count):
                 print(text)
         except gdb.error as reason:
             raise gdb.GdbError(str(reason)) from reason

@@ -146,6 +146,8 @@ class Printers(unittest.TestCase):
         self.assertEqual(command("varek-dump"), command("varek-dump 0 debugger-subject.exe"))
         with self.assertRaisesRegex(gdb.error, 'No symbol "nothing"'):
             command("varek-dump 2 nothing")
+        with self.assertRaisesRegex(gdb.error, "COUNT is negative"):
+            command("varek-dump -1")
 
     def test_what_is_no_object_shows_why(self):
         for name in map(type_name, OBJECTS.values()):
