@@ -36,8 +36,13 @@ install(FILES
     cmake/version.rc.in
     DESTINATION ${package_folder})
 install(PROGRAMS cmake/wine-run DESTINATION bin)
+
+# The pages, beside the examples that they show.
 install(FILES CHANGELOG.md DESTINATION share/doc/varek)
-install(DIRECTORY examples/tutorial DESTINATION share/doc/varek)
+install(DIRECTORY docs
+    DESTINATION share/doc/varek
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
+install(DIRECTORY examples DESTINATION share/doc/varek)
 
 add_custom_target(sdk DEPENDS varek varek_framework varek_module varek-log)
 
