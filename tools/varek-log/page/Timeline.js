@@ -179,4 +179,5 @@ class Timeline {
     }
 }
 
+// Has a name so that the console reaches it.
 const timeline = new Timeline(new Trace(JSON.parse(document.getElementById("trace").textContent)));
