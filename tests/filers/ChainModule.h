@@ -6,14 +6,11 @@
 #include <string>
 
 /// An error that carries a filed chain.
-class CarryingError : public MError
-{
-public:
+struct CarryingError : MError {
     explicit CarryingError(const MString& text) : MError(L"Carrier"), text(text) {}
     MString GetChainText() const override { return text; }
     MDynObject* Clone() const override { return new CarryingError(*this); }
 
-private:
     MString text;
 };
 
