@@ -60,17 +60,18 @@ struct Node {
     wchar_t beforeLast = 0;
 };
 
-class LiteralParser
-{
-public:
-    LiteralParser(const std::wstring& source, bool ignoresCase)
-        : text(source), ignoreCase(ignoresCase)
-    {
-    }
+struct LiteralParser {
+    const std::wstring& text;
+    bool ignoreCase;
+    Node scan = {};
+    LiteralIndex index = {};
+    std::vector<MXmlElementRecord>& records = index.records;
+    std::vector<std::wstring> names = {L""};
+    std::int32_t current = 0;
 
     LiteralIndex Load()
     {
-        records.push_back(MXmlElementRecord());
+        records.resize(1);
         do {
             ScanNode();
             if (scan.type == 1)
@@ -92,7 +93,6 @@ public:
         return index;
     }
 
-private:
     void ScanNode()
     {
         const std::int32_t start = scan.start + scan.length;
@@ -219,8 +219,7 @@ private:
             records[first].previousSibling = added;
         }
         records.push_back(record);
-        names.resize(records.size());
-        names[added] = scan.text;
+        names.push_back(scan.text);
         current = scan.emptyElement ? current : added;
     }
 
@@ -289,19 +288,11 @@ private:
         if (index.errorText.empty())
             index.errorText = finding;
     }
-
-    const std::wstring& text;
-    bool ignoreCase;
-    Node scan;
-    LiteralIndex index;
-    std::vector<MXmlElementRecord>& records = index.records;
-    std::vector<std::wstring> names;
-    std::int32_t current = 0;
 };
 
 } // namespace
 
 LiteralIndex ParseLiterally(const std::wstring& text, bool ignoreCase)
 {
-    return LiteralParser(text, ignoreCase).Load();
+    return LiteralParser{text, ignoreCase}.Load();
 }
