@@ -4,25 +4,13 @@
 
 typedef MTypedPtrArray<MString, const MString&> StringArray;
 
-TEST(MTypedPtrArray, GrowsOneSlotAtATimeUnlessAFactorOrAMinimumIsLarger)
+TEST(MTypedPtrArray, GrowsByASlotAFactorOrToAMinimumAndKeepsItsSlots)
 {
     StringArray array;
-    for (std::int32_t i = 0; i < 3; ++i) {
-        EXPECT_EQ(i, array.Add(L"a"));
-        EXPECT_EQ(i + 1, array.GetAllocated());
+    for (const wchar_t* text : {L"a", L"b", L"c"}) {
+        const std::int32_t index = array.Add(text);
+        EXPECT_EQ(index + 1, array.GetAllocated());
     }
-    array.SetGrowFactor(2.5f);
-    array.Grow(0);
-    EXPECT_EQ(7, array.GetAllocated());
-    array.Grow(100);
-    EXPECT_EQ(100, array.GetAllocated());
-}
-
-TEST(MTypedPtrArray, RemovingMovesTheRestDownAndKeepsTheSlots)
-{
-    StringArray array;
-    for (const wchar_t* text : {L"a", L"b", L"c"})
-        array.Add(text);
     array.RemoveAt(1);
     EXPECT_STREQ(L"c", array.GetAt(1).c_str());
     EXPECT_STREQ(L"", array.GetAt(2).c_str()); // an empty slot is filled on demand
@@ -30,6 +18,11 @@ TEST(MTypedPtrArray, RemovingMovesTheRestDownAndKeepsTheSlots)
     EXPECT_EQ(3, array.GetAllocated());
     array.RemoveAll();
     EXPECT_EQ(0, array.Add(L"again"));
+    array.SetGrowFactor(2.5f);
+    array.Grow(0);
+    EXPECT_EQ(7, array.GetAllocated());
+    array.Grow(100);
+    EXPECT_EQ(100, array.GetAllocated());
 }
 
 TEST(MTypedPtrArray, LackOfMemoryIsRaisedAndAddsNothing)
