@@ -6,6 +6,8 @@
 #include "tests/support/ProcessHandles.h"
 #include "tests/support/Raised.h"
 
+#include <atomic>
+#include <map>
 #include <thread>
 
 #include <windows.h>
@@ -18,8 +20,14 @@ struct Gate {
     PlatformEvent event{EventReset::Manual};
 };
 
-/// Keeps what ended an engine thread.
-struct FailureRecorder : IThreadErrorHandler {
+/// What a test has an engine thread do, and what became of it.
+struct Script : IThreadErrorHandler {
+    void Call(const std::string& name)
+    {
+        calls += name + " ";
+        if (on[name])
+            on[name]();
+    }
     void OnSpontaneousError(const MException& exception) override
     {
         failures += FailureText(exception) + ";";
@@ -27,14 +35,13 @@ struct FailureRecorder : IThreadErrorHandler {
     }
     void OnUnhandledException(_EXCEPTION_POINTERS*) override {}
 
-    std::string failures;
+    std::map<std::string, Action> on; ///< what is done at a call, by its name
+    std::string calls, failures;
     Gate failed; ///< opened by the first
 };
 
-/// An engine thread that does what a test tells it, its inside open.
-class ScriptedThread : public FailureRecorder, public MEngineThread
-{
-public:
+/// An engine thread that calls its script, its inside open.
+struct ScriptedThread : Script, MEngineThread {
     ScriptedThread() : MEngineThread(this) {}
     ~ScriptedThread() override { ForceStop(); }
 
@@ -43,59 +50,34 @@ public:
     using MEngineThread::IsStopRequested;
     using MEngineThread::IsThreadActive;
 
-    Action onStart = [this] { SignalThreadStarted(); };
-    Action onFlush = [] {};
-    Action onStop = [] {};
+    Action onStarted = [] {};
 
-private:
     void ThreadFunction() override
     {
-        onStart();
+        Call("start");
+        SignalThreadStarted();
+        onStarted();
         do
             WaitForEvents(waitForEver);
         while (!IsStopRequested());
         ServeStop();
     }
-    void OnFlush() override { onFlush(); }
-    void OnStop() override { onStop(); }
+    void OnFlush() override { Call("flush"); }
+    void OnStop() override { Call("stop"); }
 };
-
-/// Raises an `MException` that holds "cause", and then an error with the Code `code`.
-[[noreturn]] inline void Raise(const std::string& code)
-{
-    MException exception(MError(L"cause"));
-    exception.AddError(MError(std::wstring(code.begin(), code.end()).c_str()));
-    throw MException(exception);
-}
 
 /// Runs `body` on `count` threads at once, with the thread's number.
 template <class Body>
 void RunOnThreads(int count, Body body)
 {
+    std::atomic<int> missing{count};
     std::vector<std::thread> threads;
     for (int number = 0; number < count; ++number)
-        threads.emplace_back(body, number);
+        threads.emplace_back([&, number] {
+            for (--missing; missing > 0;)
+                Sleep(0);
+            body(number);
+        });
     for (std::thread& thread : threads)
         thread.join();
-}
-
-/// Runs `operation`, its first allocation failing, which is to raise an `MException` as long as
-/// there is memory for that.
-template <class Operation>
-void ExpectOutOfMemory(AllocationFailure how, Operation operation)
-{
-    EXPECT_EQ(how == AllocationFailure::ThrowsForGood ? ShortageOutcome::RaisedBadAlloc
-                                                      : ShortageOutcome::RaisedMException,
-              RunShortOfMemory(how, 1, operation));
-}
-
-/// Expects a construction to leave nothing behind, whichever of its allocations fails.
-template <class Build>
-void ExpectUnwoundWithoutMemory(Build build)
-{
-    build();
-    const ExpectSameHandles handles;
-    ForEachFailingAllocation(AllocationFailure::Throws, build, [](ShortageOutcome outcome) {
-        EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, outcome);
-    });
 }

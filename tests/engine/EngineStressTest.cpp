@@ -1,4 +1,4 @@
-// Many threads and many lives of the engine's objects.
+// Many threads, many lives, and every failing allocation of the engine's objects.
 
 #include "engine/MCommandProcessor.h"
 #include "engine/MDesyncEventScheduler.h"
@@ -13,32 +13,25 @@ TEST(EngineStress, EveryCallIsAnsweredToItsOwnCallerWhoeverStopsTheProcessor)
         MCommandProcessor processor(nullptr, nullptr, nullptr, nullptr, 1);
         processor.Start();
         int inside = 0;
-        const auto callUntilRefused = [&](int number) {
-            const std::string failure = "failure of " + std::to_string(number);
+        RunOnThreads(5, [&](int number) {
+            if (number > 2) {
+                Sleep(5);
+                return processor.Stop();
+            }
             const MExceptionSlot slot = NewSlot();
-            for (bool fails = false;; fails = !fails) {
-                int answer = -1;
+            int calls = 0;
+            for (bool refused = false; !refused;) {
+                const std::string answer = std::to_string(number) + "." + std::to_string(++calls);
                 const Action action = [&] {
                     EXPECT_EQ(1, ++inside);
-                    EXPECT_EQ(0u, slot->GetErrorCount()); // emptied of the last failure
-                    answer = number;
+                    EXPECT_EQ(0u, slot->GetErrorCount()); // emptied of the last answer
                     --inside;
-                    if (fails)
-                        Raise(failure);
+                    Raise(answer);
                 };
                 const auto call = [&] { processor.ExecuteSynchronously(NewCommand(action, slot)); };
-                const bool refused = Raised(call) != "";
-                EXPECT_EQ(refused ? -1 : number, answer);
-                if (refused)
-                    return;
-                EXPECT_EQ(fails ? failure : "no errors", FailureText(*slot.Get()));
+                refused = Raised(call) != "";
+                EXPECT_EQ(!refused, FailureText(*slot.Get()) == answer);
             }
-        };
-        RunOnThreads(5, [&](int number) {
-            if (number < 3)
-                return callUntilRefused(number);
-            Sleep(5);
-            processor.Stop();
         });
     }
 }
@@ -66,4 +59,17 @@ TEST(EngineStress, ThousandLivesLeaveNoHandleBehind)
     live(4);
     const ExpectSameHandles handles;
     live(1000);
+}
+
+TEST(EngineStress, ConstructionThatRunsOutOfMemoryLeavesNothingBehind)
+{
+    const Action builds[] = {[] { MCommandProcessor(nullptr, nullptr, nullptr, nullptr, 0); },
+                             [] { MDesyncEventScheduler scheduler(nullptr); }, [] { NewSlot(); }};
+    for (const Action& build : builds) {
+        build();
+        const ExpectSameHandles handles;
+        ForEachFailingAllocation(AllocationFailure::Throws, build, [](ShortageOutcome outcome) {
+            EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, outcome);
+        });
+    }
 }

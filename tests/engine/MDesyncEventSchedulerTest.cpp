@@ -35,12 +35,3 @@ TEST(MDesyncEventScheduler, EventsWaitForEnableKeepTheirOrderPassAFailureAndAreW
     EXPECT_EQ("abababx", diary);
     ::operator delete(dropped);
 }
-
-TEST(MDesyncEventScheduler, WithoutMemoryTheEventStaysTheCallers)
-{
-    MDesyncEventScheduler scheduler(nullptr);
-    MDesyncEvent* const event = NewEvent([] {});
-    ExpectOutOfMemory(AllocationFailure::Throws, [&] { scheduler.ScheduleDesyncEvent(event); });
-    ::operator delete(event);
-    ExpectUnwoundWithoutMemory([] { MDesyncEventScheduler unfinished(nullptr); });
-}

@@ -15,48 +15,43 @@ int Apartment()
     return CoGetApartmentType(&type, &qualifier) == S_OK ? type : -1;
 }
 
-struct SchedulerThread : FailureRecorder, MSchedulerThread {
-    SchedulerThread() : MSchedulerThread(this) {}
+struct SchedulerThread : MSchedulerThread {
+    SchedulerThread() : MSchedulerThread(nullptr) {}
 
-    void OnSpontaneousError(const MException& exception) override
-    {
-        apartmentAfter = Apartment();
-        FailureRecorder::OnSpontaneousError(exception);
-    }
     void ThreadFunction() override
     {
-        MSchedulerThread::ThreadFunction();
-        apartmentAfter = Apartment();
+        failure = Raised([this] { MSchedulerThread::ThreadFunction(); });
+        apartments.push_back(Apartment());
+        Raise("told to nobody");
     }
 
-    int apartmentAfter = APTTYPE_CURRENT;
+    std::string failure;
+    std::vector<int> apartments;
 };
 
 } // namespace
 
 TEST(MSchedulerThread, FunctorsRunInTheMultithreadedApartmentWhichEveryWayOutLeaves)
 {
-    for (bool fails : {false, true}) {
+    for (const std::string failure : {"", "Unexpected"}) {
         SchedulerThread thread;
-        int apartment = -1;
         Gate served;
-        const PlatformEvent event(EventReset::Automatic);
         const auto action = [&] {
-            apartment = Apartment();
+            thread.apartments.push_back(Apartment());
             served.Open();
-            if (fails)
-                Raise("Unexpected");
+            if (failure != "")
+                Raise(failure);
         };
+        const PlatformEvent event(EventReset::Automatic);
         thread.RegisterSchedulerEvent(event, FunctorFor(action).release());
         thread.Start();
         SetEvent(event);
-        (fails ? thread.failed : served).Pass();
+        served.Pass();
         EXPECT_EQ("MSchedulerThread.RegisterSchedulerEvent:ThreadRunning",
                   Raised([&] { thread.RegisterSchedulerEvent(event, nullptr); }));
         thread.Stop();
-        EXPECT_EQ(APTTYPE_MTA, apartment);
-        EXPECT_EQ(-1, thread.apartmentAfter);
-        EXPECT_EQ(fails ? "Unexpected;" : "", thread.failures);
+        EXPECT_EQ((std::vector<int>{APTTYPE_MTA, -1}), thread.apartments);
+        EXPECT_EQ(failure, thread.failure);
     }
     MSchedulerThread running(nullptr); // stops itself
     running.Start();

@@ -6,6 +6,7 @@
 #include "foundation/MException.h"
 
 #include <functional>
+#include <string>
 
 // Work for engine threads, made from lambdas.
 
@@ -55,4 +56,10 @@ inline std::auto_ptr<MCommandSynchronous> NewCommand(const Action& action,
 inline MExceptionSlot NewSlot()
 {
     return MExceptionSlot(std::auto_ptr<MException>(new MException));
+}
+
+/// Raises an `MException` that holds an error with the Code `code`.
+[[noreturn]] inline void Raise(const std::string& code)
+{
+    throw MException(MError(std::wstring(code.begin(), code.end()).c_str()));
 }

@@ -1,21 +1,19 @@
 #pragma once
 
-#include <cstddef>
-#include <vector>
+#include <gtest/gtest.h>
+
+#include <set>
 
 /// The handles that this process holds open.
-std::vector<void*> ListHandles();
+std::set<void*> ListHandles();
 
 /// Expects its block to leave as many handles open as it found. Run the scenario once before: what
 /// opens handles on first use keeps them.
-class ExpectSameHandles
-{
-public:
-    ExpectSameHandles() : before(ListHandles().size()) {}
-    ExpectSameHandles(const ExpectSameHandles&) = delete;
-    ExpectSameHandles& operator=(const ExpectSameHandles&) = delete;
-    ~ExpectSameHandles();
+struct ExpectSameHandles {
+    ~ExpectSameHandles()
+    {
+        EXPECT_EQ(before, ListHandles().size()) << "handles are open after the scenario";
+    }
 
-private:
-    std::size_t before;
+    const std::size_t before = ListHandles().size();
 };
