@@ -6,53 +6,42 @@
 
 /// The test module as a host sees it: loaded, and called through its functions. It is freed, but
 /// not shut down, at the end.
-class LoadedModule
-{
-public:
-    typedef std::function<void(const std::wstring&)> OnText;
-    typedef std::function<void(_EXCEPTION_POINTERS*)> OnFault;
-
+struct LoadedModule : TestModule {
     LoadedModule() : module(LoadLibraryW(L"test-module.dll"))
     {
         const auto function = reinterpret_cast<void*>(GetProcAddress(module, "GetTestModule"));
-        functions = reinterpret_cast<decltype(&GetTestModule)>(function)();
+        static_cast<TestModule&>(*this) = reinterpret_cast<decltype(&GetTestModule)>(function)();
     }
-    LoadedModule(const LoadedModule&) = delete;
-    LoadedModule& operator=(const LoadedModule&) = delete;
     ~LoadedModule() { Free(); }
 
-    const TestModule* operator->() const { return functions; }
-
-    /// Registers callbacks that call what is given.
-    void Register(const OnText& onText, const OnFault& onFault)
-    {
-        functions->RegisterFatalErrorHandlers(NewCallback<const std::wstring&>(onText),
-                                              NewCallback<_EXCEPTION_POINTERS*>(onFault));
-    }
-
-    /// True when the module has left the process.
-    bool Free()
-    {
-        if (module)
-            FreeLibrary(module);
-        module = nullptr;
-        return !GetModuleHandleW(L"test-module.dll");
-    }
-
-private:
-    template <class Parameter, class Body>
+    /// A callback that calls `body`, null for an empty one.
+    template <class Parameter>
     static std::auto_ptr<Varek::Runtime::CallbackFunctor1Param<Parameter>>
-    NewCallback(const Body& body)
+    NewCallback(const std::function<void(Parameter)>& body)
     {
         struct Callback : Varek::Runtime::CallbackFunctor1Param<Parameter> {
-            explicit Callback(const Body& body) : body(body) {}
+            explicit Callback(const std::function<void(Parameter)>& body) : body(body) {}
             void operator()(Parameter parameter) override { body(parameter); }
-            Body body;
+            std::function<void(Parameter)> body;
         };
         return std::auto_ptr<Varek::Runtime::CallbackFunctor1Param<Parameter>>(
             body ? new Callback(body) : nullptr);
     }
 
+    /// Registers callbacks that call what is given.
+    void Register(const std::function<void(const std::wstring&)>& onText,
+                  const std::function<void(_EXCEPTION_POINTERS*)>& onFault)
+    {
+        RegisterFatalErrorHandlers(NewCallback(onText), NewCallback(onFault));
+    }
+
+    /// True when the module has left the process.
+    bool Free()
+    {
+        FreeLibrary(module);
+        module = nullptr;
+        return !GetModuleHandleW(L"test-module.dll");
+    }
+
     HMODULE module;
-    const TestModule* functions;
 };

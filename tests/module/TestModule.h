@@ -3,20 +3,16 @@
 #include "module/Runtime.h"
 #include "tests/support/EngineWork.h"
 
-enum class Place { Processor, Scheduler, OwnThread };
-
-/// What the test module offers: the functions that every module has, and two of its own.
+/// What the test module offers: the functions that every module has, and what has an `action` done
+/// on one of its threads, the last being an engine thread of its own. These return when it is done
+/// or has failed, and the first raises what it raised.
 struct TestModule {
     decltype(&Varek::Runtime::AttachMFlowLogger) AttachMFlowLogger;
     decltype(&Varek::Runtime::RegisterFatalErrorHandlers) RegisterFatalErrorHandlers;
     decltype(&Varek::Runtime::Shutdown) Shutdown;
 
-    /// Has `action` done on one of the module's threads, the third being an engine thread of its
-    /// own, and returns when it is done or has failed. Raises what a command raised.
-    void (*Do)(Place place, const Action& action);
-
-    /// Raises an error of the module.
-    void (*Raise)();
+    typedef void (*DoOnThread)(const Action& action);
+    DoOnThread DoOnProcessor, DoOnScheduler, DoOnOwnThread;
 };
 
-extern "C" __declspec(dllexport) const TestModule* GetTestModule();
+extern "C" __declspec(dllexport) TestModule GetTestModule();
