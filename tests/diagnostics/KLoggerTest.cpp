@@ -1,7 +1,6 @@
 #include "diagnostics/KLogger.h"
 
 #include "tests/support/DumpedRecord.h"
-#include "tests/support/NullObject.h"
 
 #include <gtest/gtest.h>
 
@@ -27,7 +26,6 @@ TEST(KLogger, RecordShowsItsNumbersSignedBelowTheHeader)
 {
     KLogger core;
     const std::string empty = TakeDump(core);
-    EXPECT_EQ(0u, empty.find("%% Reference time: "));
     EXPECT_LT(empty.find(" is approximately "), empty.find("ms past "));
     EXPECT_EQ(empty.size() - 4, empty.find("\n%%\n"));
 
@@ -42,9 +40,15 @@ TEST(KLogger, RecordShowsItsNumbersSignedBelowTheHeader)
               record.numbers);
 }
 
-TEST(KLogger, DumpEndsWhereItsStreamRaises)
+TEST(KLogger, DumpEndsWhereItsStreamRaisesAndThatOfANullCoreBeforeItBegins)
 {
     KLogger core;
+    KLogger* volatile none = nullptr;
+    none->AddRecord(0, 0, 0, 0, 0, nullptr);
+    none->SetIdName(1, "name");
+    none->CopyNamesTo(core);
+    EXPECT_EQ("", TakeDump(*none));
+
     struct : std::streambuf {
     } refusing;
     std::ostream out(&refusing);
@@ -146,16 +150,6 @@ TEST(KLogger, TimesCountUpwardFromTheReferenceEvenBeforeIt)
     EXPECT_EQ("*OUT OF BOUNDS*", format(ringSize, 0));
 }
 
-TEST(KLogger, NullCoreIgnoresEverything)
-{
-    KLogger* const none = NullObject<KLogger>();
-    KLogger other;
-    none->AddRecord(0, 0, 0, 0, 0, nullptr);
-    none->SetIdName(1, "name");
-    none->CopyNamesTo(other);
-    EXPECT_EQ("", TakeDump(*none));
-}
-
 TEST(KLogger, WritersLoseNothingToOneAnotherAndADumpBesideThemShowsWholeRecords)
 {
     KLogger core;
@@ -170,10 +164,8 @@ TEST(KLogger, WritersLoseNothingToOneAnotherAndADumpBesideThemShowsWholeRecords)
     std::thread first(write), second(write);
     core.AddRecord(-7, 1, 2, 3, 4, &core);
     ++ready;
-    for (const DumpedRecord& record : ReadDump(TakeDump(core))) {
+    for (const DumpedRecord& record : ReadDump(TakeDump(core)))
         ASSERT_EQ(7u, record.numbers.size());
-        ASSERT_NE(std::string::npos, record.text.find(" in_class (unknown) at "));
-    }
     first.join();
     second.join();
     EXPECT_EQ(2 * each + 1, DumpedTexts(core).size());

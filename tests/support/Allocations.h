@@ -55,8 +55,7 @@ ShortageOutcome RunShortOfMemory(AllocationFailure how, int nth, Operation opera
 template <class Operation, class Check>
 void ForEachFailingAllocation(AllocationFailure how, Operation operation, Check check)
 {
-    const int enough = 1000;
-    for (int nth = 1; nth < enough; ++nth) {
+    for (int nth = 1; nth < 1000; ++nth) {
         const ShortageOutcome outcome = RunShortOfMemory(how, nth, operation);
         if (outcome == ShortageOutcome::NotMet)
             return;

@@ -9,8 +9,7 @@ std::vector<DumpedRecord> ReadDump(const std::string& dump)
 {
     std::vector<DumpedRecord> records;
     std::istringstream lines(dump);
-    std::string line;
-    while (std::getline(lines, line)) {
+    for (std::string line; std::getline(lines, line);) {
         if (line.compare(0, 2, "% ") != 0)
             continue;
         DumpedRecord record = {line, 0, {}};
