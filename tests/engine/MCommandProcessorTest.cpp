@@ -121,11 +121,18 @@ TEST(MCommandProcessor, LostAbortEventIsReported)
 
 TEST(MCommandProcessor, WithoutMemoryTheCommandIsDeletedAndTheProcessorWorks)
 {
-    Processor processor;
-    processor.Start();
-    std::auto_ptr<MCommandSynchronous> command = NewCommand([] {});
-    const auto execute = [&] { processor.ExecuteSynchronously(command); };
-    EXPECT_EQ(ShortageOutcome::RaisedMException,
-              RunShortOfMemory(AllocationFailure::Throws, 1, execute));
-    EXPECT_EQ("", processor.Execute([] { Raise("nobody wants to know"); }));
+    const std::pair<AllocationFailure, ShortageOutcome> cases[] = {
+        {AllocationFailure::Throws, ShortageOutcome::RaisedMException},
+        {AllocationFailure::AnswersNull, ShortageOutcome::RaisedMException},
+        {AllocationFailure::ThrowsForGood, ShortageOutcome::RaisedBadAlloc}};
+    for (const auto& failing : cases) {
+        Processor processor;
+        processor.Start();
+        std::auto_ptr<MCommandSynchronous> command = NewCommand([] {});
+        const auto execute = [&] { processor.ExecuteSynchronously(command); };
+        const std::size_t handles = ListHandles().size();
+        EXPECT_EQ(failing.second, RunShortOfMemory(failing.first, 1, execute));
+        EXPECT_EQ(handles + 1, ListHandles().size()); // the completion event stays open
+        EXPECT_EQ("", processor.Execute([] { Raise("nobody wants to know"); }));
+    }
 }

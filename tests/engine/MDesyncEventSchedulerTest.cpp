@@ -35,3 +35,13 @@ TEST(MDesyncEventScheduler, EventsWaitForEnableKeepTheirOrderPassAFailureAndAreW
     EXPECT_EQ("abababx", diary);
     ::operator delete(dropped);
 }
+
+TEST(MDesyncEventScheduler, WithoutMemoryTheEventStaysTheCallers)
+{
+    MDesyncEventScheduler scheduler(nullptr);
+    MDesyncEvent* const event = NewEvent([] {});
+    const auto schedule = [&] { scheduler.ScheduleDesyncEvent(event); };
+    EXPECT_EQ(ShortageOutcome::RaisedMException,
+              RunShortOfMemory(AllocationFailure::Throws, 1, schedule));
+    ::operator delete(event);
+}

@@ -48,7 +48,8 @@ TEST(MEngineThread, ThreadThatFailsTellsWhyAndRunsUntilItIsStopped)
     CloseHandle(abandoned);
 }
 
-// The request of a flush that failed is served by the next thread, ahead of a stop.
+// The request of a flush that failed is served by the next thread, ahead of a stop, and what that
+// leaves set satisfies the next flush at once, alive or not.
 TEST(MEngineThread, ThreadThatDiesAtOnceHasStartedAndLeavesItsFlushToTheNext)
 {
     ScriptedThread thread;
@@ -64,6 +65,12 @@ TEST(MEngineThread, ThreadThatDiesAtOnceHasStartedAndLeavesItsFlushToTheNext)
     thread.Start();
     thread.Stop();
     EXPECT_EQ("start start flush stop ", thread.calls);
+
+    thread.onStarted = [] { Raise("dies"); };
+    thread.Start();
+    Sleep(20); // until the thread has ended
+    thread.Flush();
+    EXPECT_EQ(diedInFlush, Raised([&] { thread.Flush(); }));
 }
 
 TEST(MEngineThread, TableTakes62EventsAndWithoutMemoryOrRoomTheFunctorStaysTheCallers)
