@@ -3,8 +3,6 @@
 # Builds NAME.dll: a module with the framework, the three exported functions of Varek::Runtime and
 # the ordered static start-up already in place. It says of which version it is if the project has
 # one.
-set(VAREK_VERSION_TEMPLATE ${CMAKE_CURRENT_LIST_DIR}/version.rc.in)
-
 function(varek_add_module NAME)
     add_library(${NAME} SHARED ${ARGN})
     target_link_libraries(${NAME} PRIVATE Varek::module)
@@ -12,7 +10,7 @@ function(varek_add_module NAME)
     if(PROJECT_VERSION)
         string(REPLACE "." "," numbers ${PROJECT_VERSION}.0.0.0)
         string(REGEX MATCH "^[0-9]+,[0-9]+,[0-9]+,[0-9]+" numbers ${numbers})
-        configure_file(${VAREK_VERSION_TEMPLATE} ${NAME}.rc @ONLY)
+        configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/version.rc.in ${NAME}.rc @ONLY)
         target_sources(${NAME} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${NAME}.rc)
     endif()
 endfunction()

@@ -8,7 +8,6 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_COMPILE_WARNING_AS_ERROR ON)
 
 # The flags that carry meaning; whoever compiles framework headers needs them too.
-#   -fno-threadsafe-statics          a function-local static stands behind a plain guard
 #   -fno-delete-null-pointer-checks  operations that accept a null `this` keep their test
 #   -fcheck-new                      an allocator that answers null is seen
 #   -Wno-deprecated-declarations     std::auto_ptr is part of the module's boundary
@@ -16,11 +15,16 @@ add_library(varek_language INTERFACE)
 add_library(Varek::language ALIAS varek_language)
 target_compile_features(varek_language INTERFACE cxx_std_14)
 target_compile_options(varek_language INTERFACE "$<$<COMPILE_LANGUAGE:CXX>:\
--fno-threadsafe-statics;-fno-delete-null-pointer-checks;-fcheck-new;-Wno-deprecated-declarations>")
+-fno-delete-null-pointer-checks;-fcheck-new;-Wno-deprecated-declarations>")
 target_compile_definitions(varek_language INTERFACE
     _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
 # The compiler's run time is linked in, so that what is built imports system DLLs only.
 target_link_options(varek_language INTERFACE -static)
+
+# In the framework itself a function-local static stands behind a plain guard. Its users keep theirs.
+add_library(varek_plain_guards INTERFACE)
+target_compile_options(varek_plain_guards INTERFACE
+    "$<$<COMPILE_LANGUAGE:CXX>:-fno-threadsafe-statics>")
 
 add_library(varek_warnings INTERFACE)
 target_compile_options(varek_warnings INTERFACE

@@ -37,11 +37,23 @@ install(FILES
     DESTINATION ${package_folder})
 install(PROGRAMS cmake/wine-run DESTINATION bin)
 
-# The pages, beside the examples that they show.
+# The pages for users, beside the examples that they show. Their links to headers and views lead to
+# where these are installed; what is not installed goes without a link.
 install(FILES CHANGELOG.md DESTINATION share/doc/varek)
-install(DIRECTORY docs
-    DESTINATION share/doc/varek
-    FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
+foreach(name IN ITEMS
+        building-on-windows debugging document-engine filing host reading-a-dump tutorial varek-log)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS docs/${name}.md)
+    file(READ docs/${name}.md page)
+    string(REGEX REPLACE "\\]\\(\\.\\./([a-z]+/[A-Za-z0-9]+\\.h)\\)"
+        "](../../../../include/varek/\\1)" page "${page}")
+    string(REGEX REPLACE "\\]\\(\\.\\./(debugger/[a-z_.]+)\\)"
+        "](../../../varek/\\1)" page "${page}")
+    string(REGEX REPLACE "\\[([^]]*)\\]\\(\\.\\./(tests|tools|cmake|CMake)[^)]*\\)"
+        "\\1" page "${page}")
+    file(GENERATE OUTPUT docs/${name}.md CONTENT "${page}")
+    install(FILES ${CMAKE_BINARY_DIR}/docs/${name}.md DESTINATION share/doc/varek/docs)
+endforeach()
+install(DIRECTORY docs/images DESTINATION share/doc/varek/docs)
 install(DIRECTORY examples DESTINATION share/doc/varek)
 
 add_custom_target(sdk DEPENDS varek varek_framework varek_module varek-log)
