@@ -11,7 +11,7 @@ struct KLogRecord {
     std::int64_t time;      ///< performance counter ticks at the moment of the event
     std::int32_t kind;      ///< event kind; the names of the kinds are in KLogger.cpp
     std::uint32_t param1;   ///< first parameter: an error id, a new state, a message id
-    std::uint32_t param2;   ///< second parameter: the source line for most kinds
+    std::uint32_t param2;   ///< second parameter: the source line of errors and objects
     std::uint32_t classId;  ///< class of the code that raised the event
     std::uint32_t pointId;  ///< function or point in that class
     std::uint64_t object;   ///< address of the object concerned, or 0

@@ -28,7 +28,8 @@ class MException;
 ///     error.AddParameter(L"pressure", pressure);
 ///     location.Throw(error);
 ///
-/// The class literal must be the one array of the class, since its address is the id in the log.
+/// The class literal must be the one array of the class, since its address is the id in the log. A
+/// traced class that declares none logs and raises under that of its base class, if it has one.
 /// Recording costs no lock, no allocation and no text, and cannot fail. Two threads in the same
 /// function share the location, so a record can show the other one's object or line.
 class MFlowLocation

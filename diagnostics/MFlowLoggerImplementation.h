@@ -18,8 +18,9 @@ public:
     /// Writes the text of all recorded events. Lets no exception out.
     virtual void DumpToStream(std::ostream& out) = 0;
 
-    /// Writes the dump file. False when it cannot be opened or a machine fault ended the dump, so
-    /// it may be called while crashing.
+    /// Writes the dump file, "C:\Temp\DebugDump.log". False when it cannot be opened, because the
+    /// folder does not exist for example, or a machine fault ended the dump: it may be called while
+    /// crashing.
     virtual bool DumpToFile() = 0;
 
     /// Sends a copy of all further events and names to `other`, or to nobody when `other` is null

@@ -23,7 +23,8 @@ class MException;
 class MCommandSynchronous : public MCommand
 {
 public:
-    /// The class literal, which is the id of the class in the log.
+    /// The class literal, which is the id of the class in the log. A command that is traced itself
+    /// declares its own, which hides this one.
     static const wchar_t className[];
 
     /// What `Execute` raises goes into `exceptionSlot`; with an empty slot it is dropped.

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <type_traits>
 
 class MFilerTaggedPair;
 
@@ -13,8 +14,9 @@ class MFilerTaggedPair;
 ///
 /// A Code reads class, point, function, colon, short code, as in `MEngineThread.Start:BeginThread`;
 /// code that reacts to a particular failure searches it. An error is a value: it is built on the
-/// stack by `MFlowLocation::RaiseRootError`, filled, thrown inside an `MException`, which keeps a
-/// clone, and dies. It belongs to one thread at a time. Allocation failures leave as they come.
+/// stack by `MFlowLocation::RaiseRootError`, filled, thrown by `MFlowLocation::Throw` inside an
+/// `MException`, which keeps a clone, and dies. Thrown by itself it would pass for a crash. It
+/// belongs to one thread at a time. Allocation failures leave as they come.
 class MError : public MDynObject
 {
 public:
@@ -75,6 +77,11 @@ public:
 
     /// Adds a number in decimal or, when `hexadecimal`, as eight lower-case digits and an "h".
     void AddParameter(const wchar_t* name, std::uint32_t value, bool hexadecimal);
+
+    /// Numbers of other types do not compile, since they would be cut.
+    template <class Number>
+    typename std::enable_if<std::is_arithmetic<Number>::value>::type
+    AddParameter(const wchar_t* name, Number value) = delete;
 
 private:
     MString code;

@@ -60,10 +60,10 @@ public:
     /// Replaces both callbacks. Either may be empty.
     void RegisterCallbacks(SpontaneousErrorCallback onSpontaneousError, CrashCallback onCrash);
 
-    /// Null when the module was stopped before it ever started. Owned by this object.
+    /// Stays after `Stop`, and refuses commands then. Owned by this object.
     MCommandProcessor* GetCommandProcessor() { return commandProcessor.get(); }
 
-    /// Null when the module was stopped before it ever started. Owned by this object.
+    /// Stays after `Stop`, and takes events that nobody fires then. Owned by this object.
     MDesyncEventScheduler* GetDesyncScheduler() { return desyncScheduler.get(); }
 
 private:
