@@ -27,7 +27,8 @@ TEST(TraceEvents, OfASmallDump)
     EXPECT_EQ("", BrokenTraceRule(text, 9));
     const Json trace = Json::parse(text);
     EXPECT_EQ(Json::parse(R"({"source": "some.log", "records": 9, "begin": 0, "end": 12345901,
-                              "wallClock": "2026-11-15 15:12:20.782", "findings": []})"),
+                              "origin": 0, "start": -250000,
+                              "wallClock": "2026-11-15 15:12:20.532", "findings": []})"),
               trace["otherData"]);
 
     const Json& events = trace["traceEvents"];
@@ -62,7 +63,7 @@ TEST(TraceEvents, KeepTheRulesWhateverTheRecordsSay)
     const std::vector<std::string> words = {"+a", "+b", "-a", "-b", ".", "~", "1", "2"};
     for (int round = 0; round < 500; ++round) {
         std::string story;
-        for (unsigned left = 0; left < random() % 40; ++left)
+        for (auto left = random() % 40; left > 0; --left)
             story += words[random() % words.size()];
         const Dump dump = DumpOf(story);
         const std::size_t records = dump.records.size();

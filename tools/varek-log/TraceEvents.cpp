@@ -44,7 +44,9 @@ void TraceEvents::AddAbout(const std::string& source)
     json.Key("records").Number(static_cast<std::int64_t>(dump.records.size()));
     json.Key("begin").Number(dump.Begin() - origin);
     json.Key("end").Number(dump.End() - origin);
-    json.Key("wallClock").Text(dump.WallClockAt(origin));
+    json.Key("origin").Number(origin);
+    json.Key("start").Number(dump.reference - origin);
+    json.Key("wallClock").Text(dump.WallClockAt(dump.reference));
     json.Key("findings").BeginArray();
     for (const std::string& sentence : dump.findings.Sentences())
         json.Text(sentence);

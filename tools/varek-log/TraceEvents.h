@@ -32,9 +32,10 @@
 /// earlier all are moved to begin with 0. Slices of a thread nest strictly.
 ///
 /// "otherData" tells about the dump, filtered or not: "source", the name of its file; "records",
-/// their number; "begin" and "end", in microseconds as above; "wallClock", that of time 0, such as
-/// "2026-11-21 07:53:48.377", local time of the writer, or "(unknown)"; "findings", an array of
-/// sentences.
+/// their number; "begin" and "end", in microseconds as above; "origin", the time of the dump that
+/// is 0 here; "start", when the recorder was started, and "wallClock", what the clock showed then,
+/// such as "2026-11-21 07:53:48.377", local time of the writer, or "(unknown)"; "findings", an
+/// array of sentences.
 class TraceEvents
 {
 public:

@@ -6,13 +6,14 @@ class Overview {
         this.trace = trace;
         this.scale = scale;
         this.counts = [];
+        this.errorColumns = new Set();
     }
 
     draw() {
         const colours = themeColours();
         const { pen, width, height } = beginDrawing("overview");
         this.#drawCrowd(pen, colours, width, height);
-        this.#drawErrors(pen, colours, width);
+        this.#drawErrors(pen, colours);
         this.#drawView(pen, colours, width, height);
     }
 
@@ -39,16 +40,18 @@ class Overview {
     #countColumns(width) {
         if (this.counts.length !== width) {
             this.counts = new Array(width).fill(0);
+            const column = (entry) => Math.floor(this.#x(entry.begin, width));
             for (const entry of this.trace.entries)
-                this.counts[Math.floor(this.#x(entry.begin, width))] += 1;
+                this.counts[column(entry)] += 1;
+            this.errorColumns = new Set(this.trace.errors.map(column));
         }
         return this.counts;
     }
 
-    #drawErrors(pen, colours, width) {
+    #drawErrors(pen, colours) {
         pen.fillStyle = colours.error;
-        for (const error of this.trace.errors)
-            pen.fillRect(this.#x(error.begin, width) - 1, 0, 2, Overview.errorHeight);
+        for (const column of this.errorColumns)
+            pen.fillRect(column - 1, 0, 2, Overview.errorHeight);
     }
 
     #drawView(pen, colours, width, height) {

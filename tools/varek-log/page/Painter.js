@@ -5,6 +5,7 @@ class Painter {
     static rowHeight = 20;
     static laneGap = 10;
     static leastLabel = 28; // pixels of a scope that has its name in it
+    static reach = 4;       // pixels between the pointer and a mark that it is on
 
     constructor(trace, scale) {
         this.trace = trace;
@@ -41,20 +42,32 @@ class Painter {
     }
 
     rowTop({ lane, depth }) {
-        return lane.top + Painter.laneTop + depth * Painter.rowHeight;
+        return lane.top + Painter.laneTop + Math.min(depth, Trace.deepestRow) * Painter.rowHeight;
     }
 
     // What is at a place of the whole plot, or null. Marks lie on scopes.
     entryAt(x, y) {
         const lane = this.trace.lanes.find(({ top, height }) => y >= top && y < top + height);
         const row = lane?.rows[Math.floor((y - lane.top - Painter.laneTop) / Painter.rowHeight)];
-        if (!row)
-            return null;
-        const nearest = (entries, reach) => {
-            const entry = entries[firstEndingFrom(entries, this.scale.time(x - reach))];
-            return entry && this.scale.x(entry.begin) <= x + reach ? entry : null;
-        };
-        return nearest(row.marks, 4) ?? nearest(row.scopes, 1);
+        return row ? this.#markAt(row.marks, x) ?? this.#scopeAt(row.scopes, x) : null;
+    }
+
+    // The nearest, but errors before all else.
+    #markAt(marks, x) {
+        const { scale } = this;
+        const near = [];
+        for (let i = firstEndingFrom(marks, scale.time(x - Painter.reach)); i < marks.length; ++i) {
+            if (scale.x(marks[i].begin) > x + Painter.reach)
+                break;
+            near.push(marks[i]);
+        }
+        const distance = ({ begin, isError }) => Math.abs(scale.x(begin) - x) + (isError ? 0 : Painter.reach);
+        return near.sort((one, other) => distance(one) - distance(other))[0] ?? null;
+    }
+
+    #scopeAt(scopes, x) {
+        const scope = scopes[firstEndingFrom(scopes, this.scale.time(x - 1))];
+        return scope && this.scale.x(scope.begin) <= x + 1 ? scope : null;
     }
 
     draw(scrolled) {
@@ -91,8 +104,10 @@ class Painter {
         pen.fillRect(0, lane.top, width, 1);
         for (const row of lane.rows)
             this.#drawScopes(pen, row.scopes);
-        for (const row of lane.rows)
-            this.#drawMarks(pen, row.marks);
+        for (const isError of [false, true]) {
+            for (const row of lane.rows)
+                this.#drawMarks(pen, row.marks, isError);
+        }
     }
 
     *#inView(entries) {
@@ -137,10 +152,11 @@ class Painter {
     }
 
     #drawLabel(pen, text, x, y, width) {
-        let length = text.length;
-        let label = text;
-        while (length > 3 && pen.measureText(label).width > width)
-            label = `${text.slice(0, --length)}…`;
+        const widthOf = (label) => pen.measureText(label).width;
+        let label = text.slice(0, Math.ceil(width / 2)); // no letter is narrower
+        let length = Math.floor(label.length * width / widthOf(label));
+        while (length < text.length && length > 3 && widthOf(label = `${text.slice(0, length)}…`) > width)
+            --length;
         if (length > 3)
             pen.fillText(label, x, y);
     }
@@ -150,11 +166,11 @@ class Painter {
         return `hsl(${hue} ${this.colours["bar-saturation"]} ${this.colours["bar-lightness"]})`;
     }
 
-    #drawMarks(pen, marks) {
+    #drawMarks(pen, marks, isError) {
         let drawnTo = -Infinity;
         for (const mark of this.#inView(marks)) {
             const x = this.scale.x(mark.begin);
-            if (x < drawnTo + 1 && !mark.isError && !this.#standsOut(mark))
+            if (mark.isError !== isError || x < drawnTo + 1 && !this.#standsOut(mark))
                 continue;
             drawnTo = x;
             pen.globalAlpha = this.found && !this.#standsOut(mark) ? 0.25 : 1;

@@ -6,7 +6,7 @@ class Panel {
         this.trace = trace;
         this.onChoice = onChoice;
         this.#showDump();
-        this.#showList("errors", trace.errors, "No errors in this dump.");
+        this.#showList("errors", trace.errors, "No errors.");
         this.showSelected(null);
     }
 
@@ -14,7 +14,10 @@ class Panel {
         const { source, records, begin, end, findings } = this.trace.about;
         document.title = `${source} – timeline`;
         Panel.#find("h1").textContent = source;
-        const facts = [`${records.toLocaleString("en")} records`, TimeScale.duration(end - begin)];
+        const shown = this.trace.countRecords();
+        const all = `${records.toLocaleString("en")} ${records === 1 ? "record" : "records"}`;
+        const facts = [shown < records ? `${shown.toLocaleString("en")} of ${all}` : all,
+            TimeScale.duration(end - begin)];
         if (this.trace.wallClockAt(begin))
             facts.push(`${this.trace.wallClockAt(begin)} to ${this.trace.wallClockAt(end)}`);
         Panel.#find("#facts").textContent = facts.join(" · ");
@@ -30,7 +33,7 @@ class Panel {
     showFound(entries, isLookedFor) {
         Panel.#find("#found").hidden = !isLookedFor;
         Panel.#find("#found h2").textContent = `Found ${entries.length.toLocaleString("en")}`;
-        this.#showList("found", entries, "Nothing of that in this dump.");
+        this.#showList("found", entries, "Nothing of that.");
     }
 
     showHint(entry, x, y) {
@@ -39,8 +42,8 @@ class Panel {
         if (!entry)
             return;
         hint.replaceChildren(...this.#tell(entry));
-        hint.style.left = `${Math.min(x + 14, innerWidth - hint.offsetWidth - 8)}px`;
-        hint.style.top = `${Math.min(y + 16, innerHeight - hint.offsetHeight - 8)}px`;
+        hint.style.left = `${Math.max(0, Math.min(x + 14, innerWidth - hint.offsetWidth - 8))}px`;
+        hint.style.top = `${Math.max(0, Math.min(y + 16, innerHeight - hint.offsetHeight - 8))}px`;
     }
 
     #showList(id, entries, none) {
@@ -53,11 +56,13 @@ class Panel {
     }
 
     #item(entry) {
-        const item = Panel.#make("li");
         const place = entry.isScope ? [] : [entry.args.place];
-        const details = [Panel.#seconds(entry.begin), ...place, `on ${entry.lane.name}`];
-        item.append(Panel.#make("b", entry.name), Panel.#make("small", details.filter(Boolean).join(" ")));
-        item.onclick = () => this.onChoice(entry);
+        const details = [this.trace.seconds(entry.begin), ...place, `on ${entry.lane.name}`];
+        const button = Panel.#make("button");
+        button.append(Panel.#make("b", entry.name), Panel.#make("small", details.filter(Boolean).join(" ")));
+        button.onclick = () => this.onChoice(entry);
+        const item = Panel.#make("li");
+        item.append(button);
         return item;
     }
 
@@ -75,7 +80,7 @@ class Panel {
         return [
             ["Place", args.place],
             ["Thread", `${lane.name} (${lane.id})`],
-            ["Time", Panel.#seconds(begin)],
+            ["Time", this.trace.seconds(begin)],
             ["Wall clock", this.trace.wallClockAt(begin)],
             ["Took", isScope && TimeScale.duration(end - begin)],
             ["Lost", lost.filter(Boolean).join(", ")],
@@ -83,10 +88,6 @@ class Panel {
             ["Line", args.line],
             ["Parameters", args.param1 !== undefined && `${args.param1}, ${args.param2}`],
         ];
-    }
-
-    static #seconds(time) {
-        return `${(time / 1e6).toFixed(6)} s`;
     }
 
     static #find(selector) {

@@ -39,7 +39,7 @@ class Timeline {
         this.redraw();
     }
 
-    // From the selected entry, or from the middle of what is in view.
+    // From the selected error, or from the middle of what is in view.
     goToError(step) {
         const { errors } = this.trace;
         const at = errors.indexOf(this.painter.selected);
@@ -56,6 +56,7 @@ class Timeline {
     }
 
     redraw() {
+        this.panel.showHint(null);
         this.frame ??= requestAnimationFrame(() => this.#draw());
     }
 
@@ -92,20 +93,24 @@ class Timeline {
 
     #listenToPlot() {
         const { plot, scale } = this;
+        let pressed = null;
         let isDragged = false;
         plot.onpointerdown = (event) => {
+            pressed = event.button === 0 ? event : null;
             isDragged = false;
             plot.setPointerCapture(event.pointerId);
         };
+        plot.onlostpointercapture = () => {
+            pressed = null;
+        };
         plot.onpointermove = (event) => {
-            if (event.buttons === 0) {
+            if (!pressed) {
                 this.panel.showHint(this.#entryUnder(event), event.clientX, event.clientY);
                 return;
             }
-            isDragged ||= Math.abs(event.movementX) + Math.abs(event.movementY) > 1;
+            isDragged ||= Math.hypot(event.clientX - pressed.clientX, event.clientY - pressed.clientY) > 3;
             scale.move(-event.movementX / scale.width * scale.span);
             this.main.scrollTop -= event.movementY;
-            this.panel.showHint(null);
             this.redraw();
         };
         plot.onpointerleave = () => this.panel.showHint(null);
@@ -121,7 +126,7 @@ class Timeline {
     #listenToOverview() {
         const strip = document.getElementById("overview");
         const follow = ({ offsetX, buttons }) => {
-            if (buttons === 0)
+            if ((buttons & 1) === 0)
                 return;
             const { from, to } = this.scale;
             this.scale.move(this.overview.timeAt(offsetX, strip.clientWidth) - (from + to) / 2);
@@ -147,7 +152,6 @@ class Timeline {
             scale.move(sideways / scale.width * scale.span);
         else
             scale.zoom(1.002 ** event.deltaY, scale.time(event.offsetX));
-        this.panel.showHint(null);
         this.redraw();
     }
 

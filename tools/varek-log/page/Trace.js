@@ -45,17 +45,30 @@ class Trace {
         if (words.length === 0)
             return [];
         return this.entries.filter(({ name, args, lane }) => {
-            const all = `${name} ${args.place} ${args.objectName} ${args.object} ${lane.name}`.toLowerCase();
+            const texts = [name, args.place, args.objectName, args.object, lane.name];
+            const all = texts.filter(Boolean).join(" ").toLowerCase();
             return words.every((word) => all.includes(word));
         });
     }
 
+    // How many records of the dump are here, where a filter may have left some out.
+    countRecords() {
+        const recordsOf = ({ isScope, args }) => (isScope && !args.lostBegin && !args.lostEnd ? 2 : 1);
+        return this.entries.reduce((sum, entry) => sum + recordsOf(entry), 0);
+    }
+
+    // Seconds, as the dump has them.
+    seconds(time) {
+        return `${((time + this.about.origin) / 1e6).toFixed(6)} s`;
+    }
+
     // The local time of the machine that wrote the dump, or null.
     wallClockAt(time) {
-        const origin = Date.parse(this.about.wallClock.replace(" ", "T") + "Z");
-        if (Number.isNaN(origin))
+        const start = Date.parse(this.about.wallClock.replace(" ", "T") + "Z");
+        if (Number.isNaN(start))
             return null;
-        return new Date(origin + time / 1000).toISOString().replace("T", " ").slice(0, -1);
+        const moment = new Date(Math.floor(start + (time - this.about.start) / 1000));
+        return moment.toISOString().replace("T", " ").slice(0, -1);
     }
 }
 
