@@ -36,8 +36,11 @@ TEST(CommandLine, SaysWhatItDoesNotUnderstand)
 {
     EXPECT_EQ("unknown option -x", ComplaintAbout({"-x"}));
     EXPECT_EQ("--class needs a value", ComplaintAbout({"a", "--class"}));
+    EXPECT_EQ("--html needs a value", ComplaintAbout({"--html", "", "a"}));
+    EXPECT_EQ("standard output takes one text at a time",
+              ComplaintAbout({"--trace", "-", "--tree"}));
     EXPECT_EQ("one dump at a time, not also b", ComplaintAbout({"a", "b"}));
-    for (const char* number : {"", "now", "1,5", "1 ", "1e13", "nan"})
+    for (const char* number : {"now", "1,5", "1 ", "1e13", "nan"})
         EXPECT_EQ(0u, ComplaintAbout({"--to", number}).find("--to takes a number of seconds"))
             << number;
 }

@@ -14,18 +14,25 @@ namespace
 
 struct Program : testing::Test {
     Program() { TextFile::Write(folder + "sample.log", sampleDump); }
+    ~Program() override { std::filesystem::remove_all(folder); }
 
     /// Runs it in a folder of its own; its output and complaints go to files there.
     int Run(const std::string& arguments) const
     {
         const std::string command =
-            "cd " + folder + " && " VAREK_LOG_PROGRAM " " + arguments + " >out 2>err";
+            "cd '" + folder + "' && '" VAREK_LOG_PROGRAM "' " + arguments + " >out 2>err";
         return WEXITSTATUS(std::system(command.c_str()));
     }
 
     std::string Text(const std::string& file) const { return TextFile::Read(folder + file); }
 
-    const std::string folder = testing::TempDir();
+    static std::string NewFolder()
+    {
+        std::string folder = testing::TempDir() + "varek-log-XXXXXX";
+        return mkdtemp(folder.data()) + std::string("/");
+    }
+
+    const std::string folder = NewFolder();
 };
 
 } // namespace
@@ -57,6 +64,8 @@ TEST_F(Program, TellsByItsExitCodeWhatWentWrong)
     EXPECT_EQ("varek-log: .: Is a directory\n", Text("err"));
     EXPECT_EQ(1, Run("--trace no-such/trace.json sample.log"));
     EXPECT_EQ(1, Run("--trace /dev/full sample.log"));
+    EXPECT_EQ(1, Run("--html ./sample.log sample.log"));
+    EXPECT_EQ(sampleDump, Text("sample.log"));
     EXPECT_EQ(1, Run("err"));
     EXPECT_EQ("varek-log: err: this is not a dump of a flight recorder\n", Text("err"));
     EXPECT_EQ(0, Run("--tree --class Pumps sample.log"));

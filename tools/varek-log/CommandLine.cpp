@@ -48,7 +48,7 @@ public:
 
     std::filesystem::path TakeValueOf(const std::string& option)
     {
-        if (AtEnd())
+        if (AtEnd() || next->empty())
             throw UsageError(option + " needs a value");
         return Take();
     }
@@ -61,7 +61,7 @@ public:
         char* behind = nullptr;
         const double seconds = std::strtod(text.c_str(), &behind);
         const double mostSeconds = 9e12; // what its microseconds still hold
-        if (text.empty() || *behind != '\0' || !(std::abs(seconds) < mostSeconds))
+        if (*behind != '\0' || !(std::abs(seconds) < mostSeconds))
             throw UsageError(option + " takes a number of seconds, not \"" + text + "\"");
         return std::llround(seconds * 1e6);
     }
@@ -135,5 +135,7 @@ CommandLine CommandLine::Parse(const std::vector<std::filesystem::path>& argumen
             hasFile = true;
         }
     }
+    if (line.showTree + (line.trace == "-") + (line.page == "-") > 1)
+        throw UsageError("standard output takes one text at a time");
     return line;
 }

@@ -11,8 +11,7 @@ const std::string unknown = "(unknown)";
 
 std::uint64_t StateKey(const DumpRecord& record)
 {
-    return static_cast<std::uint64_t>(static_cast<std::uint32_t>(record.classId)) << 32 |
-           static_cast<std::uint32_t>(record.param1);
+    return KeyOf(record.classId, record.param1);
 }
 
 template <class Map>

@@ -4,7 +4,6 @@
 #include "tools/varek-log/RecordText.h"
 
 #include <algorithm>
-#include <charconv>
 #include <unordered_map>
 
 namespace

@@ -6,9 +6,7 @@
 
 void EventCounts::Add(const DumpRecord& record)
 {
-    const auto key = static_cast<std::uint64_t>(static_cast<std::uint32_t>(record.classId)) << 32 |
-                     static_cast<std::uint32_t>(record.kind);
-    Cell& cell = cells[key];
+    Cell& cell = cells[KeyOf(record.classId, record.kind)];
     cell.example = &record;
     ++cell.count;
 }

@@ -61,8 +61,8 @@ void Summary::AddHeading(const std::string& heading)
 void Summary::AddSpan()
 {
     const std::size_t all = dump.records.size();
-    text += std::to_string(all) + " records in " + TextForms::Seconds(dump.End() - dump.Begin()) +
-            " seconds";
+    text += std::to_string(all) + (all == 1 ? " record in " : " records in ") +
+            TextForms::Seconds(dump.End() - dump.Begin()) + " seconds";
     text += passed == all ? "\n" : ", passing the filters: " + std::to_string(passed) + "\n";
     if (dump.start) {
         AddHeading("      Seconds  Wall clock where the dump was written");

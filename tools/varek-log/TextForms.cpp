@@ -32,8 +32,3 @@ std::string TextForms::AlignRight(const std::string& text, std::size_t width)
 {
     return Blanks(text, width) + text;
 }
-
-std::string TextForms::AlignLeft(const std::string& text, std::size_t width)
-{
-    return text + Blanks(text, width);
-}

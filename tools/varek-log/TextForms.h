@@ -13,8 +13,7 @@ std::string Seconds(std::int64_t microseconds);
 /// Sixteen upper-case hexadecimal digits, as in a dump.
 std::string Address(std::uint64_t address);
 
-/// Filled with blanks to `width` characters, at the front or the back.
+/// Filled with blanks at the front, to `width` characters.
 std::string AlignRight(const std::string& text, std::size_t width);
-std::string AlignLeft(const std::string& text, std::size_t width);
 
 } // namespace TextForms

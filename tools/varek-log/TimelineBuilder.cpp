@@ -4,10 +4,9 @@
 
 #include <utility>
 
-TimelineBuilder::ScopeKey TimelineBuilder::KeyOf(const DumpRecord& record)
+TimelineBuilder::ScopeKey TimelineBuilder::ScopeKeyOf(const DumpRecord& record)
 {
-    return static_cast<ScopeKey>(static_cast<std::uint32_t>(record.classId)) << 32 |
-           static_cast<std::uint32_t>(record.pointId);
+    return KeyOf(record.classId, record.pointId);
 }
 
 // Half-written records have no thread, and nothing of them pairs up.
@@ -34,18 +33,18 @@ void TimelineBuilder::Push(const DumpRecord& record)
 {
     AddEntry(record, true);
     open.push_back(timeline.entries.size() - 1);
-    ++openByKey[KeyOf(record)];
+    ++openByKey[ScopeKeyOf(record)];
 }
 
 void TimelineBuilder::Pop(const DumpRecord& record)
 {
-    const ScopeKey key = KeyOf(record);
+    const ScopeKey key = ScopeKeyOf(record);
     const auto opened = openByKey.find(key);
     if (opened == openByKey.end() || opened->second == 0) {
         PopLostPush(record);
         return;
     }
-    while (KeyOf(*timeline.entries[open.back()].record) != key)
+    while (ScopeKeyOf(*timeline.entries[open.back()].record) != key)
         CloseInnermost(record.time, true);
     CloseInnermost(record.time, false);
 }
@@ -65,7 +64,7 @@ void TimelineBuilder::CloseInnermost(std::int64_t time, bool lostEnd)
 {
     TimelineEntry& scope = timeline.entries[open.back()];
     open.pop_back();
-    --openByKey[KeyOf(*scope.record)];
+    --openByKey[ScopeKeyOf(*scope.record)];
     scope.end = time;
     scope.lostEnd = lostEnd;
     lostEnds += lostEnd;

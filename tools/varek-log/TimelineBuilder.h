@@ -29,7 +29,7 @@ public:
 private:
     using ScopeKey = std::uint64_t;
 
-    static ScopeKey KeyOf(const DumpRecord& record);
+    static ScopeKey ScopeKeyOf(const DumpRecord& record);
     void AddEntry(const DumpRecord& record, bool isScope);
     void Push(const DumpRecord& record);
     void Pop(const DumpRecord& record);

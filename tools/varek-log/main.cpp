@@ -20,13 +20,13 @@ void Print(std::string_view text)
     TextFile::Write("-", text);
 }
 
-Dump ReadDump(const std::filesystem::path& file)
+Dump ReadDump(const CommandLine& line)
 {
-    const std::string text = Utf8::FromFile(TextFile::Read(file));
+    const std::string text = Utf8::FromFile(TextFile::Read(line.dump));
     try {
         return DumpReader::Read(text);
     } catch (const NotADump& error) {
-        throw std::runtime_error(file.u8string() + ": " + error.what());
+        throw std::runtime_error(line.Source() + ": " + error.what());
     }
 }
 
@@ -44,9 +44,19 @@ void WriteTrace(const CommandLine& line, const std::string& trace)
         TextFile::Write(line.page, TimelinePage::Compose(trace));
 }
 
+void KeepDump(const CommandLine& line)
+{
+    for (const std::filesystem::path& output : {line.trace, line.page}) {
+        std::error_code notBoth;
+        if (std::filesystem::equivalent(output, line.dump, notBoth))
+            throw std::runtime_error(output.u8string() + ": this is the dump itself");
+    }
+}
+
 void ShowDump(const CommandLine& line)
 {
-    Dump dump = ReadDump(line.dump);
+    KeepDump(line);
+    Dump dump = ReadDump(line);
     std::vector<Timeline> timelines = Timelines::Of(dump);
     Timelines::Keep(line.filter, dump.names, timelines);
     if (timelines.empty() && !dump.records.empty())
