@@ -422,7 +422,9 @@ class KLogger(Container):
             symbol = gdb.lookup_objfile(name).lookup_static_symbol(KLogger.MODULE_LOGGER)
         except ValueError:
             return KLogger(gdb.parse_and_eval(name))
-        expect(symbol and symbol.value())
+        if not symbol:
+            raise gdb.GdbError(f"{name} has no flight recorder, or is stripped")
+        expect(symbol.value())
         return KLogger(symbol.value().dereference())
 
     @functools.cached_property
