@@ -39,15 +39,16 @@ class Timeline {
         this.redraw();
     }
 
-    // From the selected error, or from the middle of what is in view.
+    // From the selected error on, or else the first or last that is in view.
     goToError(step) {
         const { errors } = this.trace;
+        if (errors.length === 0)
+            return;
         const at = errors.indexOf(this.painter.selected);
-        const middle = (this.scale.from + this.scale.to) / 2;
-        const later = errors.findIndex((error) => error.begin > middle);
-        const next = at >= 0 ? at + step : (later < 0 ? errors.length : later) + (step < 0 ? -1 : 0);
-        if (errors.length > 0)
-            this.goTo(errors[(next + errors.length) % errors.length]);
+        const edge = step > 0 ? this.scale.from : this.scale.to;
+        const later = errors.filter((error) => error.begin <= edge).length;
+        const next = at >= 0 ? at + step : step > 0 ? later : later - 1;
+        this.goTo(errors[(next + errors.length) % errors.length]);
     }
 
     fit() {
