@@ -44,14 +44,15 @@ TEST(TraceEvents, OfASmallDump)
               events[1]);
     EXPECT_EQ(Json::parse(R"({"name": "Station.Serve", "ph": "X", "cat": "scope", "ts": 100,
                               "dur": 12345801, "pid": 1, "tid": 36,
-                              "args": {"object": "0x000000001D2C5A40", "param1": 5, "param2": 0, "depth": 0,
+                              "args": {"object": "0x000000001D2C5A40", "depth": 0,
+                                       "param1": 5, "param2": 0,
                                        "objectName": "a (b) in_class c at d"}})"),
               events[2]);
     EXPECT_EQ("Pump.Drain", events[3]["name"]);
     EXPECT_EQ(Json::parse(R"({"name": "Root_error RunsDry", "ph": "i", "s": "t", "cat": "error",
                               "ts": 310, "pid": 1, "tid": 36,
-                              "args": {"place": "Pump.Drain", "code": "RunsDry", "line": 38, "depth": 2,
-                                       "object": "0xFFFFFFFFFFFFFFF0"}})"),
+                              "args": {"place": "Pump.Drain", "code": "RunsDry", "line": 38,
+                                       "depth": 2, "object": "0xFFFFFFFFFFFFFFF0"}})"),
               events[4]);
     EXPECT_EQ("off, in_class at", events[7]["args"]["state"]);
     EXPECT_EQ("Timing_point (1, -2)", events[8]["name"]);
