@@ -48,7 +48,7 @@ foreach(name IN ITEMS
         "](../../../../include/varek/\\1)" page "${page}")
     string(REGEX REPLACE "\\]\\(\\.\\./(debugger/[a-z_.]+)\\)"
         "](../../../varek/\\1)" page "${page}")
-    string(REGEX REPLACE "\\[([^]]*)\\]\\(\\.\\./(tests|tools|cmake|CMake)[^)]*\\)"
+    string(REGEX REPLACE "\\[([^]]*)\\]\\(\\.\\./(tests|tools|viewer|cmake|CMake)[^)]*\\)"
         "\\1" page "${page}")
     file(GENERATE OUTPUT docs/${name}.md CONTENT "${page}")
     install(FILES ${CMAKE_BINARY_DIR}/docs/${name}.md DESTINATION share/doc/varek/docs)

@@ -1,13 +1,13 @@
 // Any bytes as a dump: the viewer reads them or says that they are none, and what it makes of them
 // keeps the rules of its forms.
 
-#include "tests/log/TraceRules.h"
-#include "tools/varek-log/DumpReader.h"
-#include "tools/varek-log/ScopeTree.h"
-#include "tools/varek-log/Summary.h"
-#include "tools/varek-log/Timelines.h"
-#include "tools/varek-log/TraceEvents.h"
-#include "tools/varek-log/Utf8.h"
+#include "tests/viewer/TraceRules.h"
+#include "viewer/forms/Utf8.h"
+#include "viewer/model/scopes/Timelines.h"
+#include "viewer/reading/text/DumpReader.h"
+#include "viewer/showing/text/ScopeTree.h"
+#include "viewer/showing/text/Summary.h"
+#include "viewer/showing/trace/TraceEvents.h"
 
 #include <cstdio>
 #include <cstdlib>

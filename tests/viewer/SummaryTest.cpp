@@ -1,0 +1,81 @@
+#include "viewer/showing/text/Summary.h"
+
+#include "tests/viewer/SampleDump.h"
+#include "viewer/model/scopes/Timelines.h"
+#include "viewer/reading/text/DumpReader.h"
+#include "viewer/showing/text/ScopeTree.h"
+
+#include <gtest/gtest.h>
+
+TEST(Summary, OfASmallDump)
+{
+    EXPECT_EQ(R"(9 records in 12.345901 seconds
+
+      Seconds  Wall clock where the dump was written
+    -0.250000  2026-11-15 15:12:20.532  start of the recorder
+     0.000000  2026-11-15 15:12:20.782  first record
+    12.345901  2026-11-15 15:12:33.127  last record
+
+  Records         from           to  Thread
+        7     0.000000    12.345901  36 Host
+        2     0.000250     1.000000  260 in_thread 36 (x)
+
+   Events  Class
+        5  Station: Construction 1, Dismissed_error 1, Scope_pop 1, Scope_push 1, State_change 1
+        3  Pump: Root_error 1, Scope_pop 1, Scope_push 1
+        1  (unknown): Timing_point 1
+
+      Seconds  Errors raised and dismissed
+     0.000310  Root_error RunsDry at Pump.Drain (FFFFFFFFFFFFFFF0), line 38 on 36 Host
+     0.000400  Dismissed_error at Station.Serve (a (b) in_class c at d), line 52 on 36 Host
+)",
+              Summary::Compose(DumpReader::Read(sampleDump), {}));
+}
+
+TEST(Summary, OfWhatPassesAFilterAndWithFindings)
+{
+    RecordFilter filter;
+    filter.thread = "2";
+    filter.from = 3;
+    EXPECT_EQ(R"(5 records in 0.000004 seconds, passing the filters: 1
+
+Findings
+  The recorder did not know the wall clock.
+
+  Records         from           to  Thread
+        1     0.000003     0.000003  2
+
+   Events  Class
+        1  C: Scope_pop 1
+
+No errors
+)",
+              Summary::Compose(DumpOf("1+a2+b.-b1-a"), filter));
+}
+
+TEST(ScopeTree, OfASmallDumpAndOfLostScopes)
+{
+    Dump dump = DumpReader::Read(sampleDump);
+    EXPECT_EQ(R"(Thread 36 Host
+         time         took
+     0.000000               - Construction at Station.Station (a (b) in_class c at d), line 32
+     0.000100    12.345801  Station.Serve (a (b) in_class c at d)
+     0.000300     0.000020    Pump.Drain (FFFFFFFFFFFFFFF0)
+     0.000310                   - Root_error RunsDry at Pump.Drain (FFFFFFFFFFFFFFF0), line 38
+     0.000400                 - Dismissed_error at Station.Serve (a (b) in_class c at d), line 52
+
+Thread 260 in_thread 36 (x)
+         time         took
+     0.000250               - State_change to off, in_class at at Station.ChangeState (a (b) in_class c at d)
+     1.000000               - Timing_point (1, -2) at (unknown).(unknown)
+)",
+              ScopeTree::Compose(dump, Timelines::Of(dump)));
+
+    Dump damaged = DumpOf("-a+b");
+    EXPECT_EQ(R"(Thread 7
+         time         took
+     0.000000     0.000000  C.a, entered before
+     0.000001     0.000000  C.b, not left
+)",
+              ScopeTree::Compose(damaged, Timelines::Of(damaged)));
+}

@@ -1,0 +1,92 @@
+#include "viewer/showing/trace/TraceEvents.h"
+
+#include "tests/viewer/SampleDump.h"
+#include "tests/viewer/TraceRules.h"
+#include "viewer/model/records/EventKind.h"
+#include "viewer/model/scopes/Timelines.h"
+#include "viewer/reading/text/DumpReader.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace
+{
+
+std::string TraceOf(Dump dump)
+{
+    const std::vector<Timeline> timelines = Timelines::Of(dump);
+    return TraceEvents::Compose(dump, timelines, "some.log");
+}
+
+} // namespace
+
+TEST(TraceEvents, OfASmallDump)
+{
+    const std::string text = TraceOf(DumpReader::Read(sampleDump));
+    EXPECT_EQ("", BrokenTraceRule(text, 9));
+    const Json trace = Json::parse(text);
+    EXPECT_EQ(Json::parse(R"({"source": "some.log", "records": 9, "begin": 0, "end": 12345901,
+                              "origin": 0, "start": -250000,
+                              "wallClock": "2026-11-15 15:12:20.532", "findings": []})"),
+              trace["otherData"]);
+
+    const Json& events = trace["traceEvents"];
+    ASSERT_EQ(9u, events.size());
+    EXPECT_EQ(Json::parse(R"({"name": "thread_name", "ph": "M", "pid": 1, "tid": 36,
+                              "args": {"name": "Host"}})"),
+              events[0]);
+    EXPECT_EQ(Json::parse(R"({"name": "Construction", "ph": "i", "s": "t", "cat": "lifetime",
+                              "ts": 0, "pid": 1, "tid": 36,
+                              "args": {"place": "Station.Station", "line": 32, "depth": 0,
+                                       "object": "0x000000001D2C5A40",
+                                       "objectName": "a (b) in_class c at d"}})"),
+              events[1]);
+    EXPECT_EQ(Json::parse(R"({"name": "Station.Serve", "ph": "X", "cat": "scope", "ts": 100,
+                              "dur": 12345801, "pid": 1, "tid": 36,
+                              "args": {"object": "0x000000001D2C5A40", "depth": 0,
+                                       "param1": 5, "param2": 0,
+                                       "objectName": "a (b) in_class c at d"}})"),
+              events[2]);
+    EXPECT_EQ("Pump.Drain", events[3]["name"]);
+    EXPECT_EQ(Json::parse(R"({"name": "Root_error RunsDry", "ph": "i", "s": "t", "cat": "error",
+                              "ts": 310, "pid": 1, "tid": 36,
+                              "args": {"place": "Pump.Drain", "code": "RunsDry", "line": 38,
+                                       "depth": 2, "object": "0xFFFFFFFFFFFFFFF0"}})"),
+              events[4]);
+    EXPECT_EQ("off, in_class at", events[7]["args"]["state"]);
+    EXPECT_EQ("Timing_point (1, -2)", events[8]["name"]);
+}
+
+TEST(TraceEvents, KeepTheRulesWhateverTheRecordsSay)
+{
+    std::minstd_rand random(1);
+    const std::vector<std::string> words = {"+a", "+b", "-a", "-b", ".", "~", "1", "2"};
+    for (int round = 0; round < 500; ++round) {
+        std::string story;
+        for (auto left = random() % 40; left > 0; --left)
+            story += words[random() % words.size()];
+        const Dump dump = DumpOf(story);
+        const std::size_t records = dump.records.size();
+        ASSERT_EQ("", BrokenTraceRule(TraceOf(dump), records)) << story;
+    }
+}
+
+TEST(TraceEvents, EscapeWhatJsonOrAPageWouldMistake)
+{
+    std::string lines = RecordLines(0, EventKind::ScopePush, 'f');
+    lines.replace(lines.find("(unknown)"), 9, "(</script>\"\\\xE4)");
+    const std::string text = TraceOf(DumpReader::Read(lines));
+    EXPECT_EQ(std::string::npos, text.find('<'));
+    EXPECT_EQ("</script>\"\\\xC3\xA4", Json::parse(text)["traceEvents"][1]["args"]["objectName"]);
+}
+
+TEST(TraceEvents, BeginWithZeroAtTheLatest)
+{
+    std::string lines = RecordLines(0, EventKind::ScopePush, 'f');
+    lines.replace(lines.find("0.000000"), 8, "-1.750000");
+    const std::string text =
+        TraceOf(DumpReader::Read(lines + RecordLines(1, EventKind::ScopePop, 'f')));
+    EXPECT_EQ("", BrokenTraceRule(text, 2));
+    EXPECT_EQ(250001, Json::parse(text)["traceEvents"][1]["dur"]);
+}

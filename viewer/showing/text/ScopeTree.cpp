@@ -1,0 +1,53 @@
+#include "viewer/showing/text/ScopeTree.h"
+
+#include "viewer/forms/TextForms.h"
+#include "viewer/showing/text/Description.h"
+
+namespace
+{
+
+constexpr std::size_t timeWidth = 13;
+constexpr std::size_t deepestIndent = 40; // deeper ones tell their depth
+
+std::string Indent(std::size_t depth)
+{
+    if (depth <= deepestIndent)
+        return std::string(2 * depth, ' ');
+    return std::string(2 * deepestIndent, ' ') + "[" + std::to_string(depth) + "] ";
+}
+
+} // namespace
+
+std::string ScopeTree::Compose(const Dump& dump, const std::vector<Timeline>& timelines)
+{
+    ScopeTree tree(dump.names);
+    for (const Timeline& timeline : timelines)
+        tree.AddTimeline(timeline);
+    return tree.text;
+}
+
+void ScopeTree::AddTimeline(const Timeline& timeline)
+{
+    text += text.empty() ? "" : "\n";
+    text += "Thread " + Description::Thread(timeline.threadId, names) + "\n";
+    text +=
+        TextForms::AlignRight("time", timeWidth) + TextForms::AlignRight("took", timeWidth) + "\n";
+    for (const TimelineEntry& entry : timeline.entries)
+        AddEntry(entry);
+}
+
+void ScopeTree::AddEntry(const TimelineEntry& entry)
+{
+    const std::string took = entry.isScope ? TextForms::Seconds(entry.end - entry.begin) : "";
+    text += TextForms::AlignRight(TextForms::Seconds(entry.begin), timeWidth);
+    text += TextForms::AlignRight(took, timeWidth);
+    text += "  " + Indent(entry.depth) + TextOf(entry) + "\n";
+}
+
+std::string ScopeTree::TextOf(const TimelineEntry& entry) const
+{
+    if (!entry.isScope)
+        return "- " + Description::Whole(*entry.record, names);
+    return Description::PlaceAndObject(*entry.record, names) +
+           (entry.lostBegin ? ", entered before" : "") + (entry.lostEnd ? ", not left" : "");
+}
