@@ -2,6 +2,7 @@
 
 #include "diagnostics/MDiagnosticsRegistry.h"
 #include "diagnostics/MFlowLocation.h"
+#include "engine/EngineErrors.h"
 #include "engine/MMutexLock.h"
 #include "filers/MFilerTaggedPair.h"
 #include "filers/MOutFilerTaggedXml.h"
@@ -51,18 +52,20 @@ ModuleCommandProcessor& ModuleCommandProcessor::GetInstance()
     return instance;
 }
 
-ModuleCommandProcessor::ModuleCommandProcessor() : lifecycleDone(false)
+ModuleCommandProcessor::ModuleCommandProcessor() : lifecycleDone(false), shutdownFunctorsRun(false)
 {
     static MFlowLocation location(className, className);
     location.SetObject(this).SetLine(__LINE__).LogConstruction();
     GetDiagnosticsRegistry()->RegisterObjectName(this, L"singleton of the module");
 }
 
-// In a process that ends without a shutdown the threads are gone already, and stopping them fails.
+// In a process that ends without a shutdown the threads are gone already, and stopping them fails;
+// so may be what the functors would stop.
 ModuleCommandProcessor::~ModuleCommandProcessor()
 {
     static MFlowLocation location(className, L"~ModuleCommandProcessor");
     location.SetObject(this).SetLine(__LINE__).LogDestruction();
+    shutdownFunctors.clear();
     try {
         ModuleCommandProcessor::Stop();
     } catch (MException& exception) {
@@ -111,11 +114,48 @@ void ModuleCommandProcessor::Stop()
     location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
     MMutexLock lock(lifecycleMutex);
     if (lifecycleDone) {
+        RunShutdownFunctors();
         commandProcessor->Stop();
         desyncScheduler->Disable();
         moduleReference.Drop();
     }
     lifecycleDone = true;
+}
+
+void ModuleCommandProcessor::OnShutdown(MCallbackFunctorPtr functor)
+{
+    static MFlowLocation location(className, L"OnShutdown");
+    MMutexLock lock(shutdownMutex);
+    if (shutdownFunctorsRun)
+        RaiseError(location.SetObject(this).SetLine(__LINE__), L"ModuleStopped");
+    if (functor)
+        shutdownFunctors.push_back(std::move(functor));
+}
+
+void ModuleCommandProcessor::RunShutdownFunctors()
+{
+    static MFlowLocation location(className, L"RunShutdownFunctors");
+    while (const MCallbackFunctorPtr functor = TakeShutdownFunctor()) {
+        try {
+            functor->Invoke();
+        } catch (MException& exception) {
+            location.SetObject(this).SetLine(__LINE__).DismissError(exception);
+        } catch (...) {
+            location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
+        }
+    }
+}
+
+/// The latest that is left; null, and the end of registration, when there is none.
+MCallbackFunctorPtr ModuleCommandProcessor::TakeShutdownFunctor()
+{
+    MMutexLock lock(shutdownMutex);
+    shutdownFunctorsRun = shutdownFunctors.empty();
+    if (shutdownFunctorsRun)
+        return nullptr;
+    MCallbackFunctorPtr latest = std::move(shutdownFunctors.back());
+    shutdownFunctors.pop_back();
+    return latest;
 }
 
 void ModuleCommandProcessor::OnCommandProcessorIdle() {}

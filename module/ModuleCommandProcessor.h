@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 /// The one object behind a module: owner of its two threads, and the place where what kills one of
 /// them turns into a call to the host.
@@ -48,7 +49,8 @@ public:
     /// work. There is none.
     virtual void OnCommandProcessorIdle();
 
-    /// Stops the processor, then the scheduler, for good. Raises the `MException` of a failed stop.
+    /// Runs what `OnShutdown` was given, then stops the processor, then the scheduler, for good.
+    /// Raises the `MException` of a failed stop.
     virtual void Stop();
 
     /// Starts the scheduler, then the processor, unless that, or a stop, has been done before.
@@ -59,6 +61,21 @@ public:
 
     /// Replaces both callbacks. Either may be empty.
     void RegisterCallbacks(SpontaneousErrorCallback onSpontaneousError, CrashCallback onCrash);
+
+    /// Has `functor` invoked by the first `Stop` from now on, before the processor is stopped: the
+    /// place to stop what the module has started itself, a thread, a wait handle, a timer, since
+    /// none of them can be ended while the module is being unloaded.
+    ///
+    /// Functors run in reverse order of registration, on the thread that calls `Stop`, with the
+    /// module's threads still at work, so they may execute commands and schedule events; they may
+    /// not call `Stop`, nor wait for a thread that does. What one raises is dismissed, and the rest
+    /// run. One that is registered by another while these run, runs too.
+    ///
+    /// Owned from here on, whatever happens. Any thread. Raises "ModuleStopped" when the functors
+    /// have been run already: register first, then start what is to be stopped. std::bad_alloc when
+    /// there is no memory to note it. A process that ends without a shutdown invokes none: its
+    /// threads are gone by then, and statics that were made later than the module too.
+    void OnShutdown(MCallbackFunctorPtr functor);
 
     /// Stays after `Stop`, and refuses commands then. Owned by this object.
     MCommandProcessor* GetCommandProcessor() { return commandProcessor.get(); }
@@ -71,6 +88,8 @@ private:
 
     void StartScheduler();
     void StartProcessor();
+    void RunShutdownFunctors();
+    MCallbackFunctorPtr TakeShutdownFunctor();
 
     MMutex lifecycleMutex;
     bool lifecycleDone; // set by the first Start or Stop, and never cleared
@@ -79,4 +98,7 @@ private:
     SpontaneousErrorCallback spontaneousErrorCallback;
     CrashCallback crashCallback;
     ModuleReference moduleReference;
+    MMutex shutdownMutex; // guards the two below, and is held while nothing else is done
+    std::vector<MCallbackFunctorPtr> shutdownFunctors;
+    bool shutdownFunctorsRun;
 };

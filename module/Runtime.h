@@ -45,7 +45,8 @@ VAREK_API void RegisterFatalErrorHandlers(
     std::auto_ptr<CallbackFunctor1Param<const std::wstring&>> onSpontaneousError,
     std::auto_ptr<CallbackFunctor1Param<_EXCEPTION_POINTERS*>> onCrash);
 
-/// Stops the module for good: runs out what is queued, then stops both threads. May be repeated;
+/// Stops the module for good: has the module's own code stop what it has started, runs out what is
+/// queued, then stops both threads. May be repeated;
 /// the module does not start again before it is loaded anew. Not from a callback. Raises the
 /// `MException` of a failed start or stop.
 VAREK_API void Shutdown();

@@ -68,6 +68,29 @@ TEST(Module, ShutdownFromAnEventStopsTheProcessorAndIsDismissed)
     EXPECT_TRUE(module.Free());
 }
 
+TEST(Module, ShutdownRunsWhatWasRegisteredForItBackwardsWhileItsThreadsStillWork)
+{
+    std::string ran;
+    LoadedModule module;
+    const DWORD self = GetCurrentThreadId();
+    const Action late = [&] { ran += "late "; };
+    const Action actions[] = {
+        [&] { module.DoOnProcessor([&] { ran += self == GetCurrentThreadId() ? "" : "works "; }); },
+        [&] { ran += self == GetCurrentThreadId() ? "here " : ""; }, [&] { throw 7; },
+        [&] {
+            module.OnShutdown(late);
+            Raise("dismissed");
+        }};
+    for (const Action& action : actions)
+        module.OnShutdown(action);
+    module.Shutdown();
+    module.Shutdown();
+    EXPECT_EQ("late here works ", ran);
+    EXPECT_EQ("ModuleCommandProcessor.OnShutdown:ModuleStopped",
+              Raised([&] { module.OnShutdown(late); }));
+    EXPECT_TRUE(module.Free());
+}
+
 TEST(Module, FailureOfACommandReachesItsCallerAndThatOfAThreadTheHostAsText)
 {
     const Action fail = [] { Raise("Host.Told:Why"); };

@@ -33,11 +33,18 @@ void DoOnOwnThread(const Action& action)
     thread.Stop();
 }
 
+void OnShutdown(const Action& action)
+{
+    ModuleCommandProcessor::GetInstance().OnShutdown(FunctorFor([&action] { action(); }));
+}
+
 } // namespace
 
 TestModule GetTestModule()
 {
     using namespace Varek::Runtime;
-    return {AttachMFlowLogger, RegisterFatalErrorHandlers, Shutdown, DoOnProcessor, DoOnScheduler,
-            DoOnOwnThread};
+    return {AttachMFlowLogger, RegisterFatalErrorHandlers,
+            Shutdown,          DoOnProcessor,
+            DoOnScheduler,     DoOnOwnThread,
+            OnShutdown};
 }

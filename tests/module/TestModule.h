@@ -13,6 +13,7 @@ struct TestModule {
 
     typedef void (*DoOnThread)(const Action& action);
     DoOnThread DoOnProcessor, DoOnScheduler, DoOnOwnThread;
+    DoOnThread OnShutdown; ///< registers `action`, which must stay
 };
 
 extern "C" __declspec(dllexport) TestModule GetTestModule();
