@@ -81,7 +81,7 @@ struct MXmlElementRecord {
                      (static_cast<std::uint32_t>(value) << EndTagShift);
     }
 
-    /// 1 on the top level, 0 on record 0.
+    /// 0 on the top level, as on record 0.
     std::uint32_t Level() const { return flagsAndLevel & LevelMask; }
 
     /// Leaves the flags alone.

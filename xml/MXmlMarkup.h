@@ -15,7 +15,7 @@ enum MXmlAddFlag : std::uint32_t {
     /// `AddElement`: the data goes in as a CDATA section.
     XmlAddCdata = 0x1,
     /// No line break behind the new node. The first node between two tags with nothing in between
-    /// has one in front all the same, and is then taken to begin with it.
+    /// has one in front all the same.
     XmlAddNoLineBreak = 0x2,
     /// `AddElement` without data writes " />" instead of "/>".
     XmlAddSpaceSlash = 0x4,
@@ -202,9 +202,6 @@ public:
     /// it. Answers 1 if it is well-formed, else 0 with the finding in `GetErrorText`, its offset
     /// counted from the front of the markup; the markup is in place either way. Answers 0 and does
     /// nothing if the position is not on an element.
-    ///
-    /// After markup without an element, what is then put at the very front of the document goes
-    /// where the markup is, until the next load; stand on the root and use `XmlAddBefore` instead.
     int ReplaceInnerMarkup(const wchar_t* markup);
 
     // Conversions

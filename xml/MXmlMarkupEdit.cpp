@@ -142,8 +142,8 @@ int MXmlMarkup::ReplaceInnerMarkup(const wchar_t* markup)
         element.Set(XmlElementIllFormed);
     std::int32_t sibling = 0;
     const std::int32_t replaced = InsertNodeText(mainIndex, sibling, request);
-    // Without an element in the markup this moves the document's record until the next load. The
-    // walk stops there at once, but what is then put at the front of the document goes there.
+    // Without an element in the markup this moves the `start` of the document's record until the
+    // next load, where nothing reads it. The walk stops there at once.
     ShiftOffsets(first, request.offset, false);
     records[first].MoveBy(request.offset);
     AdoptChildren(mainIndex, first);

@@ -1,4 +1,5 @@
 #include "xml/MXmlMarkup.h"
+#include "xml/XmlCharacters.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -69,6 +70,24 @@ std::size_t ReferenceLength(const wchar_t* text)
     return *at == L';' ? static_cast<std::size_t>(at - text) + 1 : 0;
 }
 
+// What a digit is worth; what is no ASCII digit is worth more than any base allows.
+std::uint32_t DigitValue(wchar_t c)
+{
+    const std::uint32_t code = static_cast<std::uint32_t>(XmlCharacters::Fold(c));
+    if (code >= '0' && code <= '9')
+        return code - '0';
+    return code >= 'a' && code <= 'f' ? code - 'a' + 10 : 16;
+}
+
+// The run time's conversion would take digits of other scripts on one platform and not on another.
+std::uint32_t ReadNumber(const wchar_t* digits, std::uint32_t base)
+{
+    std::uint32_t number = 0;
+    for (; DigitValue(*digits) < base; ++digits)
+        number = number * base + DigitValue(*digits);
+    return number;
+}
+
 // A text that is resolved reference by reference.
 class MUnescaper
 {
@@ -127,7 +146,7 @@ private:
             result += L'&';
             return ampersand + 1;
         }
-        const long code = std::wcstol(text + digits, nullptr, hexadecimal ? 16 : 10);
+        const std::uint32_t code = ReadNumber(text + digits, hexadecimal ? 16 : 10);
         result += static_cast<wchar_t>(static_cast<std::uint16_t>(code));
         if (code != 0)
             return semicolon + 1;

@@ -35,11 +35,11 @@ std::int32_t MXmlMarkup::InsertNodeText(std::int32_t parent, std::int32_t& sibli
     if (!atNode)
         sibling = SiblingToLink(parent, sibling, request.flags);
     request.length = static_cast<std::int32_t>(request.text.size());
-    if (breaksLine) {
+    if (breaksLine)
         request.text += L'\n';
-        if (noContent)
-            ++request.offset;
-    }
+    // The node itself begins behind the line break that comes in front.
+    if (breaksLine ? intoEmpty || noContent : noContent && !intoEmpty && !replacesContent)
+        ++request.offset;
 
     if (intoEmpty)
         return InsertIntoEmpty(parent, request);
@@ -62,8 +62,11 @@ std::int32_t MXmlMarkup::InsertOffset(std::int32_t parent, std::int32_t sibling,
         return before ? request.offset : XmlOffsetSum(request.offset, request.length);
     if (sibling != 0)
         return before ? records[sibling].start : records[sibling].End();
+    // Whatever the document's record says: front and end of the text are these.
+    if (parent == 0)
+        return before ? 0 : static_cast<std::int32_t>(documentText.size());
     const MXmlElementRecord& element = records[parent];
-    if (parent != 0 && element.IsEmptyElement())
+    if (element.IsEmptyElement())
         return XmlOffsetSum(element.ContentStart(), element.Has(XmlElementNoEndTag) ? 0 : -1);
     if (before || (request.flags & XmlAddReplaceContent) != 0)
         return element.ContentStart();

@@ -39,6 +39,10 @@ TEST(XmlEscape, ReferencesResolvedWithinTheLength)
         // A zero leaves its reference behind it.
         {L"&#X41;", -1, {0, L'&', L'#', L'X', L'4', L'1', L';'}},
         {L"&#65536;b", -1, {0, L'b'}},
+        // Digits are those of ASCII: no other script's, no signs, no white space.
+        {L"&#6\u0665;&#x4\uFF11;&#x1g;", -1, L"\6\4\1"},
+        {L"&#\u0665;", -1, {0, L'&', L'#', L'\u0665', L';'}},
+        {L"&# 5;&#-5;", -1, {0, L'&', L'#', L' ', L'5', L';', 0, L'&', L'#', L'-', L'5', L';'}},
     };
     for (const auto& each : cases)
         EXPECT_EQ(MXmlMarkup::UnescapeText(each.text, each.length), each.resolved);

@@ -61,12 +61,14 @@ TEST(XmlOperations, DocumentsMoveReadAndChangeAsTold)
         {"<r/>|ntx|t0v,1|n5c|d", L"<?x v=\"1\"?>\n<!--c-->\n<r/>;"},
         {"<a b=1/>|f|t0b,2|d", L"<a b=\"2\">;"},
         {"<a b>|f|t0b,v|d", L"<a \"v\">;"},
-        // Inner markup. Where there is no element in it, it moves the document's front.
+        // A node without a line break begins behind the one that comes in front of it.
+        {"<a></a>|f|e|n3d|v|n1x|v|d", L"#cdata-section=d;#text=x;<a>\n<![CDATA[d]]>x</a>;"},
+        // Inner markup.
         {"<r><a>o<b><c/></b></a><d/></r>|f|e|f|m0 <e><f/></e>n<g/>|d",
          L"<r><a> <e><f/></e>n<g/></a><d/></r>;"},
         {"<r><a /><d/></r>|f|e|f|m0<b/>|m0<h/>|d", L"<r><a ><h/></a><d/></r>;"},
         {"<r><a></a><d/></r>|f|e|f|m0<b/>|d", L"<r><a><b/></a><d/></r>;"},
-        {"<a><b>x</b></a>|s0|f|e|f|m0plain|r0|apc|d", L"<a><b><c/>\nplain</b></a>;"},
+        {"<a><b>x</b></a>|s0|f|e|f|m0plain|r0|apc|d", L"<c/>\n<a><b>plain</b></a>;"},
         // Refusals.
         {"<a/>|nuc|x3a,b|n3]]>|n7a|a\xB0x|a b,x|m0x|f|x2a,b|d", L"!!!!!!!<!--c-->\n<a/>;"},
     };
