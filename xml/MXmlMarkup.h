@@ -23,6 +23,8 @@ enum MXmlAddFlag : std::uint32_t {
     XmlAddKeepReferences = 0x8,
     /// `AddElement`: a start tag with no end tag and no data.
     XmlAddNoEndTag = 0x10,
+    /// `AddElement`: the data is markup, and goes in unchanged.
+    XmlAddMarkup = 0x20,
     /// Escaping also covers the two quote characters.
     XmlAddEscapeQuotes = 0x100,
     /// The new text replaces the content of the element. Set by the engine.
@@ -79,7 +81,8 @@ struct MXmlInsertRequest {
 /// and change nothing. Names and the texts of comments, instructions and declarations are written
 /// as they are given, without a check. Only `std::bad_alloc`, and `std::length_error` past
 /// `MaxTextLength`, leave as exceptions. After one of them the document is fit only for being
-/// loaded again or destroyed; where `LoadText` throws `std::length_error`, it is as before.
+/// loaded again or destroyed, unless the operation says otherwise; where `LoadText` throws
+/// `std::length_error`, it is as before.
 ///
 /// Threads. None of its own, and no locks: one owner, one thread at a time. Two documents share
 /// nothing.
@@ -188,8 +191,14 @@ public:
 
     /// Adds an element behind the current one, or as the last of its level if there is none, and
     /// moves to it. Without data, null or empty, it is an empty element. `flags` are `MXmlAddFlag`
-    /// bits. False for `XmlAddChild` without a current element, and for `XmlAddNoEndTag` with data.
+    /// bits. False for `XmlAddChild` without a current element, for `XmlAddNoEndTag` with data, and
+    /// for `XmlAddMarkup` with data that is not well-formed. When an exception leaves it, the
+    /// document is as before.
     bool AddElement(const wchar_t* name, const wchar_t* data, std::uint32_t flags);
+
+    /// Adds an element that has an attribute, both or neither.
+    bool AddElement(const wchar_t* name, const wchar_t* data, std::uint32_t flags,
+                    const wchar_t* attribute, const wchar_t* value);
 
     /// Adds a node of an `MXmlNodeType` behind the current one and moves to it; see
     /// `BuildNodeText`. False if that is. Comments, instructions and the doctype get a line break
@@ -258,10 +267,14 @@ private:
     int ParseDocument();
     void IndexDocument();
     std::int32_t ParseElements(std::int32_t startRecord, MXmlTokenCursor& cursor);
-    std::int32_t TakeRecord()
+    void MakeRoomForRecord()
     {
         if (nextFreeIndex == records.Capacity())
             GrowRecords(0);
+    }
+    std::int32_t TakeRecord()
+    {
+        MakeRoomForRecord();
         return nextFreeIndex++;
     }
     bool IsElement(std::int32_t record) const;
@@ -284,14 +297,22 @@ private:
     bool OpenTag(std::int32_t record, MXmlTokenCursor& cursor) const;
 
     void GrowTag(std::int32_t record, std::int32_t delta);
-    static void BuildElement(const std::wstring& name, const wchar_t* data, std::uint32_t flags,
-                             std::wstring& text, MXmlElementRecord& element);
+    static void BuildElement(const std::wstring& name, const std::wstring& attribute,
+                             const wchar_t* data, std::uint32_t flags, std::wstring& text,
+                             MXmlElementRecord& element);
+    std::int32_t SpliceElement(std::int32_t sibling, MXmlInsertRequest& request,
+                               const MXmlElementRecord& element, const wchar_t* markup);
+    std::int32_t PlaceElement(std::int32_t sibling, const MXmlElementRecord& element,
+                              std::int32_t delta, std::int32_t content);
+    std::int32_t IndexMarkup(const std::wstring& markup, std::uint32_t level);
     std::int32_t AddEmptyElement(std::int32_t sibling, const MXmlInsertRequest& request);
     void DeleteDescendants(std::int32_t record);
     std::int32_t FirstLeaf(std::int32_t record) const;
     void DeleteRecord(std::int32_t record);
     void AdoptChildren(std::int32_t parent, std::int32_t firstChild);
 
+    static std::wstring QuotedValue(const wchar_t* value);
+    static std::wstring AttributeText(const std::wstring& name, const wchar_t* value);
     static void CheckLength(std::size_t length);
     void ReplaceText(std::int32_t offset, std::int32_t count, const std::wstring& text);
     std::int32_t InsertNodeText(std::int32_t parent, std::int32_t& sibling,

@@ -5,7 +5,7 @@ bool MXmlMarkup::SetAttribute(std::int32_t record, const wchar_t* name, const wc
     MXmlTokenCursor cursor = CursorAt(0);
     if (!name || !OpenTag(record, cursor) || !IsInDocument(record))
         return false;
-    std::wstring text = L"\"" + EscapeText(value, XmlAddEscapeQuotes) + L"\"";
+    std::wstring text = QuotedValue(value);
     std::int32_t offset = 0;
     std::int32_t count = 0;
     if (FindAttribute(cursor, name, 0)) {
@@ -13,11 +13,21 @@ bool MXmlMarkup::SetAttribute(std::int32_t record, const wchar_t* name, const wc
         count = cursor.next - offset;
     } else {
         offset = cursor.next;
-        text = std::wstring(L" ") + name + L"=" + text;
+        text = AttributeText(name, value);
     }
     ReplaceText(offset, count, text);
     GrowTag(record, static_cast<std::int32_t>(text.size()) - count);
     return true;
+}
+
+std::wstring MXmlMarkup::QuotedValue(const wchar_t* value)
+{
+    return L"\"" + EscapeText(value, XmlAddEscapeQuotes) + L"\"";
+}
+
+std::wstring MXmlMarkup::AttributeText(const std::wstring& name, const wchar_t* value)
+{
+    return L" " + name + L"=" + QuotedValue(value);
 }
 
 void MXmlMarkup::GrowTag(std::int32_t record, std::int32_t delta)
@@ -34,23 +44,29 @@ void MXmlMarkup::GrowTag(std::int32_t record, std::int32_t delta)
 
 bool MXmlMarkup::AddElement(const wchar_t* name, const wchar_t* data, std::uint32_t flags)
 {
+    return AddElement(name, data, flags, nullptr, nullptr);
+}
+
+bool MXmlMarkup::AddElement(const wchar_t* name, const wchar_t* data, std::uint32_t flags,
+                            const wchar_t* attribute, const wchar_t* value)
+{
     const bool asChild = (flags & XmlAddChild) != 0;
     const bool hasData = data && *data != 0;
     if ((asChild && mainIndex == 0) || ((flags & XmlAddNoEndTag) != 0 && hasData))
         return false;
     const std::int32_t parent = asChild ? mainIndex : parentIndex;
-    std::int32_t sibling = asChild ? childIndex : mainIndex;
     MXmlInsertRequest request = {XmlNodeElement, asChild ? 0 : nodeOffset, asChild ? 0 : nodeLength,
                                  flags, std::wstring()};
-
-    const std::int32_t added = TakeRecord();
     MXmlElementRecord element = MXmlElementRecord();
-    BuildElement(name ? name : L"", hasData ? data : nullptr, flags, request.text, element);
-    const std::int32_t replaced = InsertNodeText(parent, sibling, request);
-    element.start = request.offset;
-    records[added] = element;
-    LinkElement(parent, sibling, added);
-    ShiftOffsets(added, static_cast<std::int32_t>(request.text.size()) - replaced, false);
+    BuildElement(name ? name : L"", attribute ? AttributeText(attribute, value) : std::wstring(),
+                 hasData ? data : nullptr, flags, request.text, element);
+    element.parent = parent;
+
+    const bool hasMarkup = hasData && (flags & XmlAddMarkup) != 0;
+    const std::int32_t added = SpliceElement(asChild ? childIndex : mainIndex, request, element,
+                                             hasMarkup ? data : nullptr);
+    if (added == 0)
+        return false;
     if (asChild)
         MoveTo(parentIndex, parent, added);
     else
@@ -59,15 +75,19 @@ bool MXmlMarkup::AddElement(const wchar_t* name, const wchar_t* data, std::uint3
 }
 
 // The element's text, and its record but for place and links.
-void MXmlMarkup::BuildElement(const std::wstring& name, const wchar_t* data, std::uint32_t flags,
-                              std::wstring& text, MXmlElementRecord& element)
+void MXmlMarkup::BuildElement(const std::wstring& name, const std::wstring& attribute,
+                              const wchar_t* data, std::uint32_t flags, std::wstring& text,
+                              MXmlElementRecord& element)
 {
-    text = L"<" + name;
+    text = L"<" + name + attribute;
     if (data) {
-        const bool asCdata = (flags & XmlAddCdata) != 0;
-        text += L">" + (asCdata ? WrapCdata(data) : EscapeText(data, flags));
+        text += L'>';
+        element.SetStartTagLength(static_cast<std::int32_t>(text.size()));
+        if ((flags & XmlAddMarkup) != 0)
+            text += data;
+        else
+            text += (flags & XmlAddCdata) != 0 ? WrapCdata(data) : EscapeText(data, flags);
         text += L"</" + name + L">";
-        element.SetStartTagLength(static_cast<std::int32_t>(name.size()) + 2);
         element.SetEndTagLength(static_cast<std::int32_t>(name.size()) + 3);
     } else {
         const bool spaced = (flags & XmlAddSpaceSlash) != 0;
@@ -78,6 +98,66 @@ void MXmlMarkup::BuildElement(const std::wstring& name, const wchar_t* data, std
             element.Set(XmlElementNoEndTag);
     }
     element.length = static_cast<std::int32_t>(text.size());
+}
+
+// Answers 0 where the markup that the element is to contain is not well-formed. Whatever can fail
+// comes before the text changes, and keeps no record.
+std::int32_t MXmlMarkup::SpliceElement(std::int32_t sibling, MXmlInsertRequest& request,
+                                       const MXmlElementRecord& element, const wchar_t* markup)
+{
+    CheckLength(request.text.size());
+    const std::int32_t parent = element.parent;
+    const std::int32_t inUse = nextFreeIndex;
+    try {
+        const std::uint32_t contentLevel = parent != 0 ? records[parent].Level() + 2 : 1;
+        const std::int32_t content = markup ? IndexMarkup(markup, contentLevel) : 0;
+        if (content == 0 || !records[content].Has(XmlElementDocumentIllFormed)) {
+            MakeRoomForRecord();
+            const std::int32_t replaced = InsertNodeText(parent, sibling, request);
+            MXmlElementRecord placed = element;
+            placed.start = request.offset;
+            return PlaceElement(sibling, placed,
+                                static_cast<std::int32_t>(request.text.size()) - replaced, content);
+        }
+    } catch (...) {
+        nextFreeIndex = inUse;
+        throw;
+    }
+    nextFreeIndex = inUse;
+    return 0;
+}
+
+// Gives an element that is in the text its record. What it contains is indexed from its own front,
+// below the record `content`, unless that is 0.
+std::int32_t MXmlMarkup::PlaceElement(std::int32_t sibling, const MXmlElementRecord& element,
+                                      std::int32_t delta, std::int32_t content)
+{
+    const std::int32_t added = TakeRecord();
+    records[added] = element;
+    LinkElement(element.parent, sibling, added);
+    ShiftOffsets(added, delta, false);
+    if (content == 0)
+        return added;
+    const std::int32_t first = records[content].firstChild;
+    if (first != 0) {
+        ShiftOffsets(first, records[added].ContentStart(), false);
+        records[first].MoveBy(records[added].ContentStart());
+        AdoptChildren(added, first);
+    }
+    DeleteRecord(content);
+    return added;
+}
+
+// Indexes markup by itself, its places counted from its own front, below a record that takes the
+// marks of what is ill-formed.
+std::int32_t MXmlMarkup::IndexMarkup(const std::wstring& markup, std::uint32_t level)
+{
+    const std::int32_t scratch = TakeRecord();
+    records[scratch] = MXmlElementRecord();
+    records[scratch].SetLevel(level);
+    MXmlTokenCursor cursor(markup.c_str(), static_cast<std::int32_t>(markup.size()), documentFlags);
+    ParseElements(scratch, cursor);
+    return scratch;
 }
 
 bool MXmlMarkup::AddNode(std::int32_t type, const wchar_t* text, std::uint32_t flags)
@@ -128,12 +208,8 @@ int MXmlMarkup::ReplaceInnerMarkup(const wchar_t* markup)
         PurgeSavedPositions();
     }
 
-    const std::int32_t scratch = TakeRecord();
-    records[scratch] = MXmlElementRecord();
-    records[scratch].SetLevel(records[mainIndex].Level() + 1);
-    MXmlTokenCursor cursor(request.text.c_str(), static_cast<std::int32_t>(request.text.size()),
-                           documentFlags);
-    const std::int32_t first = ParseElements(scratch, cursor);
+    const std::int32_t scratch = IndexMarkup(request.text, records[mainIndex].Level() + 1);
+    const std::int32_t first = records[scratch].firstChild;
     const bool wellFormed = !records[scratch].Has(XmlElementDocumentIllFormed);
 
     MXmlElementRecord& element = records[mainIndex];

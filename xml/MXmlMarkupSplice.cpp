@@ -104,17 +104,15 @@ std::int32_t MXmlMarkup::InsertIntoEmpty(std::int32_t parent, MXmlInsertRequest&
     request.text = (breaksLine ? L">\n" : L">") + request.text + L"</" + name;
 
     MXmlElementRecord& element = records[parent];
+    const bool unclosed = element.Has(XmlElementNoEndTag);
+    const std::int32_t offset = CutToText(element.End() - (unclosed ? 1 : 2));
+    const std::int32_t replaced = unclosed ? 0 : CutToText(offset + 1) - offset;
+    ReplaceText(offset, replaced, request.text);
     element.SetEndTagLength(static_cast<std::int32_t>(name.size()) + 3);
-    const std::int32_t end = element.End();
-    if (element.Has(XmlElementNoEndTag)) {
+    if (unclosed)
         element.Clear(XmlElementNoEndTag);
-        ReplaceText(CutToText(end - 1), 0, request.text);
-        return 0;
-    }
-    element.SetStartTagLength(element.StartTagLength() - 1);
-    const std::int32_t slash = CutToText(end - 2);
-    const std::int32_t replaced = CutToText(slash + 1) - slash;
-    ReplaceText(slash, replaced, request.text);
+    else
+        element.SetStartTagLength(element.StartTagLength() - 1);
     return replaced;
 }
 

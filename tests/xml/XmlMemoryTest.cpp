@@ -1,3 +1,4 @@
+#include "fuzz/XmlInvariants.h"
 #include "tests/support/Allocations.h"
 #include "xml/MXmlMarkup.h"
 
@@ -29,6 +30,32 @@ TEST(XmlMemory, FailedLoadOrEditLeavesADocumentThatLoads)
         EXPECT_EQ(outcome, ShortageOutcome::RaisedBadAlloc);
         EXPECT_EQ(document->LoadText(L"<a>text</a>"), 1);
     });
+}
+
+// A value, or a whole document, under each kind of element that can take one: in, or not at all.
+TEST(XmlMemory, FailedElementLeavesTheDocumentAsItWas)
+{
+    const std::wstring markup = L"<b>text</b><!-- a comment --><c><d e='&amp;'/></c>text";
+    for (const wchar_t* const text : {L"<a/>", L"<a></a>", L"<a><b/>\n</a>", L"<a>text</a>"})
+        for (const std::wstring& data : {std::wstring(), std::wstring(L"a < b"), markup}) {
+            MXmlMarkup document;
+            document.LoadText(text);
+            document.FindElement();
+            const std::uint32_t flags = data == markup ? XmlAddChild | XmlAddMarkup : XmlAddChild;
+            const auto add = [&] {
+                EXPECT_TRUE(
+                    document.AddElement(L"added", data.c_str(), flags, L"a_type", L"<some text>"));
+            };
+            ForEachFailingAllocation(AllocationFailure::Throws, add, [&](ShortageOutcome) {
+                EXPECT_EQ(document.GetDocumentText(), text);
+                EXPECT_EQ(StaleIndex(document) + BrokenRule(document), "");
+                EXPECT_EQ(document.GetChildIndex(), 0);
+            });
+            const std::wstring start = L"<added a_type=\"&lt;some text&gt;\"";
+            EXPECT_NE(document.GetDocumentText().find(start), std::wstring::npos);
+            EXPECT_EQ(StaleIndex(document) + BrokenRule(document), "");
+            EXPECT_FALSE(document.AddElement(L"added", L"<b>", XmlAddChild | XmlAddMarkup));
+        }
 }
 
 TEST(XmlMemory, FailedGrowthKeepsTheRecords)
