@@ -19,7 +19,7 @@ void MFlowLocation::OpenScope(MFlowScope& scope, std::uint32_t a, std::uint32_t 
     scope.active = true;
     scope.className = className;
     scope.functionName = functionName;
-    scope.object = object;
+    scope.object = object.load(std::memory_order_relaxed);
     LogEvent(FlowEventScopePush, a, b);
 }
 
@@ -30,12 +30,12 @@ void MFlowLocation::LogTimingPoint(std::uint32_t a, std::uint32_t b)
 
 void MFlowLocation::LogConstruction()
 {
-    LogEvent(FlowEventConstruction, 0, static_cast<std::uint32_t>(line));
+    LogEvent(FlowEventConstruction, 0, Line());
 }
 
 void MFlowLocation::LogDestruction()
 {
-    LogEvent(FlowEventDestruction, 0, static_cast<std::uint32_t>(line));
+    LogEvent(FlowEventDestruction, 0, Line());
 }
 
 void MFlowLocation::LogStateChange(std::uint32_t state, std::uint32_t extra)
@@ -47,5 +47,6 @@ void MFlowLocation::LogEvent(std::uint32_t eventIndex, std::uint32_t param1, std
 {
     if (MFlowLogger* const logger = MFlowLogger::GetInstance())
         logger->GetImplementation()->LogEvent(eventIndex, param1, param2, FlowId(className),
-                                              FlowId(functionName), object);
+                                              FlowId(functionName),
+                                              object.load(std::memory_order_relaxed));
 }

@@ -2,6 +2,7 @@
 
 #include "diagnostics/MFlowScope.h"
 
+#include <atomic>
 #include <cstdint>
 
 class MError;
@@ -41,14 +42,14 @@ public:
     /// The object of what is recorded next, null for none. Its address is recorded, nothing else.
     MFlowLocation& SetObject(const void* newObject)
     {
-        object = newObject;
+        object.store(newObject, std::memory_order_relaxed);
         return *this;
     }
 
     /// The source line of what is recorded next, -1 until it is set.
     MFlowLocation& SetLine(std::int32_t newLine)
     {
-        line = newLine;
+        line.store(newLine, std::memory_order_relaxed);
         return *this;
     }
 
@@ -80,8 +81,13 @@ public:
 private:
     void LogEvent(std::uint32_t eventIndex, std::uint32_t param1, std::uint32_t param2);
 
+    std::uint32_t Line() const
+    {
+        return static_cast<std::uint32_t>(line.load(std::memory_order_relaxed));
+    }
+
     const wchar_t* className;
     const wchar_t* functionName;
-    const void* object;
-    std::int32_t line;
+    std::atomic<const void*> object; // relaxed, like the line: a plain store that others may see
+    std::atomic<std::int32_t> line;
 };

@@ -108,6 +108,6 @@ MString ComposeErrorCode(const wchar_t* className, const wchar_t* functionName, 
 void MFlowLocation::RaiseRootError(MError& error, const wchar_t* literal)
 {
     GetDiagnosticsRegistry()->RegisterErrorName(FlowId(literal), literal);
-    LogEvent(FlowEventRootError, FlowId(literal), static_cast<std::uint32_t>(line));
+    LogEvent(FlowEventRootError, FlowId(literal), Line());
     error = MError(ComposeErrorCode(className, functionName, literal));
 }

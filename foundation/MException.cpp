@@ -67,6 +67,6 @@ void MFlowLocation::Throw(MError& error)
 
 void MFlowLocation::DismissError(const MException& exception)
 {
-    LogEvent(FlowEventDismissedError, 0, static_cast<std::uint32_t>(line));
+    LogEvent(FlowEventDismissedError, 0, Line());
     exception.Dismiss(className, functionName);
 }

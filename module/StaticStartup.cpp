@@ -6,6 +6,7 @@
 
 #include "diagnostics/ClassName.h"
 #include "diagnostics/KLoggerInitialiser.h"
+#include "diagnostics/MFlowLogger.h"
 #include "diagnostics/MKLoggerAdapterInitialiser.h"
 #include "engine/MCommandProcessor.h"
 #include "engine/MCommandSynchronous.h"
@@ -30,12 +31,17 @@
 namespace
 {
 
+struct FlowLogger {
+    FlowLogger() { MFlowLogger::GetInstance(); }
+};
+
 struct ClassicLocale {
     ClassicLocale() { MLocale::GetClassicLocale(); }
 };
 
 // The log first, since everything after it may log.
 IN_START_ORDER MKLoggerAdapterInitialiser adapterInitialiser;
+IN_START_ORDER FlowLogger flowLogger;
 IN_START_ORDER ClassName registryName(MDiagnosticsRegistry::className);
 
 IN_START_ORDER ClassName localeName(MLocale::className);
