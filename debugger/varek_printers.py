@@ -128,9 +128,6 @@ class StdString(View):
         """For GDB to print, with its own limit on the length."""
         return self.start().lazy_string(length=self.length())
 
-    def narrow(self):
-        return self.start().string("latin-1", length=min(self.length(), 1000))
-
     def part(self, start, length):
         """Characters of a wide one, as far as it has them."""
         start = min(max(start, 0), self.length())
@@ -301,6 +298,47 @@ class MThreadSafeFifo(Container):
 # diagnostics/
 
 
+class KLogName(View):
+    """A name, whose text follows it."""
+
+    pattern = r"KLogNames::Name"
+
+    def key(self):
+        return int(self.value["key"])
+
+    def older(self):
+        return self.value["older"]
+
+    def text(self):
+        length = min(int(self.value["length"]), 1000)
+        start = (self.value.address + 1).cast(gdb.lookup_type("char").pointer())
+        return start.string("latin-1", length=length)
+
+
+class KLogNames(Container):
+    pattern = r"KLogNames"
+
+    MOST = 1000000  # more than a process has
+
+    def __iter__(self):
+        """The names, the newest first."""
+        name = atomic(self.value["newest"])
+        for _ in range(self.MOST):
+            if not name:
+                return
+            found = name.dereference()
+            found.fetch_lazy()
+            yield KLogName(found)
+            name = KLogName(found).older()
+
+    def describe(self):
+        return f"KLogNames of length {len(list(self))}, newest first"
+
+    def parts(self):
+        for name in self:
+            yield f"[{name.key()}]", name.text()
+
+
 class Names:
     """What a log calls the numbers in its records."""
 
@@ -308,19 +346,19 @@ class Names:
         self.events = Names.read(events)
         self.ids = Names.read(ids)
         self.states = Names.read(states)
-        self.objects = Names.read(objects)
+        self.objects = Names.read(objects, number=int)
         self.threads = Names.read(threads)
 
     @staticmethod
-    def read(pairs):
-        """The names by number, as far as they go: the map may have been left in mid-change."""
-        names = {}
+    def read(names, number=signed):
+        """The names by number, as far as they can be read."""
+        texts = {}
         try:
-            for number, name in pairs:
-                names[int(number)] = StdString(name).narrow()
+            for name in names:
+                texts[number(name.key())] = name.text()
         except FAILURES:
             pass
-        return names
+        return texts
 
     @staticmethod
     def of_module():
@@ -429,11 +467,11 @@ class KLogger(Container):
 
     @functools.cached_property
     def names(self):
-        return Names(events=StdMap(self.value["eventNames"]).pairs(),
-                     ids=StdMap(self.value["idNames"]).pairs(),
-                     states=StdMap(self.value["stateNames"]).pairs(),
-                     objects=StdMap(self.value["objectNames"]).pairs(),
-                     threads=StdMap(self.value["threadNames"]).pairs())
+        return Names(events=KLogNames(self.value["eventNames"]),
+                     ids=KLogNames(self.value["idNames"]),
+                     states=KLogNames(self.value["stateNames"]),
+                     objects=KLogNames(self.value["objectNames"]),
+                     threads=KLogNames(self.value["threadNames"]))
 
     def capacity(self):
         capacity = int(self.value["capacity"])
@@ -593,8 +631,8 @@ the header is that of this machine's time zone."""
 def register():
     """Makes the printers known, in place of those of an earlier `source`."""
     printers = gdb.printing.RegexpCollectionPrettyPrinter("varek")
-    for printer in (MString, MTypedPtrArray, MError, MException, MThreadSafeFifo, KLogRecord,
-                    KLogger, MXmlElementRecord, MXmlMarkup):
+    for printer in (MString, MTypedPtrArray, MError, MException, MThreadSafeFifo, KLogNames,
+                    KLogRecord, KLogger, MXmlElementRecord, MXmlMarkup):
         printers.add_printer(printer.__name__, f"^{printer.pattern}$", printer)
     gdb.printing.register_pretty_printer(gdb.current_objfile(), printers, replace=True)
 

@@ -16,5 +16,6 @@ enum FlowEvent {
     FlowEventReturnError = 10,
     FlowEventWarning = 11,
     FlowEventMessageSend = 12,
-    FlowEventMessageReceive = 13
+    FlowEventMessageReceive = 13,
+    FlowEventEnd ///< the first index that is none
 };

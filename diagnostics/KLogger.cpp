@@ -1,5 +1,10 @@
 #include "diagnostics/KLogger.h"
 
+#include "diagnostics/RecorderDescription.h"
+
+#include <cstring>
+#include <ctime>
+
 #include <windows.h>
 
 namespace
@@ -56,8 +61,10 @@ KLogger* moduleLogger = nullptr;
 
 KLogger* KLogger::GetModuleLogger()
 {
-    if (!moduleLogger)
+    if (!moduleLogger) {
         moduleLogger = new KLogger;
+        description.core = moduleLogger;
+    }
     return moduleLogger;
 }
 
@@ -68,11 +75,14 @@ KLogger::KLogger()
         lock->Initialise();
 
     for (const EventKind& event : eventKinds)
-        eventNames.emplace(event.kind, event.name);
+        eventNames.Insert(static_cast<std::uint32_t>(event.kind), event.name,
+                          std::strlen(event.name));
 
     counterFrequency = ReadCounterFrequency();
     startCounter = ReadCounter();
     _ftime64(&startWallClock);
+    if (_ctime64_s(startDate, sizeof startDate, &startWallClock.time) != 0)
+        *startDate = '\0';
 
     capacity = ringCapacity;
     writeIndex = 0xFFFFFFFF;
@@ -80,29 +90,25 @@ KLogger::KLogger()
     records = new KLogRecord[capacity]();
 }
 
-// The lock is not released when the insertion throws: a map that ran out of memory in mid-change
-// is closed to everybody rather than read. A name that is there already takes no memory.
-template <class Map>
-void KLogger::Insert(Map& names, KLogLock& lock, typename Map::key_type key,
-                     const std::string& name)
+// The lock is not released when the insertion throws: a map that ran out of memory is closed to
+// further names. A name that is there already takes no memory.
+void KLogger::Insert(KLogNames& names, KLogLock& lock, std::uint64_t key, const std::string& name)
 {
     lock.Enter();
-    const typename Map::iterator place = names.lower_bound(key);
-    if (place == names.end() || place->first != key)
-        names.emplace_hint(place, key, name);
+    names.Insert(key, name.data(), name.size());
     lock.Leave();
 }
 
 void KLogger::SetIdName(std::uint32_t id, const std::string& name)
 {
     if (this != nullptr)
-        Insert(idNames, idNamesLock, static_cast<std::int32_t>(id), name);
+        Insert(idNames, idNamesLock, id, name);
 }
 
 void KLogger::SetMessageName(std::uint32_t id, const std::string& name)
 {
     if (this != nullptr)
-        Insert(stateNames, stateNamesLock, static_cast<std::int32_t>(id), name);
+        Insert(stateNames, stateNamesLock, id, name);
 }
 
 void KLogger::SetClassStateName(std::uint32_t classId, std::uint32_t state, const std::string& name)
@@ -120,16 +126,15 @@ void KLogger::SetObjectName(const void* object, const std::string& name)
 void KLogger::SetThreadName(const std::string& name)
 {
     if (this != nullptr)
-        Insert(threadNames, threadNamesLock, static_cast<std::int32_t>(GetCurrentThreadId()), name);
+        Insert(threadNames, threadNamesLock, GetCurrentThreadId(), name);
 }
 
-template <class Map>
-void KLogger::Copy(Map& from, KLogLock& fromLock, Map& to, KLogLock& toLock)
+void KLogger::Copy(KLogNames& from, KLogLock& fromLock, KLogNames& to, KLogLock& toLock)
 {
     fromLock.Enter();
     toLock.Enter();
-    for (const typename Map::value_type& entry : from)
-        to.insert(entry);
+    for (const KLogNames::Name* name = from.GetNewest(); name; name = name->older)
+        to.Insert(name->key, name->GetText(), name->length);
     toLock.Leave();
     fromLock.Leave();
 }
@@ -142,9 +147,4 @@ void KLogger::CopyNamesTo(KLogger& other)
     Copy(idNames, idNamesLock, other.idNames, other.idNamesLock);
     Copy(stateNames, stateNamesLock, other.stateNames, other.stateNamesLock);
     Copy(objectNames, objectNamesLock, other.objectNames, other.objectNamesLock);
-}
-
-std::int32_t KLogger::StateKey(std::uint32_t classId, std::uint32_t state)
-{
-    return static_cast<std::int32_t>(classId * 100 + state);
 }

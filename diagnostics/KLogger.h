@@ -1,16 +1,20 @@
 #pragma once
 
 #include "diagnostics/KLogLock.h"
+#include "diagnostics/KLogNames.h"
 #include "diagnostics/KLogRecord.h"
 
 #include <atomic>
 #include <cstdint>
 #include <iosfwd>
-#include <map>
 #include <string>
 
 #include <sys/timeb.h>
 #include <windows.h>
+
+class KDumpFile;
+struct RecorderDescription;
+class TextSink;
 
 /// The log core: a ring of the latest 131,072 events and the names that make them readable.
 ///
@@ -21,11 +25,14 @@
 /// Names can be given and never changed: the first name of a key wins for good. Text is narrow.
 ///
 /// Threads: everything may be called from any thread at any time, dumps beside writers included; a
-/// dump reads the ring as it stands and may show a line that mixes two events. `AddRecord`, the
-/// naming operations and `WriteDump` accept a null `this` and then do nothing.
+/// dump reads the ring as it stands and may show a line that mixes two events. Dumps and lookups
+/// take no lock, allocate nothing and wait for nobody. `AddRecord`, the naming operations and
+/// `WriteDump` accept a null `this` and then do nothing.
 ///
 /// Failure: naming allocates, so std::bad_alloc can leave it; the lock of that one map then stays
 /// held, and the next naming in the same map blocks.
+///
+/// Its memory is described by `RecorderDescription`, for those who read it out of a dump.
 class KLogger
 {
 public:
@@ -61,6 +68,25 @@ public:
     /// copy to one another at the same moment.
     void CopyNamesTo(KLogger& other);
 
+    /// @{
+    /// The name of a number, null when it has none. Valid as long as the core.
+    const KLogNames::Name* FindEventName(std::int32_t kind) const
+    {
+        return eventNames.Find(static_cast<std::uint32_t>(kind));
+    }
+    const KLogNames::Name* FindThreadName(std::uint32_t id) const { return threadNames.Find(id); }
+    const KLogNames::Name* FindIdName(std::uint32_t id) const { return idNames.Find(id); }
+    const KLogNames::Name* FindMessageName(std::uint32_t id) const { return stateNames.Find(id); }
+    const KLogNames::Name* FindClassStateName(std::uint32_t classId, std::uint32_t state) const
+    {
+        return stateNames.Find(StateKey(classId, state));
+    }
+    const KLogNames::Name* FindObjectName(std::uint64_t address) const
+    {
+        return objectNames.Find(address);
+    }
+    /// @}
+
     /// Puts the text of one slot into `result`: two lines without a final line end. Empty for a
     /// slot never written, "*OUT OF BOUNDS*" for an `index` beyond the ring. Times count from the
     /// record in slot `referenceIndex`.
@@ -71,37 +97,29 @@ public:
     void WriteDump(std::ostream& out);
 
     /// Writes a dump to "C:\Temp\DebugDump.log", replacing the last one. False when the file
-    /// cannot be opened; nothing creates the directory.
+    /// cannot be opened, which nothing makes the folder for, or a machine fault ended the dump.
     bool WriteDumpFile();
 
+    /// Writes a dump to a file that is open. False when a machine fault ended it.
+    bool WriteTo(KDumpFile& file) const;
+
 private:
+    friend class KLogText;
+
     static const std::uint32_t ringCapacity = 0x20000;
 
-    typedef std::map<std::int32_t, std::string> Names;
-    typedef std::map<std::uint64_t, std::string> ObjectNames;
-
-    template <class Map>
-    static void Insert(Map& names, KLogLock& lock, typename Map::key_type key,
+    static void Insert(KLogNames& names, KLogLock& lock, std::uint64_t key,
                        const std::string& name);
-    template <class Map>
-    static void Copy(Map& from, KLogLock& fromLock, Map& to, KLogLock& toLock);
-    template <class Map>
-    static bool Find(const Map& names, KLogLock& lock, typename Map::key_type key,
-                     std::string& name);
-    template <class Map>
-    static std::string NameOr(const std::string& absent, const Map& names, KLogLock& lock,
-                              typename Map::key_type key);
-
-    static std::int32_t StateKey(std::uint32_t classId, std::uint32_t state);
+    static void Copy(KLogNames& from, KLogLock& fromLock, KLogNames& to, KLogLock& toLock);
+    static std::uint32_t StateKey(std::uint32_t classId, std::uint32_t state)
+    {
+        return classId * 100 + state;
+    }
 
     std::uint32_t FindOldest() const;
-    std::string ComposeHeader(std::uint32_t oldest) const;
-    std::string ElapsedText(std::int64_t ticks) const;
-    void ComposeNames(std::ostream& text, const KLogRecord& record);
-    void ComposeParameters(std::ostream& text, const KLogRecord& record);
-    void ComposePoint(std::ostream& text, const KLogRecord& record);
-    void ComposeNumbers(std::ostream& text, const KLogRecord& record,
-                        const KLogRecord& reference) const;
+    void WriteText(TextSink& sink) const;
+
+    static RecorderDescription description; // of this module's core
 
     KLogRecord* records;
     std::int64_t counterFrequency;
@@ -110,17 +128,18 @@ private:
     std::uint32_t capacity;
     std::atomic<std::uint32_t> writeIndex; // running number of the last claimed slot
     bool enabled;                          // for debuggers to see; it gates nothing
-    Names eventNames;                      // constant after construction, read without its lock
-    Names threadNames;
-    Names idNames;
-    Names stateNames;
-    ObjectNames objectNames;
+    KLogNames eventNames;                  // constant after construction
+    KLogNames threadNames;
+    KLogNames idNames;
+    KLogNames stateNames;
+    KLogNames objectNames;
     KLogLock eventNamesLock;
     KLogLock threadNamesLock;
     KLogLock idNamesLock;
     KLogLock stateNamesLock;
     KLogLock objectNamesLock;
     KLogLock spareLock;
+    char startDate[26]; // `startWallClock` as text with a line end; empty if it could not be told
 };
 
 // Inline, because a record costs little more than passing its values on would. The capacity is the

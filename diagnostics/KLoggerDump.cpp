@@ -1,33 +1,17 @@
-// The text form of the ring.
+// The ring as text, to whoever wants it.
 
+#include "diagnostics/KDumpFile.h"
 #include "diagnostics/KLogger.h"
+#include "diagnostics/KLogText.h"
+#include "diagnostics/StructuredGuard.h"
 
-#include <cstdio>
 #include <cstring>
-#include <ctime>
-#include <fstream>
-#include <iomanip>
-#include <locale>
-#include <sstream>
+#include <ostream>
 
 namespace
 {
 
-const char dumpPath[] = "C:\\Temp\\DebugDump.log";
-
-const std::int32_t rootError = -105;
-const std::int32_t warning = -101;
-const std::int32_t stateChange = -25;
-const std::int32_t messageSend = -21;
-const std::int32_t timingPoint = 0;
-
-const char unknownId[] = "(unknown)"; // stands alone, so it brings its brackets
-const char unknown[] = "unknown";     // stands inside brackets
-
-std::int32_t Signed(std::uint32_t value)
-{
-    return static_cast<std::int32_t>(value);
-}
+const wchar_t dumpPath[] = L"C:\\Temp\\DebugDump.log";
 
 bool IsUnwritten(const KLogRecord& record)
 {
@@ -35,124 +19,43 @@ bool IsUnwritten(const KLogRecord& record)
     return std::memcmp(&record, &zero, sizeof record) == 0;
 }
 
-void ComposePointer(std::ostream& text, std::uint64_t address)
+class StringSink : public TextSink
 {
-    char digits[17];
-    std::snprintf(digits, sizeof digits, "%016llX", static_cast<unsigned long long>(address));
-    text << digits;
-}
+public:
+    explicit StringSink(std::string& target) : target(target) {}
+    void Write(const char* text, std::size_t length) override { target.append(text, length); }
+
+private:
+    std::string& target;
+};
+
+class StreamSink : public TextSink
+{
+public:
+    explicit StreamSink(std::ostream& target) : target(target) {}
+    void Write(const char* text, std::size_t length) override
+    {
+        target.write(text, static_cast<std::streamsize>(length));
+    }
+    void Flush() override { target.flush(); }
+
+private:
+    std::ostream& target;
+};
 
 } // namespace
 
-template <class Map>
-bool KLogger::Find(const Map& names, KLogLock& lock, typename Map::key_type key, std::string& name)
-{
-    lock.Enter();
-    const typename Map::const_iterator entry = names.find(key);
-    const bool found = entry != names.end();
-    if (found)
-        name = entry->second;
-    lock.Leave();
-    return found;
-}
-
-template <class Map>
-std::string KLogger::NameOr(const std::string& absent, const Map& names, KLogLock& lock,
-                            typename Map::key_type key)
-{
-    std::string name;
-    return Find(names, lock, key, name) ? name : absent;
-}
-
-// Whole seconds are rounded down and the digits right of the point always count upward, so a
-// quarter of a second before the reference reads -1.750000.
-std::string KLogger::ElapsedText(std::int64_t ticks) const
-{
-    std::int64_t seconds = ticks / counterFrequency;
-    std::int64_t micro = ticks % counterFrequency * 1000000 / counterFrequency;
-    if (micro < 0) {
-        --seconds;
-        micro += 1000000;
-    }
-    char text[100];
-    _snprintf_s(text, sizeof text, _TRUNCATE, "%I64d.%06I64d", seconds, micro);
-    return text;
-}
-
 void KLogger::FormatRecord(std::string& result, std::uint32_t index, std::uint32_t referenceIndex)
 {
+    result.clear();
     if (index >= capacity) {
         result = "*OUT OF BOUNDS*";
         return;
     }
     const KLogRecord record = records[index];
-    if (IsUnwritten(record)) {
-        result.clear();
-        return;
-    }
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    ComposeNames(text, record);
-    ComposeNumbers(text, record, records[referenceIndex]);
-    result = text.str();
-}
-
-void KLogger::ComposeNames(std::ostream& text, const KLogRecord& record)
-{
-    const Names::const_iterator event = eventNames.find(record.kind);
-    text << "% " << (event == eventNames.end() ? "unknown event" : event->second);
-    ComposeParameters(text, record);
-    text << " in_class " << NameOr(unknownId, idNames, idNamesLock, Signed(record.classId));
-    ComposePoint(text, record);
-
-    text << " for_object ";
-    ComposePointer(text, record.object);
-    text << " (" << NameOr(unknown, objectNames, objectNamesLock, record.object) << ")";
-
-    if (record.threadId != 0) {
-        const std::int32_t threadId = Signed(record.threadId);
-        text << " in_thread " << threadId << " ("
-             << NameOr(unknown, threadNames, threadNamesLock, threadId) << ")";
-    }
-}
-
-void KLogger::ComposeParameters(std::ostream& text, const KLogRecord& record)
-{
-    const std::int32_t param1 = Signed(record.param1);
-    const std::string number = std::to_string(param1);
-
-    if (record.kind >= rootError && record.kind <= warning)
-        text << " " << NameOr(unknownId, idNames, idNamesLock, param1);
-    else if (record.kind == stateChange)
-        text << " to "
-             << NameOr("state_" + number, stateNames, stateNamesLock,
-                       StateKey(record.classId, record.param1));
-    else if (record.kind == messageSend)
-        text << " " << NameOr(number, stateNames, stateNamesLock, param1);
-    else if (record.kind == timingPoint)
-        text << " (" << number << ", " << Signed(record.param2) << ")";
-}
-
-void KLogger::ComposePoint(std::ostream& text, const KLogRecord& record)
-{
-    const std::int32_t pointId = Signed(record.pointId);
-    std::string name;
-
-    if (Find(idNames, idNamesLock, pointId, name))
-        text << " at " << name;
-    else if (record.kind == timingPoint)
-        text << " at_point " << pointId;
-    else
-        text << " at " << unknownId;
-}
-
-void KLogger::ComposeNumbers(std::ostream& text, const KLogRecord& record,
-                             const KLogRecord& reference) const
-{
-    text << "\n    " << ElapsedText(record.time - reference.time) << ", " << record.kind << ", "
-         << Signed(record.param1) << ", " << Signed(record.param2) << ", " << Signed(record.classId)
-         << ", " << Signed(record.pointId) << ", " << static_cast<std::int64_t>(record.object)
-         << ", " << Signed(record.threadId);
+    StringSink sink(result);
+    if (!IsUnwritten(record))
+        KLogText(*this, sink).WriteRecord(record, records[referenceIndex].time);
 }
 
 std::uint32_t KLogger::FindOldest() const
@@ -161,19 +64,21 @@ std::uint32_t KLogger::FindOldest() const
     return IsUnwritten(records[next]) ? 0 : next;
 }
 
-std::string KLogger::ComposeHeader(std::uint32_t oldest) const
+// The slot of the oldest record can be taken by a writer meanwhile, so its time is read once.
+void KLogger::WriteText(TextSink& sink) const
 {
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    text << "%% Reference time: " << ElapsedText(startCounter - records[oldest].time);
-
-    char date[26]; // ends with a line end of its own
-    if (_ctime64_s(date, sizeof date, &startWallClock.time) == 0)
-        text << " is approximately " << startWallClock.millitm << "ms past " << date;
-    else
-        text << " is wrong.\n";
-    text << "%%\n";
-    return text.str();
+    const std::uint32_t oldest = FindOldest();
+    const std::int64_t reference = records[oldest].time;
+    KLogText text(*this, sink);
+    text.WriteHeader(reference);
+    for (std::uint32_t i = 0; i < capacity; ++i) {
+        const KLogRecord record = records[(oldest + i) % capacity];
+        if (IsUnwritten(record))
+            continue;
+        text.WriteRecord(record, reference);
+        sink.Write("\n", 1);
+        sink.Flush();
+    }
 }
 
 void KLogger::WriteDump(std::ostream& out)
@@ -181,16 +86,8 @@ void KLogger::WriteDump(std::ostream& out)
     if (this == nullptr)
         return;
     try {
-        const std::uint32_t oldest = FindOldest();
-        out << ComposeHeader(oldest);
-
-        std::string text;
-        for (std::uint32_t i = capacity; i > 0; --i) {
-            const std::uint32_t slot = i > oldest ? capacity - i + oldest : oldest - i;
-            FormatRecord(text, slot, oldest);
-            if (!text.empty())
-                out << text << std::endl;
-        }
+        StreamSink sink(out);
+        WriteText(sink);
     } catch (...) {
         // A dump is taken when things are already wrong; it tells what it can.
     }
@@ -198,9 +95,22 @@ void KLogger::WriteDump(std::ostream& out)
 
 bool KLogger::WriteDumpFile()
 {
-    std::ofstream file(dumpPath);
-    if (!file)
-        return false;
-    WriteDump(file);
-    return true;
+    KDumpFile file(dumpPath, KDumpFile::Existing::Replaced);
+    return file.IsOpen() && WriteTo(file);
+}
+
+// Nothing in the guarded body raises, allocates or owns anything, so a fault just ends it: the
+// file outside has what was written until then.
+bool KLogger::WriteTo(KDumpFile& file) const
+{
+    struct Dump {
+        const KLogger* core;
+        KDumpFile* file;
+    } dump = {this, &file};
+    const GuardedBody write = [](void* context) {
+        const Dump& guarded = *static_cast<const Dump*>(context);
+        guarded.core->WriteText(*guarded.file);
+    };
+    const GuardFilter acceptAll = [](void*, _EXCEPTION_POINTERS*) -> long { return GuardAccept; };
+    return RunGuarded(write, acceptAll, &dump);
 }

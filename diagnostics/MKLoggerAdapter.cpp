@@ -1,7 +1,9 @@
 #include "diagnostics/MKLoggerAdapter.h"
 
+#include "diagnostics/FlowEvent.h"
 #include "diagnostics/KLogger.h"
-#include "diagnostics/StructuredGuard.h"
+
+#include <string>
 
 namespace
 {
@@ -11,6 +13,7 @@ const std::int32_t moduleRemoved = -201;
 
 // The core event kinds, in the order of `FlowEvent`.
 const std::int32_t kinds[] = {0, -105, -104, -103, -14, -13, -25, -7, -8, 0, -102, -101, -21, -20};
+static_assert(sizeof kinds / sizeof *kinds == FlowEventEnd, "each flow event has its kind");
 
 MKLoggerAdapter* instance = nullptr;
 
@@ -55,8 +58,8 @@ void MKLoggerAdapter::LogEvent(std::uint32_t eventIndex, std::uint32_t param1, s
 {
     const std::int32_t kind = kinds[eventIndex];
     core->AddRecord(kind, param1, param2, classId, pointId, object);
-    if (attachedCore)
-        attachedCore->AddRecord(kind, param1, param2, classId, pointId, object);
+    if (KLogger* const attached = Attached())
+        attached->AddRecord(kind, param1, param2, classId, pointId, object);
 }
 
 void MKLoggerAdapter::DumpToStream(std::ostream& out)
@@ -66,41 +69,30 @@ void MKLoggerAdapter::DumpToStream(std::ostream& out)
 
 bool MKLoggerAdapter::DumpToFile()
 {
-    struct Dump {
-        KLogger* core;
-        bool written;
-    } dump = {core, false};
-
-    const GuardedBody write = [](void* context) {
-        Dump& guarded = *static_cast<Dump*>(context);
-        guarded.written = guarded.core->WriteDumpFile();
-    };
-    const GuardFilter acceptAll = [](void*, _EXCEPTION_POINTERS*) -> long { return GuardAccept; };
-
-    return RunGuarded(write, acceptAll, &dump) && dump.written;
+    return core->WriteDumpFile();
 }
 
 void MKLoggerAdapter::AttachLogger(MFlowLoggerImplementation* other)
 {
     if (MKLoggerAdapter* const adapter = dynamic_cast<MKLoggerAdapter*>(other))
         Attach(adapter->core);
-    else if (attachedCore)
+    else if (Attached())
         Detach();
 }
 
 void MKLoggerAdapter::Attach(KLogger* other)
 {
     RecordModule(core, moduleAdded, other);
-    attachedCore = other;
+    attachedCore.store(other, std::memory_order_relaxed);
     RecordModule(other, moduleAdded, core);
     core->CopyNamesTo(*other);
 }
 
 void MKLoggerAdapter::Detach()
 {
-    KLogger* const other = attachedCore;
+    KLogger* const other = Attached();
     RecordModule(core, moduleRemoved, other);
-    attachedCore = nullptr;
+    attachedCore.store(nullptr, std::memory_order_relaxed);
     RecordModule(other, moduleRemoved, core);
 }
 
@@ -113,8 +105,8 @@ void MKLoggerAdapter::RegisterIdName(std::uint32_t id, const wchar_t* name)
 {
     const std::string narrow = Narrow(name);
     core->SetIdName(id, narrow);
-    if (attachedCore)
-        attachedCore->SetIdName(id, narrow);
+    if (KLogger* const attached = Attached())
+        attached->SetIdName(id, narrow);
 }
 
 void MKLoggerAdapter::RegisterClassName(std::uint32_t classId, const wchar_t* name)
@@ -137,16 +129,16 @@ void MKLoggerAdapter::RegisterObjectName(const void* object, const wchar_t* name
 {
     const std::string narrow = Narrow(name);
     core->SetObjectName(object, narrow);
-    if (attachedCore)
-        attachedCore->SetObjectName(object, narrow);
+    if (KLogger* const attached = Attached())
+        attached->SetObjectName(object, narrow);
 }
 
 void MKLoggerAdapter::RegisterThreadName(const wchar_t* name)
 {
     const std::string narrow = Narrow(name);
     core->SetThreadName(narrow);
-    if (attachedCore)
-        attachedCore->SetThreadName(narrow);
+    if (KLogger* const attached = Attached())
+        attached->SetThreadName(narrow);
 }
 
 void MKLoggerAdapter::RegisterStateName(std::uint32_t classId, std::uint32_t state,
@@ -154,14 +146,14 @@ void MKLoggerAdapter::RegisterStateName(std::uint32_t classId, std::uint32_t sta
 {
     const std::string narrow = Narrow(name);
     core->SetClassStateName(classId, state, narrow);
-    if (attachedCore)
-        attachedCore->SetClassStateName(classId, state, narrow);
+    if (KLogger* const attached = Attached())
+        attached->SetClassStateName(classId, state, narrow);
 }
 
 void MKLoggerAdapter::RegisterMessageName(std::uint32_t messageId, const wchar_t* name)
 {
     const std::string narrow = Narrow(name);
     core->SetMessageName(messageId, narrow);
-    if (attachedCore)
-        attachedCore->SetMessageName(messageId, narrow);
+    if (KLogger* const attached = Attached())
+        attached->SetMessageName(messageId, narrow);
 }

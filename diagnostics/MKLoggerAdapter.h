@@ -3,7 +3,7 @@
 #include "diagnostics/MDiagnosticsRegistryImplementation.h"
 #include "diagnostics/MFlowLoggerImplementation.h"
 
-#include <string>
+#include <atomic>
 
 class KLogger;
 
@@ -54,6 +54,8 @@ private:
     void Detach();
     void RegisterIdName(std::uint32_t id, const wchar_t* name);
 
+    KLogger* Attached() const { return attachedCore.load(std::memory_order_relaxed); }
+
     KLogger* core;
-    KLogger* attachedCore;
+    std::atomic<KLogger*> attachedCore; // null until another logger is attached
 };

@@ -26,6 +26,7 @@ OBJECTS = {
     "MException": "subject.exception",
     "MThreadSafeFifo<*>": "subject.commands",
     "KLogRecord": "subject.log.records[0]",
+    "KLogNames": "subject.log.idNames",
     "KLogger": "subject.log",
     "MXmlElementRecord": "(*(MXmlElementRecord***)&subject.document.records.segments)[0][1]",
     "MXmlMarkup": "subject.document",
@@ -132,6 +133,8 @@ class Printers(unittest.TestCase):
         self.expect(
             emptyLog="KLogger with 0 of 131072 records, newest first",
             log=f"KLogger with 6 of 131072 records, newest first = {{{records}}}")
+        self.assertEqual('KLogNames of length 3, newest first = '
+                         '{[3] = RunsDry, [2] = Drain, [1] = Pump}', printed("subject.log.idNames"))
         self.assertIn("Message_send 5 in_class (unknown) at ", printed("subject.log.records[2]"))
         self.assertEqual("KLogRecord never written", printed("subject.log.records[6]"))
         newest = command("print -elements 2 -- subject.wrappedLog")
@@ -265,7 +268,7 @@ def expressions(node):
 class NatvisObject:
     """An object on which expressions of the natvis are evaluated, as the other debugger would."""
 
-    KEYWORDS = {"double", "int", "unsigned", "void", "MXmlElementRecord"}
+    KEYWORDS = {"char", "double", "int", "unsigned", "void", "KLogNames", "Name", "MXmlElementRecord"}
 
     def __init__(self, expression):
         self.expression = expression

@@ -10,8 +10,8 @@
 // The test executables bring their own `operator new`: it counts the blocks that are out, and can
 // be told to fail.
 
-/// Heap blocks out in the whole process, but for what is kept for good by design: the names of the
-/// module's flight recorder, and the ring of any log core. Not while other threads register names.
+/// Heap blocks out in the whole process, but for what log cores keep for good by design: rings, and
+/// the memory of names.
 std::int64_t CountBlocks();
 
 enum class AllocationFailure {
