@@ -33,7 +33,9 @@ class TimeScale {
         this.to = this.from + span;
     }
 
-    move(time) {
+    // By parts of what is in view.
+    move(part) {
+        const time = part * this.span;
         this.show(this.from + time, this.to + time);
     }
 
@@ -49,17 +51,13 @@ class TimeScale {
         const least = this.span * pixelsApart / this.width;
         const decade = 10 ** Math.floor(Math.log10(least));
         const step = Math.max(1, [1, 2, 5, 10].find((digit) => digit * decade >= least) * decade);
-        const [unit, name] = this.last < 1e6 ? [1000, "ms"] : [1e6, "s"];
-        const digits = Math.max(0, Math.ceil(Math.log10(unit / step)));
+        const digits = Math.max(0, Math.ceil(Math.log10(1e6 / step)));
         for (let time = Math.ceil(this.from / step) * step; time <= this.to; time += step)
-            yield { time, label: `${(time / unit).toFixed(digits)} ${name}` };
+            yield { time, label: `${(time / 1e6).toFixed(digits)} s` };
     }
 
-    static duration(microseconds) {
-        if (microseconds < 1000)
-            return `${microseconds} µs`;
-        if (microseconds < 1e6)
-            return `${microseconds / 1000} ms`;
-        return `${microseconds / 1e6} s`;
+    // All times are told in the unit of the dump and of the command line.
+    static seconds(microseconds) {
+        return `${(microseconds / 1e6).toFixed(6)} s`;
     }
 }

@@ -2,19 +2,19 @@
 class Overview {
     static errorHeight = 8;
 
-    constructor(trace, scale) {
+    constructor(trace, scale, palette) {
         this.trace = trace;
         this.scale = scale;
+        this.palette = palette;
         this.counts = [];
         this.errorColumns = new Set();
     }
 
     draw() {
-        const colours = themeColours();
         const { pen, width, height } = beginDrawing("overview");
-        this.#drawCrowd(pen, colours, width, height);
-        this.#drawErrors(pen, colours);
-        this.#drawView(pen, colours, width, height);
+        this.#drawCrowd(pen, width, height);
+        this.#drawErrors(pen);
+        this.#drawView(pen, width, height);
     }
 
     timeAt(x, width) {
@@ -27,10 +27,10 @@ class Overview {
         return (time - first) / (last - first) * width;
     }
 
-    #drawCrowd(pen, colours, width, height) {
+    #drawCrowd(pen, width, height) {
         const counts = this.#countColumns(width);
         const most = Math.log1p(Math.max(...counts));
-        pen.fillStyle = colours.mark;
+        pen.fillStyle = this.palette.mark;
         counts.forEach((count, column) => {
             const rise = Math.log1p(count) / most * (height - Overview.errorHeight - 4);
             pen.fillRect(column, height - rise, 1, rise);
@@ -48,19 +48,19 @@ class Overview {
         return this.counts;
     }
 
-    #drawErrors(pen, colours) {
-        pen.fillStyle = colours.error;
+    #drawErrors(pen) {
+        pen.fillStyle = this.palette.error;
         for (const column of this.errorColumns)
             pen.fillRect(column - 1, 0, 2, Overview.errorHeight);
     }
 
-    #drawView(pen, colours, width, height) {
+    #drawView(pen, width, height) {
         const left = this.#x(this.scale.from, width);
         const right = this.#x(this.scale.to, width);
-        pen.fillStyle = colours.shade;
+        pen.fillStyle = this.palette.shade;
         pen.fillRect(0, 0, left, height);
         pen.fillRect(right, 0, width, height);
-        pen.strokeStyle = colours.accent;
+        pen.strokeStyle = this.palette.accent;
         pen.strokeRect(left + 0.5, 0.5, Math.max(1, right - left - 1), height - 1);
     }
 }

@@ -1,0 +1,53 @@
+// A scope, or a single event. Events stand in the row of the scope around them.
+class Entry {
+    constructor({ name, cat, ts, dur = 0, args }, lane) {
+        this.name = name;
+        this.cat = cat;
+        this.begin = ts;
+        this.end = ts + dur;
+        this.args = args;
+        this.lane = lane;
+        this.depth = cat === "scope" ? args.depth : Math.max(0, args.depth - 1);
+        this.around = args.depth > 0 ? lane.open[args.depth - 1] ?? null : null;
+    }
+
+    get isScope() {
+        return this.cat === "scope";
+    }
+
+    get isError() {
+        return this.cat === "error";
+    }
+
+    // Errors know each other when one of them dismisses the other.
+    get isDismissed() {
+        return Boolean(this.dismissal ?? this.root);
+    }
+}
+
+// A state of an object, from the change to it until the next; one row shows all of an object.
+class Band {
+    isScope = true;
+    isError = false;
+    around = null;
+
+    constructor(change, lane, depth, end) {
+        this.change = change;
+        this.lane = lane;
+        this.depth = depth;
+        this.end = end;
+    }
+
+    get name() {
+        const { object, objectName, state } = this.change.args;
+        return `${objectName ?? object}: ${state}`;
+    }
+
+    get begin() {
+        return this.change.begin;
+    }
+
+    get args() {
+        return this.change.args;
+    }
+}

@@ -1,0 +1,106 @@
+// What happened, as trace events tell it: a lane for each thread, the states of objects, errors, flows.
+class Trace {
+    constructor({ otherData, traceEvents }) {
+        this.about = otherData;
+        this.begin = otherData.begin;
+        this.end = otherData.end;
+        this.threads = [];
+        this.entries = [];
+        this.flows = new Flows();
+        for (const event of traceEvents)
+            this.#add(event);
+        this.objects = this.#layOutStates();
+        this.lanes = this.objects.rows.length > 0 ? [...this.threads, this.objects] : this.threads;
+        this.#sortErrors();
+        this.flows.bind(this.threads);
+    }
+
+    #add(event) {
+        switch (event.ph) {
+        case "M":
+            this.threads.push(new Lane(event.args.name, event.tid));
+            break;
+        case "s":
+        case "f":
+            this.flows.add(event);
+            break;
+        default:
+            this.#addEntry(event, this.threads.at(-1));
+        }
+    }
+
+    #addEntry(event, lane) {
+        const entry = new Entry(event, lane);
+        if (entry.isScope)
+            lane.open[entry.depth] = entry;
+        this.entries.push(entry);
+        lane.add(entry);
+    }
+
+    #layOutStates() {
+        const lane = new Lane("States of objects", null);
+        const rows = new Map();
+        const changes = this.entries.filter(({ cat }) => cat === "state");
+        for (const change of changes.sort((one, other) => one.begin - other.begin)) {
+            const { object } = change.args;
+            if (!rows.has(object))
+                rows.set(object, { depth: rows.size, bands: lane.addRow().scopes });
+            const { depth, bands } = rows.get(object);
+            if (bands.length > 0)
+                bands.at(-1).end = change.begin;
+            bands.push(new Band(change, lane, depth, this.end));
+        }
+        return lane;
+    }
+
+    // A dismissed error stands with what dismissed it.
+    #sortErrors() {
+        this.errors = this.entries.filter((entry) => entry.isError);
+        this.errors.sort((one, other) => one.begin - other.begin);
+        const raised = new Map();
+        for (const error of this.errors) {
+            if (error.args.dismissed !== undefined)
+                raised.set(`${error.lane.id} ${error.begin} ${error.args.dismissed}`, error);
+        }
+        for (const error of this.errors) {
+            const key = `${error.lane.id} ${error.args.dismisses} ${error.begin}`;
+            const root = raised.get(key);
+            if (root) {
+                root.dismissal = error;
+                error.root = root;
+            }
+        }
+    }
+
+    // Entries whose text holds all the words; none for no words.
+    find(text) {
+        const words = text.toLowerCase().split(/\s+/).filter(Boolean);
+        if (words.length === 0)
+            return [];
+        return this.entries.filter(({ name, args, lane }) => {
+            const texts = [name, args.place, args.objectName, args.object, lane.name];
+            const all = texts.filter(Boolean).join(" ").toLowerCase();
+            return words.every((word) => all.includes(word));
+        });
+    }
+
+    // How many records of the dump are here, where a filter may have left some out.
+    countRecords() {
+        const recordsOf = ({ isScope, args }) => (isScope && !args.lostBegin && !args.lostEnd ? 2 : 1);
+        return this.entries.reduce((sum, entry) => sum + recordsOf(entry), 0);
+    }
+
+    // A point of time, as the dump has it.
+    seconds(time) {
+        return TimeScale.seconds(time + this.about.origin);
+    }
+
+    // The local time of the machine that wrote the dump, or null.
+    wallClockAt(time) {
+        const start = Date.parse(this.about.wallClock.replace(" ", "T") + "Z");
+        if (Number.isNaN(start))
+            return null;
+        const moment = new Date(Math.floor(start + (time - this.about.start) / 1000));
+        return moment.toISOString().replace("T", " ").slice(0, -1);
+    }
+}

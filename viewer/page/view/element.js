@@ -1,0 +1,7 @@
+function element(selector) {
+    return document.querySelector(selector);
+}
+
+function make(tag, text = "", properties = {}) {
+    return Object.assign(document.createElement(tag), { textContent: text }, properties);
+}
