@@ -169,6 +169,7 @@ class Timeline {
     #draw() {
         this.frame = null;
         this.painter.draw(this.main.scrollTop);
+        this.heads.clip(this.main.scrollTop);
         this.overview.draw();
         this.flames.draw();
         this.#rememberPlace();

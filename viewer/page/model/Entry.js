@@ -19,9 +19,9 @@ class Entry {
         return this.cat === "error";
     }
 
-    // Errors know each other when one of them dismisses the other.
+    // Whether it is an error that was dismissed, or dismisses one; the two know each other.
     get isDismissed() {
-        return Boolean(this.dismissal ?? this.root);
+        return this.dismissal !== undefined || this.name === "Dismissed_error";
     }
 }
 

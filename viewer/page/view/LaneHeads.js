@@ -14,6 +14,11 @@ class LaneHeads {
         element("main").style.setProperty("--pinned", `${this.lanes.pinnedHeight}px`);
     }
 
+    // Names do not show through the pinned lanes.
+    clip(scrolled) {
+        element("#lanes").style.clipPath = `inset(${scrolled + this.lanes.pinnedHeight}px 0 0)`;
+    }
+
     #placeHead(lane) {
         const head = this.heads.get(lane);
         const [fold, pin, up, down] = head.querySelectorAll("button");
