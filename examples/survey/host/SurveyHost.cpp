@@ -35,6 +35,16 @@ public:
     }
 };
 
+/// A line that names the files that could not be surveyed; nothing if all could.
+std::wstring NotSurveyed(const std::vector<SurveyResult>& results)
+{
+    std::wstring paths;
+    for (const SurveyResult& result : results)
+        if (result.failed)
+            paths += (paths.empty() ? L"" : L", ") + result.path;
+    return paths.empty() ? paths : L"not surveyed: " + paths + L"\n";
+}
+
 } // namespace
 
 SurveyHost::SurveyHost(const Options& options) : options(options), progress(options.paths) {}
@@ -132,7 +142,7 @@ void SurveyHost::Keep(const std::vector<SurveyResult>& results)
     text << L"in all " << totals.files << L" files, " << totals.bytes << L" bytes; last time "
          << last.files << L" files, " << last.bytes << L" bytes; "
          << (saved ? L"report in " : L"no report in ") << path << L"\n";
-    Console::Print(text.str());
+    Console::Print(text.str() + NotSurveyed(results));
 }
 
 /// The host's own log: since the two are joined, the module's events stand in it too.
