@@ -8,6 +8,7 @@ import os
 import re
 import subprocess
 import unittest
+from contextlib import suppress
 from xml.etree import ElementTree
 
 import gdb
@@ -34,9 +35,11 @@ OBJECTS = {
 
 
 def start_server():
-    """A debug server with the subject under Wine, and the port on which it listens."""
+    """A debug server with the subject under Wine, and the port on which it listens. It ends with GDB,
+    however that ends."""
     server = subprocess.Popen(
-        ["cmake/wine-run", os.path.abspath("build/release"), SERVER, "--once", "localhost:0", SUBJECT],
+        ["setpriv", "--pdeathsig", "KILL", "cmake/wine-run", os.path.abspath("build/release"),
+         SERVER, "--once", "localhost:0", SUBJECT],
         stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
     for line in server.stderr:
         if line.startswith("Listening on port"):
@@ -333,8 +336,10 @@ def main():
         run_to_crash(port)
         return unittest.main(argv=["debugger_views"], exit=False).result.wasSuccessful()
     finally:
-        gdb.execute("kill")
-        server.wait(10)
+        with suppress(gdb.error):
+            command("kill")
+        server.kill()
+        server.wait()
 
 
 if main():
