@@ -11,6 +11,12 @@ function(varek_add_module NAME)
         string(REPLACE "." "," numbers ${PROJECT_VERSION}.0.0.0)
         string(REGEX MATCH "^[0-9]+,[0-9]+,[0-9]+,[0-9]+" numbers ${numbers})
         configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/version.rc.in ${NAME}.rc @ONLY)
-        target_sources(${NAME} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${NAME}.rc)
+        # By relative names: the resource compiler passes what it gets to a shell, unquoted.
+        add_custom_command(OUTPUT ${NAME}.version.obj
+            COMMAND ${CMAKE_RC_COMPILER} -O coff ${NAME}.rc ${NAME}.version.obj
+            DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/${NAME}.rc
+            WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}
+            VERBATIM)
+        target_sources(${NAME} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${NAME}.version.obj)
     endif()
 endfunction()
