@@ -66,11 +66,3 @@ bool RunGuarded(GuardedBody body, GuardFilter filter, void* context)
 }
 
 #endif
-
-bool IsCppException(const _EXCEPTION_POINTERS* pointers)
-{
-    const DWORD gnu = 0x20474343;
-    const DWORD microsoft = 0xE06D7363;
-    const DWORD code = pointers->ExceptionRecord->ExceptionCode;
-    return code == gnu || code == microsoft;
-}

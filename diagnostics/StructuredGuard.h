@@ -18,12 +18,9 @@ typedef long (*GuardFilter)(void* context, _EXCEPTION_POINTERS* pointers);
 ///
 /// `filter(context, pointers)` is asked, at the point of the fault and with the stack of the fault
 /// intact, about every exception that nothing inside `body` has handled: machine faults, and also
-/// C++ exceptions on their way out (see `IsCppException`). It answers one of `GuardAnswer`.
+/// C++ exceptions on their way out. It answers one of `GuardAnswer`.
 ///
 /// True when `body` returned, false when the filter accepted. C++ exceptions that the filter does
 /// not accept pass through to the caller. After an accepted fault, destructors of what `body` had
 /// on the stack do not run on every compiler: let it hold nothing that must be released.
 bool RunGuarded(GuardedBody body, GuardFilter filter, void* context);
-
-/// Whether what a filter sees is a C++ exception in flight rather than a fault.
-bool IsCppException(const _EXCEPTION_POINTERS* pointers);

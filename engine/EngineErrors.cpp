@@ -1,8 +1,5 @@
 #include "engine/EngineErrors.h"
 
-#include "diagnostics/MFlowLocation.h"
-#include "foundation/MError.h"
-
 #include <windows.h>
 
 namespace

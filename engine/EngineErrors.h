@@ -1,8 +1,9 @@
 #pragma once
 
-#include <cstdint>
+#include "diagnostics/MFlowLocation.h"
+#include "foundation/MException.h"
 
-class MFlowLocation;
+#include <cstdint>
 
 // How the engine raises its failures. Object and line of `location` are set by the caller:
 //
@@ -18,3 +19,17 @@ class MFlowLocation;
 /// or "Unexpected" with the parameter "status", or "WaitFailed" with "winErrorCode".
 [[noreturn]] void RaiseWaitFailure(MFlowLocation& location, std::uint32_t status,
                                    std::uint32_t handleCount);
+
+/// Calls `call()` and dismisses at `location` what it raises; a failure that is no `MException`,
+/// such as the want of memory to tell one, leaves a mark there.
+template <class Call>
+void DismissFailureOf(Call call, MFlowLocation& location)
+{
+    try {
+        call();
+    } catch (MException& exception) {
+        location.DismissError(exception);
+    } catch (...) {
+        location.LogTimingPoint();
+    }
+}

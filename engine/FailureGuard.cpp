@@ -1,34 +1,41 @@
 #include "engine/FailureGuard.h"
 
-#include "diagnostics/StructuredGuard.h"
 #include "engine/MCallbackFunctor.h"
 
 namespace
 {
 
 struct GuardedRun {
+    void Fail()
+    {
+        if (failed)
+            return;
+        failed = true;
+        RunContained([this] { onFailure.Invoke(); });
+    }
+
     MCallbackFunctor& body;
     MCallbackFunctor& onFailure;
+    bool failed;
 };
 
-// C++ exceptions are caught here, where unwinding is theirs ...
+// The compiler's own exceptions are caught here, where unwinding is theirs ...
 void RunBody(void* context)
 {
     GuardedRun& run = *static_cast<GuardedRun*>(context);
     try {
         run.body.Invoke();
     } catch (...) {
-        run.onFailure.Invoke();
+        run.Fail();
         throw;
     }
 }
 
-// ... and faults here, which `catch (...)` does not see on every compiler. The exception that
-// `RunBody` lets go on passes by as well, its handler already run.
-long ObserveFault(void* context, _EXCEPTION_POINTERS* pointers)
+// ... and here everything that `catch (...)` does not see. What `RunBody` lets go on passes by as
+// well.
+long ObserveFault(void* context, _EXCEPTION_POINTERS*)
 {
-    if (!IsCppException(pointers))
-        static_cast<GuardedRun*>(context)->onFailure.Invoke();
+    static_cast<GuardedRun*>(context)->Fail();
     return GuardContinueSearch;
 }
 
@@ -36,6 +43,11 @@ long ObserveFault(void* context, _EXCEPTION_POINTERS* pointers)
 
 void RunWithFailureHandler(MCallbackFunctor& body, MCallbackFunctor& onFailure)
 {
-    GuardedRun run = {body, onFailure};
+    GuardedRun run = {body, onFailure, false};
     RunGuarded(RunBody, ObserveFault, &run);
+}
+
+long AcceptFault(void*, _EXCEPTION_POINTERS*)
+{
+    return GuardAccept;
 }

@@ -1,16 +1,32 @@
 #include "engine/MCommandProcessor.h"
 
 #include "diagnostics/MDiagnosticsRegistry.h"
-#include "diagnostics/MFlowLocation.h"
 #include "engine/EngineErrors.h"
 #include "engine/FailureGuard.h"
-#include "foundation/MException.h"
 
 #include <utility>
 
 #include <windows.h>
 
 const wchar_t MCommandProcessor::className[] = L"MCommandProcessor";
+
+// Named in the log before there is a thread that could lack the memory for it.
+struct MCommandProcessor::Locations {
+    static Locations& Get()
+    {
+        static Locations locations;
+        return locations;
+    }
+
+    MFlowLocation construction{className, className};
+    MFlowLocation destruction{className, L"~MCommandProcessor"};
+    MFlowLocation executeSynchronously{className, L"ExecuteSynchronously"};
+    MFlowLocation isAborted{className, L"IsAborted"};
+    MFlowLocation threadFunction{className, L"ThreadFunction"};
+    MFlowLocation onFlush{className, L"OnFlush"};
+    MFlowLocation onStop{className, L"OnStop"};
+    MFlowLocation abort{className, L"Abort"};
+};
 
 // The functors are owned before anything can fail.
 MCommandProcessor::MCommandProcessor(IThreadErrorHandler* errorHandler,
@@ -29,27 +45,30 @@ MCommandProcessor::MCommandProcessor(IThreadErrorHandler* errorHandler,
     : MEngineThread(errorHandler), startFunctor(std::move(startFunctor)),
       stopFunctor(std::move(stopFunctor)), idleFunctor(std::move(idleFunctor)),
       idleTimeoutMs(idleTimeoutMs ? idleTimeoutMs : waitForEver),
-      commandQueue(new MThreadSafeFifo<MCommand*, MCommand*>), abortEvent(EventReset::Manual)
+      commandQueue(new MThreadSafeFifo<MCommand*, MCommand*>), abortEvent(EventReset::Manual),
+      aborted(false)
 {
-    static MFlowLocation location(className, className);
+    MFlowLocation& location = Locations::Get().construction;
     AddEvent(commandQueue->GetEvent(), MakeFunctor(this, &MCommandProcessor::OnCommandQueued));
     location.SetObject(this).SetLine(__LINE__).LogConstruction();
 }
 
 MCommandProcessor::~MCommandProcessor()
 {
-    static MFlowLocation location(className, L"~MCommandProcessor");
+    MFlowLocation& location = Locations::Get().destruction;
     location.SetObject(this).SetLine(__LINE__).LogDestruction();
 }
 
 void MCommandProcessor::ExecuteSynchronously(std::auto_ptr<MCommandSynchronous> command)
 {
-    static MFlowLocation location(className, L"ExecuteSynchronously");
+    MFlowLocation& location = Locations::Get().executeSynchronously;
     MFlowScope scope(location.SetObject(this));
     if (IsAborted())
         RaiseError(location.SetObject(this).SetLine(__LINE__), L"ProcessorStopped");
 
     const HANDLE completionEvent = CreatePlatformEvent(EventReset::Automatic);
+    if (!completionEvent)
+        RaiseWindowsError(location.SetObject(this).SetLine(__LINE__), L"WaitFailed");
     command->completionEvent = completionEvent;
     commandQueue->Put(command.get());
     command.release();
@@ -70,7 +89,7 @@ void MCommandProcessor::ExecuteSynchronously(std::auto_ptr<MCommandSynchronous> 
 
 bool MCommandProcessor::IsAborted()
 {
-    static MFlowLocation location(className, L"IsAborted");
+    MFlowLocation& location = Locations::Get().isAborted;
     const DWORD status = WaitForSingleObject(abortEvent, 0);
     if (status != WAIT_OBJECT_0 && status != WAIT_TIMEOUT)
         RaiseWindowsError(location.SetObject(this).SetLine(__LINE__), L"ErrorAccessingEvent");
@@ -80,7 +99,7 @@ bool MCommandProcessor::IsAborted()
 void MCommandProcessor::ThreadFunction()
 {
     GetDiagnosticsRegistry()->RegisterThreadName(L"Command processor thread");
-    static MFlowLocation location(className, L"ThreadFunction");
+    MFlowLocation& location = Locations::Get().threadFunction;
     MFlowScope scope(location.SetObject(this));
 
     if (startFunctor)
@@ -104,7 +123,7 @@ void MCommandProcessor::RunLoop()
 
 void MCommandProcessor::RunIdleFunctor()
 {
-    static MFlowLocation location(className, L"ThreadFunction");
+    MFlowLocation& location = Locations::Get().threadFunction;
     if (!idleFunctor)
         return;
     try {
@@ -122,12 +141,8 @@ void MCommandProcessor::RunStopFunctor()
 
 void MCommandProcessor::RunStopFunctorAfterFailure()
 {
-    static MFlowLocation location(className, L"ThreadFunction");
-    try {
-        RunStopFunctor();
-    } catch (MException& exception) {
-        location.SetObject(this).SetLine(__LINE__).DismissError(exception);
-    }
+    MFlowLocation& location = Locations::Get().threadFunction.SetObject(this).SetLine(__LINE__);
+    DismissFailureOf([this] { RunStopFunctor(); }, location);
 }
 
 void MCommandProcessor::OnCommandQueued()
@@ -141,21 +156,22 @@ bool MCommandProcessor::ExecuteNext()
     if (!commandQueue->Get(next))
         return false;
     const std::unique_ptr<MCommand> command(next);
-    command->ExecuteGenericCommand();
+    if (!aborted)
+        command->ExecuteGenericCommand();
     return true;
 }
 
 void MCommandProcessor::OnFlush()
 {
-    static MFlowLocation location(className, L"OnFlush");
+    MFlowLocation& location = Locations::Get().onFlush;
     MFlowScope scope(location.SetObject(this));
-    while (!commandQueue->IsEmpty())
+    for (std::int32_t left = commandQueue->GetCount(); left > 0; --left)
         ExecuteNext();
 }
 
 void MCommandProcessor::OnStop()
 {
-    static MFlowLocation location(className, L"OnStop");
+    MFlowLocation& location = Locations::Get().onStop;
     MFlowScope scope(location.SetObject(this));
     try {
         OnFlush();
@@ -168,8 +184,9 @@ void MCommandProcessor::OnStop()
 // The event first: a caller who arrives while the queue is being emptied is turned away.
 void MCommandProcessor::Abort()
 {
-    static MFlowLocation location(className, L"Abort");
+    MFlowLocation& location = Locations::Get().abort;
     location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
+    aborted = true;
     SetEvent(abortEvent);
     MCommand* command = nullptr;
     while (commandQueue->Get(command))

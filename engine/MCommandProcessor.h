@@ -18,10 +18,12 @@ class MCommand;
 ///     if (slot->GetErrorCount() != 0)
 ///         ... the last entry is the failure ...
 ///
-/// `Start`, `Stop` and `Flush` come from `MEngineThread`. `Flush` returns when everything queued
-/// before it has been executed. `Stop` executes what is queued, drops what it could not, wakes
-/// those callers, and returns when the thread has ended; from then on the processor refuses
-/// commands for good, even if it is started again.
+/// `Start`, `Stop` and `Flush` come from `MEngineThread`. `Flush` executes what is in the queue
+/// when the processor thread comes to it, and no more. `Stop` does the same once, drops what has
+/// arrived meanwhile or could not be executed, wakes those callers, and returns when the thread has
+/// ended; from then on the processor refuses commands for good, even if it is started again, and
+/// executes none that it still finds. So both take as long as what was queued, whoever goes on
+/// calling.
 ///
 /// The owner calls `Stop` before destroying a processor.
 class MCommandProcessor : public MEngineThread
@@ -31,8 +33,9 @@ public:
     static const wchar_t className[];
 
     /// Each functor may be null and is owned from here on. `startFunctor` runs on the processor
-    /// thread before `Start` returns, `stopFunctor` as its last act, failing or not, `idleFunctor`
-    /// whenever `idleTimeoutMs` passed without any event; a time-out of 0 means never.
+    /// thread before `Start` returns, `stopFunctor` as its last act, failing or not, and once even
+    /// if it fails itself, `idleFunctor` whenever `idleTimeoutMs` passed without any event; a
+    /// time-out of 0 means never.
     MCommandProcessor(IThreadErrorHandler* errorHandler, MCallbackFunctor* startFunctor,
                       MCallbackFunctor* stopFunctor, MCallbackFunctor* idleFunctor,
                       std::uint32_t idleTimeoutMs);
@@ -53,11 +56,13 @@ public:
 protected:
     void ThreadFunction() override;
 
-    /// Runs the queue out.
+    /// Executes what is in the queue at its beginning.
     void OnFlush() override;
     void OnStop() override;
 
 private:
+    struct Locations;
+
     MCommandProcessor(IThreadErrorHandler* errorHandler, MCallbackFunctorPtr startFunctor,
                       MCallbackFunctorPtr stopFunctor, MCallbackFunctorPtr idleFunctor,
                       std::uint32_t idleTimeoutMs);
@@ -76,4 +81,5 @@ private:
     std::uint32_t idleTimeoutMs;
     std::unique_ptr<MThreadSafeFifo<MCommand*, MCommand*>> commandQueue;
     PlatformEvent abortEvent; // set once and never cleared
+    bool aborted;             // the same for the processor thread, without asking the system
 };

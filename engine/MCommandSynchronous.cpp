@@ -13,20 +13,23 @@ MCommandSynchronous::MCommandSynchronous(const MExceptionSlot& exceptionSlot)
 
 MCommandSynchronous::~MCommandSynchronous() = default;
 
+// What `Execute` raises is handed over, not copied: a failure reaches its caller without memory.
 void MCommandSynchronous::ExecuteGenericCommand()
 {
-    if (!exceptionSlot.IsEmpty())
-        FillSlot(MException());
+    EmptySlot();
     try {
         Execute();
     } catch (MException& exception) {
         if (!exceptionSlot.IsEmpty())
-            FillSlot(exception);
+            exceptionSlot->TakeFrom(exception);
     }
     SetEvent(completionEvent);
 }
 
-void MCommandSynchronous::FillSlot(MException outcome)
+void MCommandSynchronous::EmptySlot()
 {
-    exceptionSlot->TakeFrom(outcome);
+    if (exceptionSlot.IsEmpty() || exceptionSlot->GetErrorCount() == 0)
+        return;
+    MException empty;
+    exceptionSlot->TakeFrom(empty);
 }

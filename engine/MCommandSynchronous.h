@@ -4,8 +4,6 @@
 #include "engine/MExceptionSlot.h"
 #include "engine/PlatformEvent.h"
 
-class MException;
-
 /// The base of concrete commands: work that a caller waits for.
 ///
 /// A subclass carries its input, and a pointer to wherever its result goes, since the command
@@ -42,7 +40,7 @@ protected:
 private:
     friend class MCommandProcessor;
 
-    void FillSlot(MException outcome);
+    void EmptySlot();
 
     MExceptionSlot exceptionSlot;
     HANDLE completionEvent; // of the waiting call, which closes it

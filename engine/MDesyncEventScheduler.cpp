@@ -1,15 +1,30 @@
 #include "engine/MDesyncEventScheduler.h"
 
-#include "diagnostics/MFlowLocation.h"
+#include "engine/EngineErrors.h"
 #include "engine/MDesyncEvent.h"
-#include "foundation/MException.h"
 
 const wchar_t MDesyncEventScheduler::className[] = L"MDesyncEventScheduler";
+
+// Named in the log before there is a thread that could lack the memory for it.
+struct MDesyncEventScheduler::Locations {
+    static Locations& Get()
+    {
+        static Locations locations;
+        return locations;
+    }
+
+    MFlowLocation construction{className, className};
+    MFlowLocation destruction{className, L"~MDesyncEventScheduler"};
+    MFlowLocation enable{className, L"Enable"};
+    MFlowLocation disable{className, L"Disable"};
+    MFlowLocation scheduleDesyncEvent{className, L"ScheduleDesyncEvent"};
+    MFlowLocation onSchedulerEvent{className, L"OnSchedulerEvent"};
+};
 
 MDesyncEventScheduler::MDesyncEventScheduler(IThreadErrorHandler* errorHandler)
     : schedulerThread(errorHandler)
 {
-    static MFlowLocation location(className, className);
+    MFlowLocation& location = Locations::Get().construction;
     MCallbackFunctorPtr functor = MakeFunctor(this, &MDesyncEventScheduler::OnSchedulerEvent);
     schedulerThread.RegisterSchedulerEvent(eventQueue.GetEvent(), functor.get());
     functor.release();
@@ -18,18 +33,14 @@ MDesyncEventScheduler::MDesyncEventScheduler(IThreadErrorHandler* errorHandler)
 
 MDesyncEventScheduler::~MDesyncEventScheduler()
 {
-    static MFlowLocation location(className, L"~MDesyncEventScheduler");
+    MFlowLocation& location = Locations::Get().destruction;
     location.SetObject(this).SetLine(__LINE__).LogDestruction();
-    try {
-        Disable();
-    } catch (MException& exception) {
-        location.SetObject(this).SetLine(__LINE__).DismissError(exception);
-    }
+    DismissFailureOf([this] { Disable(); }, location.SetLine(__LINE__));
 }
 
 void MDesyncEventScheduler::Enable()
 {
-    static MFlowLocation location(className, L"Enable");
+    MFlowLocation& location = Locations::Get().enable;
     MFlowScope scope(location.SetObject(this));
     schedulerThread.Start();
 }
@@ -38,7 +49,7 @@ void MDesyncEventScheduler::Enable()
 // progress.
 void MDesyncEventScheduler::Disable()
 {
-    static MFlowLocation location(className, L"Disable");
+    MFlowLocation& location = Locations::Get().disable;
     MFlowScope scope(location.SetObject(this));
     schedulerThread.Flush();
     schedulerThread.Stop();
@@ -46,14 +57,14 @@ void MDesyncEventScheduler::Disable()
 
 void MDesyncEventScheduler::ScheduleDesyncEvent(MDesyncEvent* event)
 {
-    static MFlowLocation location(className, L"ScheduleDesyncEvent");
+    MFlowLocation& location = Locations::Get().scheduleDesyncEvent;
     location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
     eventQueue.Put(event);
 }
 
 void MDesyncEventScheduler::OnSchedulerEvent()
 {
-    static MFlowLocation location(className, L"OnSchedulerEvent");
+    MFlowLocation& location = Locations::Get().onSchedulerEvent;
     MFlowScope scope(location.SetObject(this));
     MDesyncEvent* event = nullptr;
     while (eventQueue.Get(event)) {

@@ -31,6 +31,13 @@ public:
     /// `MEngineThread::Flush` and `Stop` raise, "CannotFlushSelf" when called from an event.
     void Disable();
 
+    /// Whether the calling thread is the one that fires the events. `Disable` then raises at once.
+    bool IsCurrentThread() const { return schedulerThread.IsCurrentThread(); }
+
+    /// Whether no event can be fired any more before the next `Enable`, the thread being stopped or
+    /// dead. Not while another thread is in `Enable` or `Disable`.
+    bool HasEnded() const { return schedulerThread.HasEnded(); }
+
     /// Queues `event`, which the scheduler owns from then on. Any thread, at any time. Raises an
     /// `MErrorOutOfMemory` in an `MException`, and the event then stays the caller's.
     void ScheduleDesyncEvent(MDesyncEvent* event);
@@ -40,6 +47,8 @@ protected:
     virtual void OnSchedulerEvent();
 
 private:
+    struct Locations;
+
     MSchedulerThread schedulerThread;
     MThreadSafeFifo<MDesyncEvent*, MDesyncEvent*> eventQueue;
 };

@@ -2,11 +2,10 @@
 
 #include "diagnostics/FlowId.h"
 #include "diagnostics/MDiagnosticsRegistry.h"
-#include "diagnostics/MFlowLocation.h"
-#include "diagnostics/StructuredGuard.h"
 #include "engine/EngineErrors.h"
+#include "engine/FailureGuard.h"
 #include "engine/MMutexLock.h"
-#include "foundation/MException.h"
+#include "engine/StackReserve.h"
 
 #include <cerrno>
 
@@ -14,6 +13,29 @@
 #include <windows.h>
 
 const wchar_t MEngineThread::className[] = L"MEngineThread";
+
+// Constructed, and so named in the log, with the first object: from then on no traced function of
+// the class needs memory, neither on the way out nor on the way from a failure.
+struct MEngineThread::Locations {
+    static Locations& Get()
+    {
+        static Locations locations;
+        return locations;
+    }
+
+    MFlowLocation construction{className, className};
+    MFlowLocation destruction{className, L"~MEngineThread"};
+    MFlowLocation start{className, L"Start"};
+    MFlowLocation stop{className, L"Stop"};
+    MFlowLocation flush{className, L"Flush"};
+    MFlowLocation forceStop{className, L"ForceStop"};
+    MFlowLocation addEvent{className, L"AddEvent"};
+    MFlowLocation waitForEvents{className, L"WaitForEvents"};
+    MFlowLocation signalThreadStarted{className, L"SignalThreadStarted"};
+    MFlowLocation changeState{className, L"ChangeState"};
+    MFlowLocation onFlushWrapper{className, L"OnFlushWrapper"};
+    MFlowLocation onStopWrapper{className, L"OnStopWrapper"};
+};
 
 namespace
 {
@@ -35,7 +57,7 @@ MEngineThread::MEngineThread(IThreadErrorHandler* errorHandler)
       threadStartedEvent(EventReset::Automatic), flushDoneEvent(EventReset::Automatic),
       errorHandler(errorHandler), stopServed(false)
 {
-    static MFlowLocation location(className, className);
+    MFlowLocation& location = Locations::Get().construction;
     AddEvent(flushRequestEvent, MakeFunctor(this, &MEngineThread::OnFlushWrapper));
     AddEvent(stopEvent, MakeFunctor(this, &MEngineThread::OnStopWrapper));
     location.SetObject(this).SetLine(__LINE__).LogConstruction();
@@ -44,14 +66,14 @@ MEngineThread::MEngineThread(IThreadErrorHandler* errorHandler)
 
 MEngineThread::~MEngineThread()
 {
-    static MFlowLocation location(className, L"~MEngineThread");
+    MFlowLocation& location = Locations::Get().destruction;
     location.SetObject(this).SetLine(__LINE__).LogDestruction();
     ForceStop();
 }
 
 void MEngineThread::Start()
 {
-    static MFlowLocation location(className, L"Start");
+    MFlowLocation& location = Locations::Get().start;
     MFlowScope scope(location.SetObject(this));
 
     MMutexLock lock(stateMutex);
@@ -63,7 +85,7 @@ void MEngineThread::Start()
     ChangeState(EngineThreadState::Starting);
     try {
         AwaitThread(location, threadStartedEvent);
-    } catch (MException&) {
+    } catch (...) {
         ForceStop();
         throw;
     }
@@ -72,14 +94,13 @@ void MEngineThread::Start()
 
 void MEngineThread::Stop()
 {
-    static MFlowLocation location(className, L"Stop");
+    MFlowLocation& location = Locations::Get().stop;
     MFlowScope scope(location.SetObject(this));
 
+    RaiseIfCurrentThread(location, L"CannotStopSelf");
     MMutexLock lock(stateMutex);
     if (state == EngineThreadState::Inactive)
         return;
-    if (GetCurrentThreadId() == threadId)
-        RaiseError(location.SetObject(this).SetLine(__LINE__), L"CannotStopSelf");
     ChangeState(EngineThreadState::Stopping);
     SetEvent(stopEvent);
     AwaitEnd(location);
@@ -88,35 +109,29 @@ void MEngineThread::Stop()
 
 void MEngineThread::Flush()
 {
-    static MFlowLocation location(className, L"Flush");
+    MFlowLocation& location = Locations::Get().flush;
     MFlowScope scope(location.SetObject(this));
 
+    RaiseIfCurrentThread(location, L"CannotFlushSelf");
     MMutexLock lock(stateMutex);
     if (state == EngineThreadState::Inactive)
         return;
-    if (GetCurrentThreadId() == threadId)
-        RaiseError(location.SetObject(this).SetLine(__LINE__), L"CannotFlushSelf");
     SetEvent(flushRequestEvent);
     AwaitThread(location, flushDoneEvent);
 }
 
 void MEngineThread::ForceStop()
 {
-    static MFlowLocation location(className, L"ForceStop");
+    MFlowLocation& location = Locations::Get().forceStop;
     location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
-    if (state == EngineThreadState::Running) {
-        try {
-            Stop();
-        } catch (MException& exception) {
-            location.SetObject(this).SetLine(__LINE__).DismissError(exception);
-        }
-    }
+    if (state == EngineThreadState::Running)
+        DismissFailureOf([this] { Stop(); }, location.SetLine(__LINE__));
     ForgetThread();
 }
 
 void MEngineThread::AddEvent(HANDLE event, MCallbackFunctor* functor)
 {
-    static MFlowLocation location(className, L"AddEvent");
+    MFlowLocation& location = Locations::Get().addEvent;
     const std::size_t count = waitHandles.size();
     if (count >= MAXIMUM_WAIT_OBJECTS)
         RaiseError(location.SetObject(this).SetLine(__LINE__), L"TooManyWaitableEvents");
@@ -134,7 +149,7 @@ void MEngineThread::AddEvent(HANDLE event, MCallbackFunctorPtr functor)
 
 bool MEngineThread::WaitForEvents(std::uint32_t timeoutMs)
 {
-    static MFlowLocation location(className, L"WaitForEvents");
+    MFlowLocation& location = Locations::Get().waitForEvents;
     const DWORD count = static_cast<DWORD>(waitHandles.size());
     const DWORD status = WaitForMultipleObjects(count, waitHandles.data(), FALSE, timeoutMs);
     if (status == WAIT_TIMEOUT)
@@ -147,7 +162,7 @@ bool MEngineThread::WaitForEvents(std::uint32_t timeoutMs)
 
 void MEngineThread::SignalThreadStarted()
 {
-    static MFlowLocation location(className, L"SignalThreadStarted");
+    MFlowLocation& location = Locations::Get().signalThreadStarted;
     location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
     SetEvent(threadStartedEvent);
 }
@@ -168,9 +183,27 @@ bool MEngineThread::IsThreadActive() const
     return state != EngineThreadState::Inactive;
 }
 
+bool MEngineThread::IsCurrentThread() const
+{
+    return GetCurrentThreadId() == threadId;
+}
+
+bool MEngineThread::HasEnded() const
+{
+    return !threadHandle || WaitForSingleObject(threadHandle, 0) == WAIT_OBJECT_0;
+}
+
+// Ahead of the lock, which another thread may hold while it waits for this one.
+void MEngineThread::RaiseIfCurrentThread(MFlowLocation& location, const wchar_t* literal)
+{
+    if (IsCurrentThread())
+        RaiseError(location.SetObject(this).SetLine(__LINE__), literal);
+}
+
 void MEngineThread::CreateThread(MFlowLocation& location)
 {
-    const std::uintptr_t created = _beginthreadex(nullptr, 0, ThreadEntry, this, 0, &threadId);
+    unsigned id = 0;
+    const std::uintptr_t created = _beginthreadex(nullptr, 0, ThreadEntry, this, 0, &id);
     if (created == 0) {
         const int reason = errno;
         MError error;
@@ -178,6 +211,7 @@ void MEngineThread::CreateThread(MFlowLocation& location)
         error.AddParameter(L"errno", reason);
         location.Throw(error);
     }
+    threadId = id;
     threadHandle = reinterpret_cast<HANDLE>(created);
 }
 
@@ -214,12 +248,13 @@ void MEngineThread::ForgetThread()
 
 void MEngineThread::ChangeState(EngineThreadState newState)
 {
-    static MFlowLocation location(className, L"ChangeState");
+    MFlowLocation& location = Locations::Get().changeState;
     state = newState;
     location.SetObject(this).LogStateChange(static_cast<std::uint32_t>(newState), 0);
 }
 
-// The guard observes and never handles: a fault travels on to whatever the host has installed.
+// The guard observes and never handles: a fault travels on to whatever the host has installed, also
+// when the one who is told of it fails.
 unsigned __stdcall MEngineThread::ThreadEntry(void* thread)
 {
     const GuardedBody run = [](void* self) {
@@ -227,14 +262,17 @@ unsigned __stdcall MEngineThread::ThreadEntry(void* thread)
     };
     const GuardFilter observe = [](void* self, _EXCEPTION_POINTERS* pointers) -> long {
         if (ICrashHandler* const handler = static_cast<MEngineThread*>(self)->errorHandler)
-            handler->OnUnhandledException(pointers);
+            RunContained([=] { handler->OnUnhandledException(pointers); });
         return GuardContinueSearch;
     };
+    ReserveStackForFailures();
     return RunGuarded(run, observe, thread) ? 0 : 1;
 }
 
+// The id is known here before the one who starts the thread knows it.
 void MEngineThread::RunThreadFunction()
 {
+    threadId = GetCurrentThreadId();
     try {
         ThreadFunction();
     } catch (MException& exception) {
@@ -245,7 +283,7 @@ void MEngineThread::RunThreadFunction()
 
 void MEngineThread::OnFlushWrapper()
 {
-    static MFlowLocation location(className, L"OnFlushWrapper");
+    MFlowLocation& location = Locations::Get().onFlushWrapper;
     MFlowScope scope(location.SetObject(this));
     OnFlush();
     SetEvent(flushDoneEvent);
@@ -253,7 +291,7 @@ void MEngineThread::OnFlushWrapper()
 
 void MEngineThread::OnStopWrapper()
 {
-    static MFlowLocation location(className, L"OnStopWrapper");
+    MFlowLocation& location = Locations::Get().onStopWrapper;
     MFlowScope scope(location.SetObject(this));
     stopServed = true;
     OnStop();

@@ -6,6 +6,7 @@
 #include "engine/PlatformEvent.h"
 #include "foundation/NonCopyable.h"
 
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -34,6 +35,9 @@ enum class EngineThreadState : std::uint32_t { Inactive, Starting, Running, Stop
 ///
 /// Threads: `Start`, `Stop` and `Flush` may be called from any thread but the engine thread itself;
 /// they exclude one another and block until the handshake is done. Events are added before `Start`.
+///
+/// Bounds: `Flush` waits for the functor in progress and for one `OnFlush`, `Stop` for these and
+/// for what `OnStop` and the rest of `ThreadFunction` do; both also for whoever came before them.
 ///
 /// Failure: `Start`, `Stop` and `Flush` raise `MException`s whose Codes begin with
 /// "MEngineThread."; "WaitFailed" has the parameter "winErrorCode", "Unexpected" and "Abandoned"
@@ -64,6 +68,14 @@ public:
     /// Returns when the engine thread has finished one `OnFlush`; does nothing on an inactive one.
     /// Raises "CannotFlushSelf", "ThreadExitedUnexpectedly" or a wait failure.
     void Flush();
+
+    /// Whether the calling thread is this engine thread. `Stop` and `Flush` then raise at once,
+    /// even while another thread is inside one of them.
+    bool IsCurrentThread() const;
+
+    /// Whether no code runs on the engine thread any more: it was never started, was stopped, or
+    /// has died. Not while another thread is in `Start` or `Stop`.
+    bool HasEnded() const;
 
 protected:
     /// The body of the thread. An `MException` that leaves it goes to `OnSpontaneousError`;
@@ -105,8 +117,11 @@ protected:
     void ForceStop();
 
 private:
+    struct Locations;
+
     static unsigned __stdcall ThreadEntry(void* thread);
 
+    void RaiseIfCurrentThread(MFlowLocation& location, const wchar_t* literal);
     void CreateThread(MFlowLocation& location);
     void AwaitThread(MFlowLocation& location, HANDLE event);
     void AwaitEnd(MFlowLocation& location);
@@ -117,9 +132,10 @@ private:
     void OnFlushWrapper();
     void OnStopWrapper();
 
-    EngineThreadState state;
+    // Written under the lock, read without it.
+    std::atomic<EngineThreadState> state;
     MMutex stateMutex;
-    unsigned threadId;
+    std::atomic<unsigned> threadId;
     HANDLE threadHandle;
     PlatformEvent flushRequestEvent;
     PlatformEvent stopEvent;

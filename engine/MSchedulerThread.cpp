@@ -1,7 +1,6 @@
 #include "engine/MSchedulerThread.h"
 
 #include "diagnostics/MDiagnosticsRegistry.h"
-#include "diagnostics/MFlowLocation.h"
 #include "engine/EngineErrors.h"
 #include "engine/FailureGuard.h"
 
@@ -11,22 +10,36 @@
 
 const wchar_t MSchedulerThread::className[] = L"MSchedulerThread";
 
+// Named in the log before there is a thread that could lack the memory for it.
+struct MSchedulerThread::Locations {
+    static Locations& Get()
+    {
+        static Locations locations;
+        return locations;
+    }
+
+    MFlowLocation construction{className, className};
+    MFlowLocation destruction{className, L"~MSchedulerThread"};
+    MFlowLocation registerSchedulerEvent{className, L"RegisterSchedulerEvent"};
+    MFlowLocation threadFunction{className, L"ThreadFunction"};
+};
+
 MSchedulerThread::MSchedulerThread(IThreadErrorHandler* errorHandler) : MEngineThread(errorHandler)
 {
-    static MFlowLocation location(className, className);
+    MFlowLocation& location = Locations::Get().construction;
     location.SetObject(this).SetLine(__LINE__).LogConstruction();
 }
 
 MSchedulerThread::~MSchedulerThread()
 {
-    static MFlowLocation location(className, L"~MSchedulerThread");
+    MFlowLocation& location = Locations::Get().destruction;
     location.SetObject(this).SetLine(__LINE__).LogDestruction();
     ForceStop();
 }
 
 void MSchedulerThread::RegisterSchedulerEvent(HANDLE event, MCallbackFunctor* functor)
 {
-    static MFlowLocation location(className, L"RegisterSchedulerEvent");
+    MFlowLocation& location = Locations::Get().registerSchedulerEvent;
     location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
     if (IsThreadActive())
         RaiseError(location.SetObject(this).SetLine(__LINE__), L"ThreadRunning");
@@ -36,7 +49,7 @@ void MSchedulerThread::RegisterSchedulerEvent(HANDLE event, MCallbackFunctor* fu
 void MSchedulerThread::ThreadFunction()
 {
     GetDiagnosticsRegistry()->RegisterThreadName(L"Scheduler thread");
-    static MFlowLocation location(className, L"ThreadFunction");
+    MFlowLocation& location = Locations::Get().threadFunction;
     MFlowScope scope(location.SetObject(this));
 
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);

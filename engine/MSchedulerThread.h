@@ -27,6 +27,8 @@ protected:
     void OnStop() override;
 
 private:
+    struct Locations;
+
     void RunLoop();
     void LeaveCom();
 };

@@ -1,16 +1,34 @@
 #include "module/ModuleCommandProcessor.h"
 
 #include "diagnostics/MDiagnosticsRegistry.h"
-#include "diagnostics/MFlowLocation.h"
 #include "engine/EngineErrors.h"
 #include "engine/MMutexLock.h"
 #include "filers/MFilerTaggedPair.h"
 #include "filers/MOutFilerTaggedXml.h"
-#include "foundation/MException.h"
 
 #include <utility>
 
 const wchar_t ModuleCommandProcessor::className[] = L"ModuleCommandProcessor";
+
+// Named in the log before there is a thread that can fail: the way from a failure to the host needs
+// no memory for it.
+struct ModuleCommandProcessor::Locations {
+    static Locations& Get()
+    {
+        static Locations locations;
+        return locations;
+    }
+
+    MFlowLocation construction{className, className};
+    MFlowLocation destruction{className, L"~ModuleCommandProcessor"};
+    MFlowLocation start{className, L"Start"};
+    MFlowLocation stop{className, L"Stop"};
+    MFlowLocation onShutdown{className, L"OnShutdown"};
+    MFlowLocation runShutdownFunctors{className, L"RunShutdownFunctors"};
+    MFlowLocation onSpontaneousError{className, L"OnSpontaneousError"};
+    MFlowLocation onUnhandledException{className, L"OnUnhandledException"};
+    MFlowLocation registerFatalErrorHandlers{className, L"RegisterFatalErrorHandlers"};
+};
 
 namespace
 {
@@ -22,8 +40,7 @@ std::uint32_t LowBits(const void* pointer)
     return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(pointer));
 }
 
-/// The chain as a document, empty when it cannot be filed.
-std::wstring FatalErrorText(const MException& exception)
+std::wstring FileChain(const MException& exception)
 {
     MOutFilerTaggedXml document(L"ExceptionChain", nullptr);
     MFilerTaggedPair filer(nullptr, &document);
@@ -31,6 +48,16 @@ std::wstring FatalErrorText(const MException& exception)
     if (exception.Write(filer, L"Exception"))
         document.GetDocumentText(&text);
     return text.c_str();
+}
+
+/// The chain as a document, empty when it cannot be filed, for want of memory or otherwise.
+std::wstring FatalErrorText(const MException& exception)
+{
+    try {
+        return FileChain(exception);
+    } catch (...) {
+        return std::wstring();
+    }
 }
 
 /// Registering what is registered already changes nothing.
@@ -54,7 +81,7 @@ ModuleCommandProcessor& ModuleCommandProcessor::GetInstance()
 
 ModuleCommandProcessor::ModuleCommandProcessor() : lifecycleDone(false), shutdownFunctorsRun(false)
 {
-    static MFlowLocation location(className, className);
+    MFlowLocation& location = Locations::Get().construction;
     location.SetObject(this).SetLine(__LINE__).LogConstruction();
     GetDiagnosticsRegistry()->RegisterObjectName(this, L"singleton of the module");
 }
@@ -63,28 +90,29 @@ ModuleCommandProcessor::ModuleCommandProcessor() : lifecycleDone(false), shutdow
 // so may be what the functors would stop.
 ModuleCommandProcessor::~ModuleCommandProcessor()
 {
-    static MFlowLocation location(className, L"~ModuleCommandProcessor");
+    MFlowLocation& location = Locations::Get().destruction;
     location.SetObject(this).SetLine(__LINE__).LogDestruction();
     shutdownFunctors.clear();
-    try {
-        ModuleCommandProcessor::Stop();
-    } catch (MException& exception) {
-        location.SetObject(this).SetLine(__LINE__).DismissError(exception);
-    }
+    DismissFailureOf([this] { ModuleCommandProcessor::Stop(); }, location.SetLine(__LINE__));
 }
 
 void ModuleCommandProcessor::Start()
 {
-    static MFlowLocation location(className, L"Start");
     if (this == nullptr || lifecycleDone)
         return;
+    MFlowLocation& location = Locations::Get().start;
     location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
     MMutexLock lock(lifecycleMutex);
     if (lifecycleDone)
         return;
     moduleReference.Hold();
-    StartScheduler();
-    StartProcessor();
+    try {
+        StartScheduler();
+        StartProcessor();
+    } catch (...) {
+        Dismantle();
+        throw;
+    }
     lifecycleDone = true;
 }
 
@@ -96,35 +124,72 @@ void ModuleCommandProcessor::StartScheduler()
     desyncScheduler->Enable();
 }
 
+// Named before it is started: a processor that runs is the end of the start.
 void ModuleCommandProcessor::StartProcessor()
 {
     MCallbackFunctorPtr idle = MakeFunctor(this, &ModuleCommandProcessor::OnCommandProcessorIdle);
     commandProcessor.reset(
         new MCommandProcessor(this, nullptr, nullptr, idle.release(), idleTimeoutMs));
-    commandProcessor->Start();
     GetDiagnosticsRegistry()->RegisterObjectName(commandProcessor.get(),
                                                  L"processor of the module's commands");
+    commandProcessor->Start();
+}
+
+/// Back to where `Start` began.
+void ModuleCommandProcessor::Dismantle()
+{
+    commandProcessor.reset();
+    desyncScheduler.reset();
+    moduleReference.Drop();
 }
 
 void ModuleCommandProcessor::Stop()
 {
-    static MFlowLocation location(className, L"Stop");
     if (this == nullptr)
         return;
+    MFlowLocation& location = Locations::Get().stop;
     location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
+    RaiseIfOwnThread();
     MMutexLock lock(lifecycleMutex);
-    if (lifecycleDone) {
-        RunShutdownFunctors();
+    if (lifecycleDone)
+        StopThreads();
+    lifecycleDone = true;
+}
+
+// Ahead of the lock, which another thread may hold while it waits for this one. What is raised is
+// what that thread's own stop raises.
+void ModuleCommandProcessor::RaiseIfOwnThread()
+{
+    if (!lifecycleDone)
+        return;
+    if (commandProcessor->IsCurrentThread())
+        commandProcessor->Stop();
+    if (desyncScheduler->IsCurrentThread())
+        desyncScheduler->Disable();
+}
+
+void ModuleCommandProcessor::StopThreads()
+{
+    RunShutdownFunctors();
+    try {
         commandProcessor->Stop();
         desyncScheduler->Disable();
-        moduleReference.Drop();
+    } catch (...) {
+        DropReferenceOnceEnded();
+        throw;
     }
-    lifecycleDone = true;
+    DropReferenceOnceEnded();
+}
+
+void ModuleCommandProcessor::DropReferenceOnceEnded()
+{
+    if (commandProcessor->HasEnded() && desyncScheduler->HasEnded())
+        moduleReference.Drop();
 }
 
 void ModuleCommandProcessor::OnShutdown(MCallbackFunctorPtr functor)
 {
-    static MFlowLocation location(className, L"OnShutdown");
+    MFlowLocation& location = Locations::Get().onShutdown;
     MMutexLock lock(shutdownMutex);
     if (shutdownFunctorsRun)
         RaiseError(location.SetObject(this).SetLine(__LINE__), L"ModuleStopped");
@@ -134,16 +199,9 @@ void ModuleCommandProcessor::OnShutdown(MCallbackFunctorPtr functor)
 
 void ModuleCommandProcessor::RunShutdownFunctors()
 {
-    static MFlowLocation location(className, L"RunShutdownFunctors");
-    while (const MCallbackFunctorPtr functor = TakeShutdownFunctor()) {
-        try {
-            functor->Invoke();
-        } catch (MException& exception) {
-            location.SetObject(this).SetLine(__LINE__).DismissError(exception);
-        } catch (...) {
-            location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
-        }
-    }
+    MFlowLocation& location = Locations::Get().runShutdownFunctors;
+    while (const MCallbackFunctorPtr functor = TakeShutdownFunctor())
+        DismissFailureOf([&] { functor->Invoke(); }, location.SetObject(this).SetLine(__LINE__));
 }
 
 /// The latest that is left; null, and the end of registration, when there is none.
@@ -162,19 +220,20 @@ void ModuleCommandProcessor::OnCommandProcessorIdle() {}
 
 void ModuleCommandProcessor::OnSpontaneousError(const MException& exception)
 {
-    static MFlowLocation location(className, L"OnSpontaneousError");
     if (this == nullptr)
         return;
+    MFlowLocation& location = Locations::Get().onSpontaneousError;
     MFlowScope scope(location.SetObject(this), LowBits(spontaneousErrorCallback.get()));
+    const auto tell = [&] { (*spontaneousErrorCallback)(FatalErrorText(exception)); };
     if (spontaneousErrorCallback)
-        (*spontaneousErrorCallback)(FatalErrorText(exception));
+        DismissFailureOf(tell, location.SetLine(__LINE__));
 }
 
 void ModuleCommandProcessor::OnUnhandledException(_EXCEPTION_POINTERS* pointers)
 {
-    static MFlowLocation location(className, L"OnUnhandledException");
     if (this == nullptr)
         return;
+    MFlowLocation& location = Locations::Get().onUnhandledException;
     MFlowScope scope(location.SetObject(this), LowBits(crashCallback.get()));
     if (crashCallback)
         (*crashCallback)(pointers);
@@ -183,7 +242,7 @@ void ModuleCommandProcessor::OnUnhandledException(_EXCEPTION_POINTERS* pointers)
 void ModuleCommandProcessor::RegisterCallbacks(SpontaneousErrorCallback onSpontaneousError,
                                                CrashCallback onCrash)
 {
-    static MFlowLocation location(className, L"RegisterFatalErrorHandlers");
+    MFlowLocation& location = Locations::Get().registerFatalErrorHandlers;
     MFlowScope scope(location.SetObject(this), LowBits(onSpontaneousError.get()),
                      LowBits(onCrash.get()));
     Replace(spontaneousErrorCallback, std::move(onSpontaneousError));

@@ -7,6 +7,7 @@
 #include "module/CallbackFunctor1Param.h"
 #include "module/ModuleReference.h"
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -36,11 +37,12 @@ public:
     static const wchar_t className[];
 
     /// The singleton, made and started at the first call, which must not race another. Raises the
-    /// `MException` of a failed start; the next call tries again. After `Stop` it comes back
-    /// stopped.
+    /// `MException` of a failed start, or std::bad_alloc, and leaves nothing running; the next call
+    /// begins afresh. After `Stop` it comes back stopped.
     static ModuleCommandProcessor& GetInstance();
 
-    /// Calls the host's callback with the filed chain, on the engine thread that failed.
+    /// Calls the host's callback with the filed chain, on the engine thread that failed. The text
+    /// is empty when there is no memory for it. Nothing that the callback raises gets out.
     void OnSpontaneousError(const MException& exception) override;
 
     virtual ~ModuleCommandProcessor();
@@ -50,7 +52,9 @@ public:
     virtual void OnCommandProcessorIdle();
 
     /// Runs what `OnShutdown` was given, then stops the processor, then the scheduler, for good.
-    /// Raises the `MException` of a failed stop.
+    /// Raises the `MException` of a failed stop, and on one of these two threads "CannotStopSelf"
+    /// or "CannotFlushSelf" of `MEngineThread`, before anything is stopped and whoever else is in
+    /// here.
     virtual void Stop();
 
     /// Starts the scheduler, then the processor, unless that, or a stop, has been done before.
@@ -84,15 +88,21 @@ public:
     MDesyncEventScheduler* GetDesyncScheduler() { return desyncScheduler.get(); }
 
 private:
+    struct Locations;
+
     ModuleCommandProcessor();
 
     void StartScheduler();
     void StartProcessor();
+    void Dismantle();
+    void RaiseIfOwnThread();
+    void StopThreads();
+    void DropReferenceOnceEnded();
     void RunShutdownFunctors();
     MCallbackFunctorPtr TakeShutdownFunctor();
 
     MMutex lifecycleMutex;
-    bool lifecycleDone; // set by the first Start or Stop, and never cleared
+    std::atomic<bool> lifecycleDone; // set by the first Start or Stop, and never cleared
     std::unique_ptr<MCommandProcessor> commandProcessor;
     std::unique_ptr<MDesyncEventScheduler> desyncScheduler;
     SpontaneousErrorCallback spontaneousErrorCallback;

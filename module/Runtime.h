@@ -45,10 +45,12 @@ VAREK_API void RegisterFatalErrorHandlers(
     std::auto_ptr<CallbackFunctor1Param<const std::wstring&>> onSpontaneousError,
     std::auto_ptr<CallbackFunctor1Param<_EXCEPTION_POINTERS*>> onCrash);
 
-/// Stops the module for good: has the module's own code stop what it has started, runs out what is
-/// queued, then stops both threads. May be repeated;
-/// the module does not start again before it is loaded anew. Not from a callback. Raises the
-/// `MException` of a failed start or stop.
+/// Stops the module for good: has the module's own code stop what it has started, executes what is
+/// queued by then, ends both threads. Commands that arrive meanwhile are refused, their callers
+/// told. May be repeated; the module does not start again before it is loaded anew.
+///
+/// Raises the `MException` of a failed start or stop. Called on one of the module's two threads it
+/// raises "CannotStopSelf" (from a command) or "CannotFlushSelf" (from an event) at once.
 VAREK_API void Shutdown();
 
 } // namespace Runtime

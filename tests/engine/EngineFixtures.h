@@ -3,6 +3,7 @@
 #include "engine/MEngineThread.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/EngineWork.h"
+#include "tests/support/Gate.h"
 #include "tests/support/ProcessHandles.h"
 #include "tests/support/Raised.h"
 
@@ -11,14 +12,6 @@
 #include <thread>
 
 #include <windows.h>
-
-/// Holds threads up until it is opened.
-struct Gate {
-    void Open() { SetEvent(event); }
-    void Pass() { WaitForSingleObject(event, INFINITE); }
-
-    PlatformEvent event{EventReset::Manual};
-};
 
 /// What a test has an engine thread do, and what became of it.
 struct Script : IThreadErrorHandler {
