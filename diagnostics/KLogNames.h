@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 
-/// One table of names of the log core: text by a number. Names are added and never changed, moved or
-/// removed, so that who looks one up needs no lock and waits for nobody, not even for a thread that
-/// died while it added one.
+/// One table of names of the log core: text by a number. Names are added and never changed, moved
+/// or removed, so that who looks one up needs no lock and waits for nobody, not even for a thread
+/// that died while it added one.
 ///
 /// It lies in memory as `RecorderDescription` tells, for those who read it out of a dump.
 ///
@@ -42,7 +42,10 @@ public:
     void Insert(std::uint64_t key, const char* text, std::size_t length);
 
     /// The name of a key, null when it has none. Stays valid as long as the table.
-    const Name* Find(std::uint64_t key) const { return PlaceOf(key).load(std::memory_order_acquire); }
+    const Name* Find(std::uint64_t key) const
+    {
+        return PlaceOf(key).load(std::memory_order_acquire);
+    }
 
     /// The name added last; the others follow as its `older`.
     const Name* GetNewest() const { return newest.load(std::memory_order_acquire); }

@@ -1,12 +1,14 @@
 // The ring as text, to whoever wants it.
 
-#include "diagnostics/KDumpFile.h"
+#include "diagnostics/dump/KDumpFile.h"
+#include "diagnostics/dump/KLogText.h"
 #include "diagnostics/KLogger.h"
-#include "diagnostics/KLogText.h"
 #include "diagnostics/StructuredGuard.h"
 
 #include <cstring>
 #include <ostream>
+
+#include <windows.h>
 
 namespace
 {
@@ -95,7 +97,8 @@ void KLogger::WriteDump(std::ostream& out)
 
 bool KLogger::WriteDumpFile()
 {
-    KDumpFile file(dumpPath, KDumpFile::Existing::Replaced);
+    KDumpFile file(CreateFileW(dumpPath, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                               CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     return file.IsOpen() && WriteTo(file);
 }
 

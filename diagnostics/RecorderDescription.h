@@ -36,8 +36,9 @@ class KLogger;
 /// name's `olderName` that of the one before; 0 ends it. A name's `nameKey` has 64 bits, of which
 /// all tables but that of objects use the lower 32. Its text is `nameLength` bytes at `nameText`,
 /// followed by a zero. Names are only ever added, and complete before they can be found. The memory
-/// that the names of a table lie in is a list too, for who copies it: from the table's `newestBlock`
-/// over the `olderBlock` of each block to 0; a block's `blockSize` is its bytes from its address on.
+/// that the names of a table lie in is a list too, for who copies it: from the table's
+/// `newestBlock` over the `olderBlock` of each block to 0; a block's `blockSize` is its bytes from
+/// its address on.
 ///
 /// **In a minidump** written by `CrashDump` the memory of the recorders is kept in streams of its
 /// own: one of the type `RecorderBlocksStream`, which holds a `RecorderBlock` for each piece of
@@ -45,9 +46,9 @@ class KLogger;
 /// bytes. Descriptions, cores, rings and names are all among them. Other dumps have the same bytes
 /// in their lists of memory, if they hold the process's private memory and the data of its images.
 struct RecorderDescription {
-    char marker[16];       ///< 0: "Varek recorder", then the bytes 1A and 00
-    std::uint32_t version; ///< 16: 1
-    std::uint32_t size;    ///< 20: bytes of this description, 168
+    char marker[16];                 ///< 0: "Varek recorder", then the bytes 1A and 00
+    std::uint32_t version;           ///< 16: 1
+    std::uint32_t size;              ///< 20: bytes of this description, 168
     const RecorderDescription* self; ///< 24: the address of this description
     const KLogger* core;             ///< 32: the address of the core; 0 before there is one
 
@@ -105,6 +106,7 @@ struct RecorderBlock {
 
 /// The types of the streams in a minidump that hold the memory of recorders.
 enum RecorderStream : std::uint32_t {
-    RecorderBlocksStream = 0x56520001,    ///< the list of the pieces
-    RecorderFirstBlockStream = 0x56530000 ///< the bytes of the first piece; those of the next follow
+    RecorderBlocksStream = 0x56520001, ///< the list of the pieces
+    RecorderFirstBlockStream =
+        0x56530000 ///< the bytes of the first piece; those of the next follow
 };

@@ -34,7 +34,10 @@ private:
     void WriteNameOrNumber(const KLogNames::Name* name, const char* lead, std::uint32_t number);
     void WriteElapsed(std::int64_t ticks);
     void WriteSigned(std::int64_t value);
-    void WriteSigned(std::uint32_t bits) { WriteSigned(std::int64_t{static_cast<std::int32_t>(bits)}); }
+    void WriteSigned(std::uint32_t bits)
+    {
+        WriteSigned(std::int64_t{static_cast<std::int32_t>(bits)});
+    }
     void WriteDigits(std::uint64_t value, unsigned base, int atLeast);
     void Write(const char* text);
 

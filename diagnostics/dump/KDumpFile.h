@@ -1,6 +1,6 @@
 #pragma once
 
-#include "diagnostics/TextSink.h"
+#include "diagnostics/dump/TextSink.h"
 
 #include <cstddef>
 
@@ -9,11 +9,8 @@
 class KDumpFile : public TextSink
 {
 public:
-    /// What to do about a file that is there.
-    enum class Existing { Replaced, Refused };
-
-    /// Opens a file that others may read and write meanwhile. Nothing makes its folder.
-    KDumpFile(const wchar_t* path, Existing existing);
+    /// Takes over a file that is open for writing; INVALID_HANDLE_VALUE for none.
+    explicit KDumpFile(void* file);
     KDumpFile(const KDumpFile&) = delete;
     KDumpFile& operator=(const KDumpFile&) = delete;
 

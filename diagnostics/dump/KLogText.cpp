@@ -1,7 +1,7 @@
-#include "diagnostics/KLogText.h"
+#include "diagnostics/dump/KLogText.h"
 
+#include "diagnostics/dump/TextSink.h"
 #include "diagnostics/KLogger.h"
-#include "diagnostics/TextSink.h"
 
 #include <cstring>
 

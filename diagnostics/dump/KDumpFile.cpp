@@ -1,14 +1,8 @@
-#include "diagnostics/KDumpFile.h"
+#include "diagnostics/dump/KDumpFile.h"
 
 #include <windows.h>
 
-KDumpFile::KDumpFile(const wchar_t* path, Existing existing)
-    : file(CreateFileW(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                       existing == Existing::Replaced ? CREATE_ALWAYS : CREATE_NEW,
-                       FILE_ATTRIBUTE_NORMAL, nullptr)),
-      used(0)
-{
-}
+KDumpFile::KDumpFile(void* file) : file(file), used(0) {}
 
 KDumpFile::~KDumpFile()
 {
