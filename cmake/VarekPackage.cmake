@@ -44,7 +44,7 @@ foreach(name IN ITEMS
         building-on-windows debugging document-engine filing host reading-a-dump tutorial varek-log)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS docs/${name}.md)
     file(READ docs/${name}.md page)
-    string(REGEX REPLACE "\\]\\(\\.\\./([a-z]+/[A-Za-z0-9]+\\.h)\\)"
+    string(REGEX REPLACE "\\]\\(\\.\\./([a-z/]+/[A-Za-z0-9]+\\.h)\\)"
         "](../../../../include/varek/\\1)" page "${page}")
     string(REGEX REPLACE "\\]\\(\\.\\./(debugger/[a-z_.]+)\\)"
         "](../../../varek/\\1)" page "${page}")

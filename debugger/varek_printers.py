@@ -587,16 +587,16 @@ class MXmlMarkup(Container):
     pattern = r"MXmlMarkup"
 
     def describe(self):
-        length = StdString(self.value["documentText"]).length()
+        length = StdString(self.value["documentText"]["characters"]).length()
         place = f"[{self.value['mainIndex']}]" if self.value["mainIndex"] else "no element"
         return f"MXmlMarkup of {length} characters, on {place}"
 
     def parts(self):
-        text = StdString(self.value["documentText"])
+        text = StdString(self.value["documentText"]["characters"])
         yield "text", text.literal()
         yield "finding", StdString(self.value["errorText"]).literal()
-        records = MXmlRecordStore(self.value["records"])
-        for index in range(1, int(self.value["nextFreeIndex"])):
+        records = MXmlRecordStore(self.value["index"]["records"])
+        for index in range(1, int(self.value["index"]["nextFreeIndex"])):
             element = MXmlElementRecord(records[index])
             if not element.is_deleted():
                 yield f"[{index}] {element.start_tag(text)}", element.value

@@ -1,6 +1,11 @@
 #include "xml/MXmlMarkup.h"
-#include "xml/MXmlElementParser.h"
-#include "xml/XmlRunSearch.h"
+#include "xml/parse/MXmlElementParser.h"
+#include "xml/scan/MXmlTagTokens.h"
+#include "xml/scan/XmlMarkupText.h"
+#include "xml/scan/XmlRunSearch.h"
+
+#include <algorithm>
+#include <cwchar>
 
 constexpr std::size_t MXmlMarkup::MaxTextLength;
 
@@ -12,8 +17,8 @@ MXmlMarkup::MXmlMarkup()
 int MXmlMarkup::LoadText(const wchar_t* text)
 {
     const std::size_t length = text ? TextLength(text) : 0;
-    CheckLength(length);
-    documentText.assign(text ? text : L"", length);
+    MXmlDocumentText::CheckLength(length);
+    documentText.Assign(text ? text : L"", length);
     errorText.clear();
     return ParseDocument();
 }
@@ -23,60 +28,160 @@ int MXmlMarkup::ParseDocument()
     const std::wstring earlierText = errorText;
     ClearPosition();
     savedPositions.Clear();
-    nextFreeIndex = 1;
-    deletedHead = 0;
-    GrowRecords(static_cast<std::int32_t>(documentText.size() / 64 + 8));
-    records[0] = MXmlElementRecord();
+    index.Clear(documentText.Length() / 64 + 8);
 
     IndexDocument();
     ClearPosition();
     if (!earlierText.empty())
         errorText = errorText.empty() ? earlierText : earlierText + L", " + errorText;
 
-    const std::int32_t root = records[0].firstChild;
-    return !records[0].Has(XmlElementDocumentIllFormed) && root != 0 &&
-           records[root].nextSibling == 0;
+    const std::int32_t root = index[0].firstChild;
+    return !index[0].Has(XmlElementDocumentIllFormed) && root != 0 && index[root].nextSibling == 0;
 }
 
 void MXmlMarkup::IndexDocument()
 {
-    if (documentText.empty()) {
+    if (documentText.Length() == 0) {
         errorText = L"Empty document";
         return;
     }
-    MXmlTokenCursor cursor = CursorAt(0);
-    const std::int32_t root = ParseElements(0, cursor);
-    records[0].length = static_cast<std::int32_t>(documentText.size());
+    MXmlTokenCursor cursor = documentText.CursorAt(0, documentFlags);
+    MXmlElementParser(index, 0, cursor, errorText).Run();
+    const std::int32_t root = index[0].firstChild;
+    index[0].length = documentText.Length();
     if (root == 0)
         errorText = L"No root element";
-    else if (records[root].nextSibling != 0)
+    else if (index[root].nextSibling != 0)
         errorText = L"Root element has sibling";
-}
-
-std::int32_t MXmlMarkup::ParseElements(std::int32_t startRecord, MXmlTokenCursor& cursor)
-{
-    errorText.clear();
-    cursor.next = 0;
-    return MXmlElementParser(*this, startRecord, cursor).Run();
 }
 
 bool MXmlMarkup::GrowRecords(std::int32_t count)
 {
-    const std::int64_t inUse = nextFreeIndex;
-    records.Grow(count != 0 ? count : inUse + inUse / 2);
+    index.GrowRecords(count);
     return true;
 }
 
-bool MXmlMarkup::IsElement(std::int32_t record) const
+void MXmlMarkup::ClearPosition()
 {
-    return record > 0 && record < nextFreeIndex && !records[record].Has(XmlElementDeleted);
+    MoveTo(0, 0, 0);
 }
 
-// A guard for records that were deleted with what contains them: no attribute is set on an element
-// whose text is gone.
-bool MXmlMarkup::IsInDocument(std::int32_t record) const
+// Stands on an element if there is a current one, and never on another node.
+void MXmlMarkup::MoveTo(std::int32_t parent, std::int32_t main, std::int32_t child)
 {
-    while (record != 0 && !records[record].Has(XmlElementDeleted))
-        record = records[record].parent;
-    return record == 0;
+    parentIndex = parent;
+    mainIndex = main;
+    childIndex = child;
+    nodeType = main != 0 ? XmlNodeElement : 0;
+    nodeOffset = 0;
+    nodeLength = 0;
+}
+
+bool MXmlMarkup::FindElement(const wchar_t* name)
+{
+    const std::int32_t found = FindNextSibling(parentIndex, mainIndex, name);
+    if (found == 0)
+        return false;
+    MoveTo(index[found].parent, found, 0);
+    return true;
+}
+
+std::int32_t MXmlMarkup::FindNextSibling(std::int32_t parent, std::int32_t sibling,
+                                         const wchar_t* name) const
+{
+    std::int32_t found = sibling != 0 ? index[sibling].nextSibling : index[parent].firstChild;
+    if (!name || *name == 0)
+        return found;
+    for (; found != 0; found = index[found].nextSibling) {
+        MXmlTokenCursor cursor = CursorInTag(found);
+        NextXmlNameToken(cursor);
+        if (XmlTokenMatches(cursor, name))
+            break;
+    }
+    return found;
+}
+
+bool MXmlMarkup::EnterElement()
+{
+    if (mainIndex == 0 || nodeType != XmlNodeElement)
+        return false;
+    MoveTo(mainIndex, childIndex, 0);
+    return true;
+}
+
+bool MXmlMarkup::LeaveElement()
+{
+    if (parentIndex == 0)
+        return false;
+    MoveTo(index[parentIndex].parent, parentIndex, mainIndex);
+    return true;
+}
+
+bool MXmlMarkup::SavePosition(const wchar_t* name)
+{
+    if (!name)
+        return false;
+    if (childIndex != 0)
+        savedPositions.Save(name, childIndex, XmlSavedChild);
+    else if (mainIndex != 0)
+        savedPositions.Save(name, mainIndex, XmlSavedMain);
+    else
+        savedPositions.Save(name, parentIndex, 0);
+    return true;
+}
+
+bool MXmlMarkup::RestorePosition(const wchar_t* name)
+{
+    const MXmlSavedPosition* saved = name ? savedPositions.Find(name) : nullptr;
+    if (!saved)
+        return false;
+    const std::int32_t above = index[saved->index].parent;
+    if ((saved->flags & XmlSavedChild) != 0)
+        MoveTo(index[above].parent, above, saved->index);
+    else if ((saved->flags & XmlSavedMain) != 0)
+        MoveTo(above, saved->index, 0);
+    else
+        MoveTo(saved->index, 0, 0);
+    return true;
+}
+
+void MXmlMarkup::PurgeSavedPositions()
+{
+    savedPositions.Purge(index);
+}
+
+std::wstring MXmlMarkup::EscapeText(const wchar_t* text, std::uint32_t flags)
+{
+    return XmlMarkupText::Escape(text, (flags & XmlAddEscapeQuotes) != 0,
+                                 (flags & XmlAddKeepReferences) != 0);
+}
+
+std::wstring MXmlMarkup::UnescapeText(const wchar_t* text, std::int32_t length)
+{
+    if (length == -1) {
+        const std::size_t whole = text ? std::wcslen(text) : 0;
+        MXmlDocumentText::CheckLength(whole);
+        length = static_cast<std::int32_t>(whole);
+    }
+    return XmlMarkupText::Unescape(text, std::max(length, 0));
+}
+
+std::wstring MXmlMarkup::WrapCdata(const wchar_t* text)
+{
+    return XmlMarkupText::WrapCdata(text);
+}
+
+bool MXmlMarkup::BuildNodeText(std::int32_t type, const wchar_t* text, std::wstring& result)
+{
+    return XmlMarkupText::Build(type, text, result);
+}
+
+bool MXmlMarkup::NextNameToken(MXmlTokenCursor& cursor)
+{
+    return NextXmlNameToken(cursor);
+}
+
+bool MXmlMarkup::FindAttribute(MXmlTokenCursor& cursor, const wchar_t* name, std::int32_t number)
+{
+    return FindXmlAttribute(cursor, name, number);
 }

@@ -1,54 +1,12 @@
 #pragma once
 
-#include "xml/MXmlElementRecord.h"
-#include "xml/MXmlNodeScan.h"
-#include "xml/MXmlRecordStore.h"
-#include "xml/MXmlSavedPositions.h"
-#include "xml/MXmlTokenCursor.h"
+#include "xml/document/MXmlDocumentText.h"
+#include "xml/document/MXmlInsertRequest.h"
+#include "xml/document/MXmlSavedPositions.h"
+#include "xml/index/MXmlElementIndex.h"
+#include "xml/scan/MXmlNodeScan.h"
+#include "xml/scan/MXmlTokenCursor.h"
 #include <string>
-
-/// Document flag: names are compared without regard to the case of ASCII letters.
-constexpr std::uint32_t XmlDocIgnoreCase = 0x8;
-
-/// How something is added, and how text is escaped.
-enum MXmlAddFlag : std::uint32_t {
-    /// `AddElement`: the data goes in as a CDATA section.
-    XmlAddCdata = 0x1,
-    /// No line break behind the new node. The first node between two tags with nothing in between
-    /// has one in front all the same.
-    XmlAddNoLineBreak = 0x2,
-    /// `AddElement` without data writes " />" instead of "/>".
-    XmlAddSpaceSlash = 0x4,
-    /// Escaping leaves well-formed references as they are.
-    XmlAddKeepReferences = 0x8,
-    /// `AddElement`: a start tag with no end tag and no data.
-    XmlAddNoEndTag = 0x10,
-    /// `AddElement`: the data is markup, and goes in unchanged.
-    XmlAddMarkup = 0x20,
-    /// Escaping also covers the two quote characters.
-    XmlAddEscapeQuotes = 0x100,
-    /// The new text replaces the content of the element. Set by the engine.
-    XmlAddReplaceContent = 0x1000,
-    /// In front of the current node and not behind it.
-    XmlAddBefore = 0x2000,
-    /// `AddElement`: among the children of the current element, at its current child. The new one
-    /// becomes the current child; the current element stays.
-    XmlAddChild = 0x4000
-};
-
-/// A request to put a node into the text, and where it went.
-struct MXmlInsertRequest {
-    /// An `MXmlNodeType`.
-    std::int32_t type;
-    /// Before: the current node's offset. After: the new node's.
-    std::int32_t offset;
-    /// Before: the current node's length, 0 on an element. After: the new node's.
-    std::int32_t length;
-    /// `MXmlAddFlag` bits.
-    std::uint32_t flags;
-    /// Before: the node. After: all that was spliced in.
-    std::wstring text;
-};
 
 /// An XML document as one wide text with an index of its elements.
 ///
@@ -80,9 +38,9 @@ struct MXmlInsertRequest {
 /// as well as can be, and remains fully usable; operations that cannot be carried out answer false
 /// and change nothing. Names and the texts of comments, instructions and declarations are written
 /// as they are given, without a check. Only `std::bad_alloc`, and `std::length_error` past
-/// `MaxTextLength`, leave as exceptions. After one of them the document is fit only for being
-/// loaded again or destroyed, unless the operation says otherwise; where `LoadText` throws
-/// `std::length_error`, it is as before.
+/// `MaxTextLength`, leave as exceptions. Where `LoadText` throws `std::length_error`, and wherever
+/// `AddElement`, `AddNode` or `SetAttribute` throws, the document is as before; after any other
+/// exception it is fit only for being loaded again or destroyed.
 ///
 /// Threads. None of its own, and no locks: one owner, one thread at a time. Two documents share
 /// nothing.
@@ -90,7 +48,7 @@ class MXmlMarkup
 {
 public:
     /// Longest text of a document, in characters.
-    static constexpr std::size_t MaxTextLength = 0x7FFFFFFF;
+    static constexpr std::size_t MaxTextLength = MXmlDocumentText::MaxLength;
 
     /// An empty document. As after loading an empty text, the error text is "Empty document".
     MXmlMarkup();
@@ -107,7 +65,7 @@ public:
 
     /// The whole document. The reference is valid as long as the document; its text changes with
     /// every edit.
-    const std::wstring& GetDocumentText() const { return documentText; }
+    const std::wstring& GetDocumentText() const { return documentText.Characters(); }
 
     /// The first finding of the last `LoadText` or `ReplaceInnerMarkup`, in words with the offset
     /// it is about, or empty. What concerns the root element replaces other findings.
@@ -192,8 +150,7 @@ public:
     /// Adds an element behind the current one, or as the last of its level if there is none, and
     /// moves to it. Without data, null or empty, it is an empty element. `flags` are `MXmlAddFlag`
     /// bits. False for `XmlAddChild` without a current element, for `XmlAddNoEndTag` with data, and
-    /// for `XmlAddMarkup` with data that is not well-formed. When an exception leaves it, the
-    /// document is as before.
+    /// for `XmlAddMarkup` with data that is not well-formed.
     bool AddElement(const wchar_t* name, const wchar_t* data, std::uint32_t flags);
 
     /// Adds an element that has an attribute, both or neither.
@@ -246,39 +203,25 @@ public:
 
     /// The record of an element; record 0 is the document's. `record` must be below
     /// `GetRecordCount`. The reference is void after anything that adds an element.
-    const MXmlElementRecord& GetRecord(std::int32_t record) const { return records[record]; }
+    const MXmlElementRecord& GetRecord(std::int32_t record) const { return index[record]; }
 
     /// Records in use, record 0 and deleted ones included.
-    std::int32_t GetRecordCount() const { return nextFreeIndex; }
+    std::int32_t GetRecordCount() const { return index.Count(); }
 
     /// Head of the list of deleted records, linked through `nextSibling`; 0 if there are none.
-    std::int32_t GetDeletedHead() const { return deletedHead; }
+    std::int32_t GetDeletedHead() const { return index.DeletedHead(); }
 
     /// Number of records for which there is memory.
-    std::int32_t GetRecordCapacity() const { return records.Capacity(); }
+    std::int32_t GetRecordCapacity() const { return index.Capacity(); }
 
     /// Makes room for that many records, or for half as many again as are in use if `count` is 0;
     /// goes at most one segment further at a time. Always answers true.
     bool GrowRecords(std::int32_t count);
 
 private:
-    friend class MXmlElementParser;
-
     int ParseDocument();
     void IndexDocument();
-    std::int32_t ParseElements(std::int32_t startRecord, MXmlTokenCursor& cursor);
-    void MakeRoomForRecord()
-    {
-        if (nextFreeIndex == records.Capacity())
-            GrowRecords(0);
-    }
-    std::int32_t TakeRecord()
-    {
-        MakeRoomForRecord();
-        return nextFreeIndex++;
-    }
-    bool IsElement(std::int32_t record) const;
-    bool IsInDocument(std::int32_t record) const;
+    std::int32_t ParseFragment(const std::wstring& markup, std::uint32_t level);
 
     void ClearPosition();
     void MoveTo(std::int32_t parent, std::int32_t main, std::int32_t child);
@@ -286,62 +229,24 @@ private:
     std::int32_t FindNextSibling(std::int32_t parent, std::int32_t sibling,
                                  const wchar_t* name) const;
 
-    MXmlTokenCursor CursorAt(std::int32_t offset) const;
     MXmlTokenCursor CursorInTag(std::int32_t record) const;
-    std::int32_t CutToText(std::int32_t offset) const;
-    std::wstring TextAt(std::int32_t offset, std::int32_t length) const;
-    std::wstring UnescapedTextAt(std::int32_t offset, std::int32_t length) const;
-    std::wstring TokenText(const MXmlTokenCursor& cursor) const;
+    bool OpenTag(std::int32_t record, MXmlTokenCursor& cursor) const;
     std::wstring NodeData() const;
     std::wstring ContentData(std::int32_t start, std::int32_t end) const;
-    bool OpenTag(std::int32_t record, MXmlTokenCursor& cursor) const;
 
     void GrowTag(std::int32_t record, std::int32_t delta);
-    static void BuildElement(const std::wstring& name, const std::wstring& attribute,
-                             const wchar_t* data, std::uint32_t flags, std::wstring& text,
-                             MXmlElementRecord& element);
     std::int32_t SpliceElement(std::int32_t sibling, MXmlInsertRequest& request,
-                               const MXmlElementRecord& element, const wchar_t* markup);
-    std::int32_t PlaceElement(std::int32_t sibling, const MXmlElementRecord& element,
-                              std::int32_t delta, std::int32_t content);
-    std::int32_t IndexMarkup(const std::wstring& markup, std::uint32_t level);
-    std::int32_t AddEmptyElement(std::int32_t sibling, const MXmlInsertRequest& request);
-    void DeleteDescendants(std::int32_t record);
-    std::int32_t FirstLeaf(std::int32_t record) const;
-    void DeleteRecord(std::int32_t record);
-    void AdoptChildren(std::int32_t parent, std::int32_t firstChild);
+                               MXmlElementRecord& element, const wchar_t* markup);
 
-    static std::wstring QuotedValue(const wchar_t* value);
-    static std::wstring AttributeText(const std::wstring& name, const wchar_t* value);
-    static void CheckLength(std::size_t length);
-    void ReplaceText(std::int32_t offset, std::int32_t count, const std::wstring& text);
-    std::int32_t InsertNodeText(std::int32_t parent, std::int32_t& sibling,
-                                MXmlInsertRequest& request);
-    std::int32_t InsertOffset(std::int32_t parent, std::int32_t sibling,
-                              const MXmlInsertRequest& request) const;
-    std::int32_t SkipLineBreak(std::int32_t offset) const;
-    std::int32_t SiblingToLink(std::int32_t parent, std::int32_t sibling,
-                               std::uint32_t flags) const;
-    std::int32_t InsertIntoEmpty(std::int32_t parent, MXmlInsertRequest& request);
-    std::int32_t InsertForContent(std::int32_t parent, const MXmlInsertRequest& request);
-    void LinkElement(std::int32_t parent, std::int32_t sibling, std::int32_t added);
-    void LinkBehind(std::int32_t parent, std::int32_t sibling, std::int32_t added);
-    void LinkInFront(std::int32_t parent, std::int32_t added);
-    void ShiftOffsets(std::int32_t record, std::int32_t delta, bool behindOnly);
-    std::int32_t NextInDocument(std::int32_t record, std::int32_t top, bool enters) const;
-    void ShiftOffsetsAfter(std::int32_t parent, std::int32_t sibling, std::int32_t delta);
-
-    std::wstring documentText;
+    MXmlDocumentText documentText;
     std::wstring errorText;
     std::int32_t parentIndex = 0;
     std::int32_t mainIndex = 0;
     std::int32_t childIndex = 0;
-    std::int32_t nextFreeIndex = 1;
-    std::int32_t deletedHead = 0;
     std::int32_t nodeType = 0;
     std::int32_t nodeOffset = 0;
     std::int32_t nodeLength = 0;
     std::uint32_t documentFlags = 0;
     MXmlSavedPositions savedPositions;
-    MXmlRecordStore records;
+    MXmlElementIndex index;
 };

@@ -29,7 +29,7 @@ OBJECTS = {
     "KLogRecord": "subject.log.records[0]",
     "KLogNames": "subject.log.idNames",
     "KLogger": "subject.log",
-    "MXmlElementRecord": "(*(MXmlElementRecord***)&subject.document.records.segments)[0][1]",
+    "MXmlElementRecord": "(*(MXmlElementRecord***)&subject.document.index.records.segments)[0][1]",
     "MXmlMarkup": "subject.document",
 }
 

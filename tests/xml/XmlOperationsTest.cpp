@@ -116,8 +116,8 @@ TEST(XmlFindAttribute, LeavesTheCursorWhereItSays)
 TEST(XmlSavedPositions, BucketsGrowAndPurgeClosesTheGaps)
 {
     MXmlSavedPositions positions;
-    MXmlRecordStore records;
-    records.Grow(16);
+    MXmlElementIndex records;
+    records.GrowRecords(16);
     // All in one bucket: the code of "g" is 103, and 7 of them are 721.
     const auto name = [](std::int32_t i) { return std::wstring(std::size_t(i) * 7, L'g'); };
     for (std::int32_t i = 0; i < 15; ++i) {

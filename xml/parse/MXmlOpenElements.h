@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xml/MXmlNameIndex.h"
+#include "xml/parse/MXmlNameIndex.h"
 
 #include <cstdint>
 #include <memory>

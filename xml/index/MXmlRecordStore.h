@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xml/MXmlElementRecord.h"
+#include "xml/index/MXmlElementRecord.h"
 #include <memory>
 
 /// The element records of one document, in segments of 65,536 records (2 MiB), so that growth never

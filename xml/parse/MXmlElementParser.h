@@ -1,19 +1,18 @@
 #pragma once
 
-#include "xml/MXmlNodeScan.h"
-#include "xml/MXmlOpenElements.h"
-#include "xml/MXmlRecordStore.h"
+#include "xml/index/MXmlElementIndex.h"
+#include "xml/parse/MXmlOpenElements.h"
+#include "xml/scan/MXmlNodeScan.h"
 
-class MXmlMarkup;
-
-/// One run over a text that adds a record to a document for every element it finds. No finding
-/// stops the run; the first one is left in the document's error text.
+/// One run over a text that adds a record to an index for every element it finds. No finding stops
+/// the run; the first one is left in words.
 class MXmlElementParser
 {
 public:
     /// Top-level elements become children of `startRecord`, which also takes the marks of what is
     /// ill-formed. The cursor stands at the front.
-    MXmlElementParser(MXmlMarkup& markup, std::int32_t startRecord, MXmlTokenCursor& freshCursor);
+    MXmlElementParser(MXmlElementIndex& elements, std::int32_t startRecord,
+                      MXmlTokenCursor& freshCursor, std::wstring& firstFinding);
 
     /// Answers the record of the first element, 0 if there is none.
     std::int32_t Run();
@@ -33,15 +32,14 @@ private:
     void DissolveTag(MXmlElementRecord& record);
     void NoteUnclosed(std::int32_t depth);
 
-    void Note(const std::wstring& finding);
-    bool HasFinding() const;
-    MXmlElementRecord& Record(std::int32_t index) { return records[index]; }
+    bool HasFinding() const { return !finding.empty(); }
+    MXmlElementRecord& Record(std::int32_t record) { return index[record]; }
     std::wstring TokenName() const;
     std::wstring OpenName(const MXmlOpenElement& element) const;
 
-    MXmlMarkup& document;
-    MXmlRecordStore& records;
+    MXmlElementIndex& index;
     MXmlTokenCursor& cursor;
+    std::wstring& finding;
     MXmlNodeScan scan;
     MXmlOpenElements open;
     std::uint32_t startLevel;

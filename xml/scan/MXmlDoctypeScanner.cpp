@@ -1,5 +1,5 @@
-#include "xml/MXmlDoctypeScanner.h"
-#include "xml/XmlCharacters.h"
+#include "xml/scan/MXmlDoctypeScanner.h"
+#include "xml/scan/XmlCharacters.h"
 
 std::int32_t MXmlDoctypeScanner::Run(const MXmlTokenCursor& cursor, std::int32_t offset,
                                      MXmlNodeScan& scan)

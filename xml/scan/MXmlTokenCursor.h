@@ -2,6 +2,9 @@
 
 #include <cstdint>
 
+/// Document flag: names are compared without regard to the case of ASCII letters.
+constexpr std::uint32_t XmlDocIgnoreCase = 0x8;
+
 /// In `MXmlTokenCursor::flags`, beside the document flags: the current token was in quotes.
 constexpr std::uint32_t XmlCursorQuoted = 0x8000;
 
@@ -44,7 +47,7 @@ struct MXmlTokenCursor {
     std::int32_t textLength;
     /// Document flags (`XmlDocIgnoreCase`) and `XmlCursorQuoted`.
     std::uint32_t flags;
-    /// Set by a match of `MXmlMarkup::FindAttribute`: where the white space before the name begins.
+    /// Set by a match of `FindXmlAttribute`: where the white space before the name begins.
     std::int32_t matchStart = 0;
     /// Likewise: the length of that white space.
     std::int32_t matchSpace = 0;

@@ -1,4 +1,4 @@
-#include "xml/MXmlRecordStore.h"
+#include "xml/index/MXmlRecordStore.h"
 
 #include <algorithm>
 #include <limits>

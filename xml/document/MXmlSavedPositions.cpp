@@ -1,4 +1,4 @@
-#include "xml/MXmlSavedPositions.h"
+#include "xml/document/MXmlSavedPositions.h"
 
 #include <utility>
 
@@ -38,11 +38,11 @@ const MXmlSavedPosition* MXmlSavedPositions::Find(const wchar_t* name) const
     return nullptr;
 }
 
-void MXmlSavedPositions::Purge(const MXmlRecordStore& records)
+void MXmlSavedPositions::Purge(const MXmlElementIndex& index)
 {
     for (std::uint32_t i = 0; buckets && i < BucketCount; ++i) {
         if (buckets[i])
-            PurgeBucket(buckets[i].get(), records);
+            PurgeBucket(buckets[i].get(), index);
     }
 }
 
@@ -93,12 +93,12 @@ MXmlSavedPosition& MXmlSavedPositions::GrowBucket(Bucket& bucket, std::int32_t l
     return bucket[last + 1];
 }
 
-void MXmlSavedPositions::PurgeBucket(MXmlSavedPosition* bucket, const MXmlRecordStore& records)
+void MXmlSavedPositions::PurgeBucket(MXmlSavedPosition* bucket, const MXmlElementIndex& index)
 {
     MXmlSavedPosition* kept = bucket;
     for (MXmlSavedPosition* entry = bucket;; ++entry) {
         const bool isLast = Is(*entry, XmlSavedLast);
-        const bool keep = Is(*entry, XmlSavedUsed) && !records[entry->index].Has(XmlElementDeleted);
+        const bool keep = Is(*entry, XmlSavedUsed) && !index[entry->index].Has(XmlElementDeleted);
         const std::uint32_t keptFlags = entry->flags & ~static_cast<std::uint32_t>(XmlSavedLast);
         entry->flags &= XmlSavedLast;
         if (keep) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xml/MXmlTokenCursor.h"
+#include "xml/scan/MXmlTokenCursor.h"
 #include <string>
 
 /// Types of nodes, as a position or a scan reports them.

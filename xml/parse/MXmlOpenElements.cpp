@@ -1,5 +1,5 @@
-#include "xml/MXmlOpenElements.h"
-#include "xml/XmlCharacters.h"
+#include "xml/parse/MXmlOpenElements.h"
+#include "xml/scan/XmlCharacters.h"
 
 #include <algorithm>
 

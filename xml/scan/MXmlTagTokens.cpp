@@ -1,5 +1,5 @@
-#include "xml/MXmlMarkup.h"
-#include "xml/XmlCharacters.h"
+#include "xml/scan/MXmlTagTokens.h"
+#include "xml/scan/XmlCharacters.h"
 
 namespace
 {
@@ -48,15 +48,7 @@ void TakeAttributeToken(MXmlTokenCursor& cursor, bool behindEquals)
     }
 }
 
-bool TokenMatches(const MXmlTokenCursor& cursor, const wchar_t* name)
-{
-    const std::int32_t length = cursor.TokenLength();
-    return XmlCharacters::Equal(cursor.Token(), name, length,
-                                (cursor.flags & XmlDocIgnoreCase) != 0) &&
-           XmlCharacters::MayFollowMatch(name[length]);
-}
-
-// The search of `MXmlMarkup::FindAttribute`, one token after the other.
+// The search of `FindXmlAttribute`, one token after the other.
 class MAttributeSearch
 {
 public:
@@ -99,7 +91,7 @@ private:
     {
         if (!name)
             return count == number;
-        if (TokenMatches(cursor, name)) {
+        if (XmlTokenMatches(cursor, name)) {
             matched = true;
             nameStart = cursor.start;
             nameEnd = cursor.end;
@@ -136,29 +128,22 @@ private:
 
 } // namespace
 
-bool MXmlMarkup::NextNameToken(MXmlTokenCursor& cursor)
+bool NextXmlNameToken(MXmlTokenCursor& cursor)
 {
     SkipSpace(cursor);
     TakeRun(cursor, XmlCharacters::EndsNameToken);
     return cursor.end >= cursor.start;
 }
 
-bool MXmlMarkup::FindAttribute(MXmlTokenCursor& cursor, const wchar_t* name, std::int32_t number)
+bool XmlTokenMatches(const MXmlTokenCursor& cursor, const wchar_t* name)
 {
-    return MAttributeSearch(cursor, name, number).Run();
+    const std::int32_t length = cursor.TokenLength();
+    return XmlCharacters::Equal(cursor.Token(), name, length,
+                                (cursor.flags & XmlDocIgnoreCase) != 0) &&
+           XmlCharacters::MayFollowMatch(name[length]);
 }
 
-std::int32_t MXmlMarkup::FindNextSibling(std::int32_t parent, std::int32_t sibling,
-                                         const wchar_t* name) const
+bool FindXmlAttribute(MXmlTokenCursor& cursor, const wchar_t* name, std::int32_t number)
 {
-    std::int32_t found = sibling != 0 ? records[sibling].nextSibling : records[parent].firstChild;
-    if (!name || *name == 0)
-        return found;
-    for (; found != 0; found = records[found].nextSibling) {
-        MXmlTokenCursor cursor = CursorInTag(found);
-        NextNameToken(cursor);
-        if (TokenMatches(cursor, name))
-            break;
-    }
-    return found;
+    return MAttributeSearch(cursor, name, number).Run();
 }

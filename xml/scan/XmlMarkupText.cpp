@@ -1,7 +1,6 @@
-#include "xml/MXmlMarkup.h"
-#include "xml/XmlCharacters.h"
+#include "xml/scan/XmlMarkupText.h"
+#include "xml/scan/XmlCharacters.h"
 
-#include <algorithm>
 #include <cwchar>
 
 namespace
@@ -171,16 +170,16 @@ private:
 
 } // namespace
 
-std::wstring MXmlMarkup::EscapeText(const wchar_t* text, std::uint32_t flags)
+std::wstring XmlMarkupText::Escape(const wchar_t* text, bool quotes, bool keepReferences)
 {
     text = OrEmpty(text);
-    const std::int32_t escapes = (flags & XmlAddEscapeQuotes) != 0 ? WithQuotes : WithoutQuotes;
+    const std::int32_t escapes = quotes ? WithQuotes : WithoutQuotes;
     const std::size_t length = std::wcslen(text);
     std::wstring result;
     result.reserve(length + length / 10 + 7);
     while (*text != 0) {
         const MEscape* escape = FindEscape(*text, escapes);
-        const bool mayKeep = *text == L'&' && (flags & XmlAddKeepReferences) != 0;
+        const bool mayKeep = *text == L'&' && keepReferences;
         const std::size_t kept = mayKeep ? ReferenceLength(text) : 0;
         if (kept != 0)
             result.append(text, kept);
@@ -193,18 +192,12 @@ std::wstring MXmlMarkup::EscapeText(const wchar_t* text, std::uint32_t flags)
     return result;
 }
 
-std::wstring MXmlMarkup::UnescapeText(const wchar_t* text, std::int32_t length)
+std::wstring XmlMarkupText::Unescape(const wchar_t* text, std::int32_t length)
 {
-    text = OrEmpty(text);
-    if (length == -1) {
-        const std::size_t whole = std::wcslen(text);
-        CheckLength(whole);
-        length = static_cast<std::int32_t>(whole);
-    }
-    return MUnescaper(text, std::max(length, 0)).Run();
+    return MUnescaper(OrEmpty(text), length).Run();
 }
 
-std::wstring MXmlMarkup::WrapCdata(const wchar_t* text)
+std::wstring XmlMarkupText::WrapCdata(const wchar_t* text)
 {
     constexpr wchar_t split[] = L"]]]]><![CDATA[>";
     text = OrEmpty(text);
@@ -218,7 +211,7 @@ std::wstring MXmlMarkup::WrapCdata(const wchar_t* text)
     return result += CdataEnding;
 }
 
-bool MXmlMarkup::BuildNodeText(std::int32_t type, const wchar_t* text, std::wstring& result)
+bool XmlMarkupText::Build(std::int32_t type, const wchar_t* text, std::wstring& result)
 {
     const std::wstring source = OrEmpty(text);
     result.clear();
@@ -228,7 +221,7 @@ bool MXmlMarkup::BuildNodeText(std::int32_t type, const wchar_t* text, std::wstr
         return true;
     case XmlNodeText:
     case XmlNodeWhitespace:
-        result = EscapeText(source.c_str(), 0);
+        result = Escape(source.c_str(), false, false);
         return true;
     case XmlNodeCdata:
         if (source.find(CdataEnding) != std::wstring::npos)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xml/MXmlRecordStore.h"
+#include "xml/index/MXmlElementIndex.h"
 #include <memory>
 #include <string>
 
@@ -38,8 +38,8 @@ public:
     /// The entry of that name, or null. Valid until the next change of the table.
     const MXmlSavedPosition* Find(const wchar_t* name) const;
 
-    /// Drops the entries whose records were deleted.
-    void Purge(const MXmlRecordStore& records);
+    /// Drops the entries whose elements were deleted.
+    void Purge(const MXmlElementIndex& index);
 
     /// Drops all entries and frees the table.
     void Clear() { buckets.reset(); }
@@ -54,7 +54,7 @@ private:
     static Bucket MakeBucket(std::int32_t size);
     static MXmlSavedPosition& PlaceFor(const wchar_t* name, Bucket& bucket);
     static MXmlSavedPosition& GrowBucket(Bucket& bucket, std::int32_t last);
-    static void PurgeBucket(MXmlSavedPosition* bucket, const MXmlRecordStore& records);
+    static void PurgeBucket(MXmlSavedPosition* bucket, const MXmlElementIndex& index);
 
     std::unique_ptr<Bucket[]> buckets;
 };

@@ -1,4 +1,4 @@
-#include "xml/XmlRunSearch.h"
+#include "xml/scan/XmlRunSearch.h"
 
 #include <cwchar>
 

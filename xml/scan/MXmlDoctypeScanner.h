@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xml/MXmlNodeScan.h"
+#include "xml/scan/MXmlNodeScan.h"
 
 /// Scans a doctype with the declarations nested in it. Unlike other nodes a doctype contains nodes,
 /// and the kind of one and its open quotes reach into what follows; so it is scanned by a state

@@ -1,4 +1,4 @@
-#include "xml/MXmlNameIndex.h"
+#include "xml/parse/MXmlNameIndex.h"
 
 void MXmlNameIndex::Reserve(std::size_t keyCount)
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xml/XmlCharacters.h"
+#include "xml/scan/XmlCharacters.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,14 +1,14 @@
-#include "xml/MXmlElementParser.h"
-#include "xml/MXmlMarkup.h"
-#include "xml/XmlCharacters.h"
-#include "xml/XmlRunSearch.h"
+#include "xml/parse/MXmlElementParser.h"
+#include "xml/scan/XmlCharacters.h"
+#include "xml/scan/XmlRunSearch.h"
 
-MXmlElementParser::MXmlElementParser(MXmlMarkup& markup, std::int32_t startRecord,
-                                     MXmlTokenCursor& freshCursor)
-    : document(markup), records(markup.records), cursor(freshCursor),
+MXmlElementParser::MXmlElementParser(MXmlElementIndex& elements, std::int32_t startRecord,
+                                     MXmlTokenCursor& freshCursor, std::wstring& firstFinding)
+    : index(elements), cursor(freshCursor), finding(firstFinding),
       open(cursor.text, (cursor.flags & XmlDocIgnoreCase) != 0, startRecord),
-      startLevel(document.records[startRecord].Level())
+      startLevel(index[startRecord].Level())
 {
+    finding.clear();
 }
 
 std::int32_t MXmlElementParser::Run()
@@ -58,7 +58,7 @@ bool MXmlElementParser::ClosesTop()
 
 void MXmlElementParser::OnStartTag()
 {
-    const std::int32_t added = document.TakeRecord();
+    const std::int32_t added = index.TakeRecord();
     MXmlOpenElement& parent = open.Top();
     MXmlElementRecord& record = Record(added);
     record.start = scan.start;
@@ -93,8 +93,8 @@ void MXmlElementParser::OnEndTag()
     }
     MarkIllFormed();
     if (!HasFinding())
-        Note(L"No start tag for end tag '" + TokenName() + L"' at offset " +
-             std::to_wstring(scan.start));
+        finding = L"No start tag for end tag '" + TokenName() + L"' at offset " +
+                  std::to_wstring(scan.start);
 }
 
 void MXmlElementParser::Close(std::int32_t depth)
@@ -120,7 +120,7 @@ void MXmlElementParser::OnIllFormedNode()
 {
     MarkIllFormed();
     if (!HasFinding())
-        Note(scan.Message());
+        finding = scan.Message();
 }
 
 void MXmlElementParser::OnEndOfText()
@@ -176,20 +176,10 @@ void MXmlElementParser::NoteUnclosed(std::int32_t depth)
     const MXmlOpenElement& top = open.Top();
     const std::wstring offset = std::to_wstring(Record(top.record).start);
     if (depth == 0)
-        Note(L"Element '" + OpenName(top) + L"' at offset " + offset + L" not ended");
+        finding = L"Element '" + OpenName(top) + L"' at offset " + offset + L" not ended";
     else
-        Note(L"End tag '" + TokenName() + L"' at offset " + std::to_wstring(cursor.start - 1) +
-             L" does not match start tag '" + OpenName(top) + L"' at offset " + offset);
-}
-
-void MXmlElementParser::Note(const std::wstring& finding)
-{
-    document.errorText = finding;
-}
-
-bool MXmlElementParser::HasFinding() const
-{
-    return !document.errorText.empty();
+        finding = L"End tag '" + TokenName() + L"' at offset " + std::to_wstring(cursor.start - 1) +
+                  L" does not match start tag '" + OpenName(top) + L"' at offset " + offset;
 }
 
 std::wstring MXmlElementParser::TokenName() const

@@ -1,7 +1,7 @@
-#include "xml/MXmlNodeScan.h"
-#include "xml/MXmlDoctypeScanner.h"
-#include "xml/XmlCharacters.h"
-#include "xml/XmlRunSearch.h"
+#include "xml/scan/MXmlNodeScan.h"
+#include "xml/scan/MXmlDoctypeScanner.h"
+#include "xml/scan/XmlCharacters.h"
+#include "xml/scan/XmlRunSearch.h"
 
 namespace
 {
