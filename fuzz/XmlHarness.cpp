@@ -17,6 +17,14 @@ bool IsPlainText(const std::wstring& text)
     return std::all_of(text.begin(), text.end(), [](wchar_t c) { return IsPlain(c) || c == L' '; });
 }
 
+bool IsPlainDoctype(const std::wstring& text)
+{
+    const std::wstring opening = L"<!DOCTYPE ";
+    return text.size() > opening.size() && text.compare(0, opening.size(), opening) == 0 &&
+           text.back() == L'>' &&
+           IsPlainText(text.substr(opening.size(), text.size() - opening.size() - 1));
+}
+
 bool IsPlainName(const std::wstring& name)
 {
     return !name.empty() && std::all_of(name.begin(), name.end(), IsPlain) &&
@@ -78,6 +86,9 @@ public:
 
     const std::wstring& Told() const { return told; }
 
+    /// Whether the law had to hold to the end.
+    bool IsFresh() const { return fresh; }
+
 private:
     static Operation Parse(const std::wstring& part)
     {
@@ -102,6 +113,8 @@ private:
             return Check(false);
         case L'a':
             return AddElement(operation);
+        case L'w':
+            return AddMarkup(operation);
         case L'n':
             return AddNode(operation);
         case L't':
@@ -194,7 +207,6 @@ private:
         const std::int32_t parent =
             (flags & XmlAddChild) != 0 ? document.GetMainIndex() : document.GetParentIndex();
         NoteParent(parent);
-        NoteLineBreak(parent, flags);
         const wchar_t* data = operation.hasSecond ? operation.second.c_str() : nullptr;
         if (!document.AddElement(operation.first.c_str(), data, flags))
             return Refused();
@@ -210,33 +222,46 @@ private:
         return Spliced(1);
     }
 
+    std::string AddMarkup(const Operation& operation)
+    {
+        const std::uint32_t flags = Flags(operation.choice & 0xC2) | XmlAddMarkup;
+        NoteParent((flags & XmlAddChild) != 0 ? document.GetMainIndex()
+                                              : document.GetParentIndex());
+        if (!document.AddElement(operation.first.c_str(), operation.second.c_str(), flags, L"type",
+                                 L"<int>"))
+            return Refused();
+        fresh = fresh && IsPlainName(operation.first);
+        const std::int32_t added =
+            document.GetChildIndex() != 0 ? document.GetChildIndex() : document.GetMainIndex();
+        if (fresh && (document.GetInnerMarkup(added) != operation.second ||
+                      document.GetAttribute(added, L"type") != L"<int>"))
+            return "the added element has another attribute or content";
+        return Spliced(1);
+    }
+
     std::string AddNode(const Operation& operation)
     {
         const std::int32_t type = 1 << (operation.choice & 7);
         const std::uint32_t flags = Flags((operation.choice & 0x40) | (operation.choice >> 4 & 2));
         NoteParent(document.GetParentIndex());
-        const bool breaksLine =
-            (type & (XmlNodeInstruction | XmlNodeComment | XmlNodeDoctype)) != 0;
-        NoteLineBreak(document.GetParentIndex(), breaksLine ? flags : XmlAddNoLineBreak);
         if (!document.AddNode(type, operation.first.c_str(), flags))
             return Refused();
         if (type == XmlNodeElement)
             fresh = fresh && IsPlainName(operation.first);
         else if (type == XmlNodeInstruction || type == XmlNodeComment)
             fresh = fresh && IsPlainText(operation.first);
-        else
-            fresh = fresh && type != XmlNodeDoctype;
+        else if (type == XmlNodeDoctype)
+            fresh = fresh && IsPlainDoctype(operation.first);
         return Spliced(1);
     }
 
     std::string SetAttribute(const Operation& operation, std::int32_t record)
     {
         const bool element = document.GetNodeLength() == 0;
-        if (element && record > 0 && record < document.GetRecordCount())
-            fresh = fresh && IsPlainTag(StartTag(record));
+        const bool plain = !element || IsPlainTag(StartTag(record));
         if (!document.SetAttribute(record, operation.first.c_str(), operation.second.c_str()))
             return Refused();
-        fresh = fresh && IsPlainName(operation.first);
+        fresh = fresh && plain && IsPlainName(operation.first);
         if (fresh && element &&
             document.GetAttribute(record, operation.first.c_str()) != operation.second)
             return "the attribute has another value";
@@ -253,8 +278,7 @@ private:
             return wellFormed ? "nothing was replaced well" : Refused();
         if (fresh && document.GetInnerMarkup(document.GetMainIndex()) != operation.first)
             return "the inner markup is not the one given";
-        // Markup without an element leaves its offset on the document's record.
-        fresh = fresh && wellFormed && document.GetRecord(0).start == 0;
+        fresh = fresh && wellFormed;
         return Spliced(std::max<std::size_t>(inner.size(), 1));
     }
 
@@ -280,17 +304,10 @@ private:
             fresh = fresh && IsPlainTag(StartTag(parent));
     }
 
-    // Between two tags without a content a line break comes in front even of a node that wants
-    // none, and is taken for the node's beginning.
-    void NoteLineBreak(std::int32_t parent, std::uint32_t flags)
-    {
-        const MXmlElementRecord& element = document.GetRecord(parent);
-        if (parent != 0 && element.ContentLength() == 0 && !element.IsEmptyElement())
-            fresh = fresh && (flags & XmlAddNoLineBreak) == 0;
-    }
-
     std::wstring StartTag(std::int32_t record) const
     {
+        if (record < 0 || record >= document.GetRecordCount())
+            return std::wstring();
         const MXmlElementRecord& element = document.GetRecord(record);
         const std::size_t size = before.size();
         const std::size_t start = std::min(static_cast<std::size_t>(element.start), size);
@@ -333,9 +350,7 @@ private:
     bool spans = true;
 };
 
-} // namespace
-
-std::string PlayXmlInput(const std::uint8_t* data, std::size_t size, std::wstring* told)
+std::vector<std::wstring> Parts(const std::uint8_t* data, std::size_t size)
 {
     std::vector<std::wstring> parts(1);
     for (std::size_t i = 0; i < size; ++i) {
@@ -344,9 +359,24 @@ std::string PlayXmlInput(const std::uint8_t* data, std::size_t size, std::wstrin
         else if (data[i] != 0)
             parts.back() += static_cast<wchar_t>(data[i] < 128 ? data[i] : data[i] + 0x100);
     }
+    return parts;
+}
+
+} // namespace
+
+std::string PlayXmlInput(const std::uint8_t* data, std::size_t size, std::wstring* told)
+{
     XmlPlayer player;
-    const std::string broken = player.Play(parts);
+    const std::string broken = player.Play(Parts(data, size));
     if (told)
         *told = player.Told();
     return broken;
+}
+
+std::string PlayXmlEdits(const std::string& input)
+{
+    XmlPlayer player;
+    const std::string broken =
+        player.Play(Parts(reinterpret_cast<const std::uint8_t*>(input.data()), input.size()));
+    return broken.empty() && !player.IsFresh() ? "an edit is not well-formed" : broken;
 }

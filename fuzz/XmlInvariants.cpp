@@ -1,5 +1,7 @@
 #include "fuzz/XmlInvariants.h"
 
+#include "tests/xml/LiteralParser.h"
+
 #include <vector>
 
 namespace
@@ -27,14 +29,6 @@ std::string BrokenPosition(const MXmlMarkup& document)
     if (child != 0 && document.GetRecord(child).parent != main)
         return "the current child is no child of the current element";
     return std::string();
-}
-
-bool NodeIsInText(const MXmlMarkup& document)
-{
-    return document.GetNodeOffset() >= 0 && document.GetNodeLength() >= 0 &&
-           static_cast<std::size_t>(document.GetNodeOffset()) +
-                   static_cast<std::size_t>(document.GetNodeLength()) <=
-               document.GetDocumentText().size();
 }
 
 std::string BrokenStore(const MXmlMarkup& document)
@@ -104,21 +98,90 @@ std::string BrokenTree(const MXmlMarkup& document)
     return std::string();
 }
 
-// All records in the order of the document.
-std::vector<MXmlElementRecord> InOrder(const MXmlMarkup& document)
+// All records in the order of the document, the document's first. `records` is anything that gives
+// a record by its number.
+template <class Records>
+std::vector<std::int32_t> InOrder(const Records& records)
 {
-    std::vector<MXmlElementRecord> records;
-    std::vector<std::int32_t> ahead = {document.GetRecord(0).firstChild};
+    std::vector<std::int32_t> order = {0};
+    std::vector<std::int32_t> ahead = {records(0).firstChild};
     while (!ahead.empty()) {
         const std::int32_t at = ahead.back();
         ahead.pop_back();
         if (at == 0)
             continue;
-        records.push_back(document.GetRecord(at));
-        ahead.push_back(records.back().nextSibling);
-        ahead.push_back(records.back().firstChild);
+        order.push_back(at);
+        ahead.push_back(records(at).nextSibling);
+        ahead.push_back(records(at).firstChild);
     }
-    return records;
+    return order;
+}
+
+// What differs between a record and the one made afresh, whose links have been made those of the
+// former's numbers.
+const char* Difference(const MXmlElementRecord& kept, const MXmlElementRecord& made)
+{
+    return kept.start != made.start && !made.IsDocument() ? "the start"
+           : kept.length != made.length                   ? "the length"
+           : kept.tagLengths != made.tagLengths           ? "a tag length"
+           : kept.flagsAndLevel != made.flagsAndLevel     ? "the level or a flag"
+           : kept.parent != made.parent                   ? "the parent"
+           : kept.firstChild != made.firstChild           ? "the first child"
+           : kept.nextSibling != made.nextSibling         ? "the next sibling"
+           : kept.previousSibling != made.previousSibling ? "the previous sibling"
+                                                          : nullptr;
+}
+
+std::string WrongIndex(const MXmlMarkup& document)
+{
+    LiteralIndex fresh = ParseLiterally(document.GetDocumentText(),
+                                        (document.GetDocumentFlags() & XmlDocIgnoreCase) != 0);
+    const auto kept = InOrder([&](std::int32_t i) { return document.GetRecord(i); });
+    const auto made =
+        InOrder([&](std::int32_t i) { return fresh.records[static_cast<std::size_t>(i)]; });
+    if (kept.size() != made.size())
+        return "the number of elements is wrong";
+    // A text is indexed in its order, so the number of a fresh record is its place.
+    for (std::size_t i = 0; i < kept.size(); ++i) {
+        MXmlElementRecord& record = fresh.records[i];
+        for (std::int32_t* link :
+             {&record.parent, &record.firstChild, &record.nextSibling, &record.previousSibling})
+            *link = kept[static_cast<std::size_t>(*link)];
+        if (const char* what = Difference(document.GetRecord(kept[i]), record))
+            return what + (" of element " + std::to_string(i) + " is wrong");
+    }
+    return std::string();
+}
+
+bool Encloses(const std::wstring& node, const std::wstring& opening, const std::wstring& ending)
+{
+    return node.size() >= opening.size() + ending.size() &&
+           node.compare(0, opening.size(), opening) == 0 &&
+           node.compare(node.size() - ending.size(), ending.size(), ending) == 0;
+}
+
+bool NodeIsThere(const MXmlMarkup& document)
+{
+    const std::size_t size = document.GetDocumentText().size();
+    const auto offset = static_cast<std::size_t>(document.GetNodeOffset());
+    const auto length = static_cast<std::size_t>(document.GetNodeLength());
+    if (length == 0)
+        return true;
+    if (offset > size || length > size - offset)
+        return false;
+    const std::wstring node = document.GetDocumentText().substr(offset, length);
+    switch (document.GetNodeType()) {
+    case XmlNodeCdata:
+        return Encloses(node, L"<![CDATA[", L"]]>");
+    case XmlNodeInstruction:
+        return Encloses(node, L"<?", L"?>");
+    case XmlNodeComment:
+        return Encloses(node, L"<!--", L"-->");
+    case XmlNodeDoctype:
+        return Encloses(node, L"<!", L">");
+    default:
+        return node.find_first_of(L"<>") == std::wstring::npos;
+    }
 }
 
 } // namespace
@@ -150,28 +213,5 @@ bool AllHaveStartTags(const MXmlMarkup& document)
 
 std::string StaleIndex(const MXmlMarkup& document)
 {
-    if (!NodeIsInText(document))
-        return "the current node lies outside the text";
-    MXmlMarkup fresh;
-    fresh.SetDocumentFlags(document.GetDocumentFlags());
-    fresh.LoadText(document.GetDocumentText().c_str());
-    const std::vector<MXmlElementRecord> kept = InOrder(document);
-    const std::vector<MXmlElementRecord> made = InOrder(fresh);
-    if (kept.size() != made.size())
-        return "the number of elements is wrong";
-    for (std::size_t i = 0; i < kept.size(); ++i) {
-        const std::string which = " of element " + std::to_string(i) + " is wrong";
-        if (kept[i].start != made[i].start)
-            return "the start" + which;
-        if (kept[i].length != made[i].length)
-            return "the length" + which;
-        if (kept[i].StartTagLength() != made[i].StartTagLength() ||
-            kept[i].EndTagLength() != made[i].EndTagLength())
-            return "a tag length" + which;
-        if (kept[i].Level() != made[i].Level() ||
-            kept[i].Has(XmlElementNoEndTag) != made[i].Has(XmlElementNoEndTag) ||
-            kept[i].Has(XmlElementFirstChild) != made[i].Has(XmlElementFirstChild))
-            return "the level or a flag" + which;
-    }
-    return std::string();
+    return NodeIsThere(document) ? WrongIndex(document) : "the position is not on the node";
 }

@@ -14,6 +14,7 @@ bool SpansText(const MXmlMarkup& document);
 /// behind its tag can make one, and what is shifted then stops at it.
 bool AllHaveStartTags(const MXmlMarkup& document);
 
-/// Where the current node lies outside the text, or the index differs from one made afresh from the
-/// text; or empty. Holds while nothing ill-formed was loaded or added.
+/// Where the index differs from that of a fresh parse of the text, taken literally, or the current
+/// node is not where the position says; or empty. Left aside are the numbers of records, deleted
+/// ones, and the start of the document's. Holds while nothing ill-formed was loaded or added.
 std::string StaleIndex(const MXmlMarkup& document);

@@ -1,0 +1,24 @@
+#include "fuzz/XmlEditGenerator.h"
+#include "fuzz/XmlExhaustiveTexts.h"
+#include "fuzz/XmlHarness.h"
+
+#include <gtest/gtest.h>
+
+// A part of what is gone through before anything is published.
+TEST(XmlExhaustive, ShortTextsAndThoseAtBoundariesAsLiterally)
+{
+    XmlExhaustiveTexts texts;
+    texts.All(4);
+    texts.Framed(2);
+    texts.Edges(1024);
+    EXPECT_EQ(texts.Differing(), L"");
+}
+
+TEST(XmlExhaustive, AfterAnyEditTheIndexIsThatOfAFreshParse)
+{
+    XmlEditGenerator generator(7);
+    for (int i = 0; i < 300; ++i) {
+        const std::string input = generator.Input(40);
+        ASSERT_EQ(PlayXmlEdits(input), "") << input;
+    }
+}
