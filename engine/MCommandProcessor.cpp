@@ -57,6 +57,7 @@ MCommandProcessor::~MCommandProcessor()
 {
     MFlowLocation& location = Locations::Get().destruction;
     location.SetObject(this).SetLine(__LINE__).LogDestruction();
+    DropQueued();
 }
 
 void MCommandProcessor::ExecuteSynchronously(std::auto_ptr<MCommandSynchronous> command)
@@ -85,6 +86,17 @@ void MCommandProcessor::ExecuteSynchronously(std::auto_ptr<MCommandSynchronous> 
     if (status == WAIT_ABANDONED_0 || status == WAIT_ABANDONED_0 + 1)
         RaiseError(location, L"Abandoned");
     RaiseWindowsError(location, L"WaitFailed");
+}
+
+// Whoever puts a command behind an abort finds the event set, and empties the queue himself.
+bool MCommandProcessor::Queue(std::unique_ptr<MCommand> command)
+{
+    commandQueue->Put(command.get());
+    command.release();
+    const bool accepted = !IsAborted();
+    if (!accepted)
+        DropQueued();
+    return accepted;
 }
 
 bool MCommandProcessor::IsAborted()
@@ -188,6 +200,11 @@ void MCommandProcessor::Abort()
     location.SetObject(this).SetLine(__LINE__).LogTimingPoint();
     aborted = true;
     SetEvent(abortEvent);
+    DropQueued();
+}
+
+void MCommandProcessor::DropQueued()
+{
     MCommand* command = nullptr;
     while (commandQueue->Get(command))
         delete command;

@@ -50,6 +50,13 @@ public:
     /// command from the moment it is queued; whatever happens, the caller is rid of it.
     void ExecuteSynchronously(std::auto_ptr<MCommandSynchronous> command);
 
+    /// Queues the command and returns at once; nobody waits for it. Any thread. The command says in
+    /// its destructor what became of it: it is deleted when it has run, and unexecuted when the
+    /// processor is stopped or destroyed before. What leaves its `ExecuteGenericCommand` ends the
+    /// processor thread. False, with the command deleted or about to be, when the processor has
+    /// been stopped. Raises an `MErrorOutOfMemory` in an `MException`; the command is gone then.
+    bool Queue(std::unique_ptr<MCommand> command);
+
     /// Whether the processor has been stopped. Raises "ErrorAccessingEvent" with "winErrorCode".
     bool IsAborted();
 
@@ -68,6 +75,7 @@ private:
                       std::uint32_t idleTimeoutMs);
 
     void Abort();
+    void DropQueued();
     void OnCommandQueued();
     bool ExecuteNext();
     void RunLoop();

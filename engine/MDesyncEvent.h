@@ -15,3 +15,15 @@ public:
 protected:
     ~MDesyncEvent() = default;
 };
+
+/// An event that owns something. It lets go of it in `Fire`, or in `Drop` when it is never fired.
+class MOwningDesyncEvent : public MDesyncEvent
+{
+public:
+    /// Lets go of what the event owns. Called once, by whoever destroys the scheduler, in place of
+    /// `Fire`; must not raise.
+    virtual void Drop() = 0;
+
+protected:
+    ~MOwningDesyncEvent() = default;
+};

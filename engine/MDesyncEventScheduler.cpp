@@ -36,6 +36,7 @@ MDesyncEventScheduler::~MDesyncEventScheduler()
     MFlowLocation& location = Locations::Get().destruction;
     location.SetObject(this).SetLine(__LINE__).LogDestruction();
     DismissFailureOf([this] { Disable(); }, location.SetLine(__LINE__));
+    DropOwningEvents();
 }
 
 void MDesyncEventScheduler::Enable()
@@ -75,4 +76,14 @@ void MDesyncEventScheduler::OnSchedulerEvent()
         }
         ::operator delete(event);
     }
+}
+
+void MDesyncEventScheduler::DropOwningEvents()
+{
+    MDesyncEvent* event = nullptr;
+    while (eventQueue.Get(event))
+        if (auto* const owning = dynamic_cast<MOwningDesyncEvent*>(event)) {
+            owning->Drop();
+            ::operator delete(event);
+        }
 }

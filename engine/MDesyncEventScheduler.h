@@ -12,7 +12,7 @@ class MDesyncEvent;
 ///
 /// A scheduler is made disabled, and can be enabled and disabled any number of times. What is
 /// scheduled while it is disabled waits. Destroying it disables it and drops what is still queued,
-/// without freeing it.
+/// without freeing it, but for events that own something: those are dropped and freed.
 class MDesyncEventScheduler : private Selvan::Utilities::NonCopyable
 {
 public:
@@ -48,6 +48,8 @@ protected:
 
 private:
     struct Locations;
+
+    void DropOwningEvents();
 
     MSchedulerThread schedulerThread;
     MThreadSafeFifo<MDesyncEvent*, MDesyncEvent*> eventQueue;

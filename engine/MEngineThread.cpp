@@ -55,7 +55,7 @@ MEngineThread::MEngineThread(IThreadErrorHandler* errorHandler)
     : state(EngineThreadState::Inactive), threadId(0), threadHandle(nullptr),
       flushRequestEvent(EventReset::Automatic), stopEvent(EventReset::Manual),
       threadStartedEvent(EventReset::Automatic), flushDoneEvent(EventReset::Automatic),
-      errorHandler(errorHandler), stopServed(false)
+      errorHandler(errorHandler), stopServed(false), threadEndedEvent(EventReset::Manual)
 {
     MFlowLocation& location = Locations::Get().construction;
     AddEvent(flushRequestEvent, MakeFunctor(this, &MEngineThread::OnFlushWrapper));
@@ -80,6 +80,7 @@ void MEngineThread::Start()
     if (state != EngineThreadState::Inactive)
         RaiseError(location.SetObject(this).SetLine(__LINE__), L"AlreadyRunning");
     ResetEvent(stopEvent);
+    ResetEvent(threadEndedEvent);
     stopServed = false;
     CreateThread(location);
     ChangeState(EngineThreadState::Starting);
@@ -263,10 +264,13 @@ unsigned __stdcall MEngineThread::ThreadEntry(void* thread)
     const GuardFilter observe = [](void* self, _EXCEPTION_POINTERS* pointers) -> long {
         if (ICrashHandler* const handler = static_cast<MEngineThread*>(self)->errorHandler)
             RunContained([=] { handler->OnUnhandledException(pointers); });
+        SetEvent(static_cast<MEngineThread*>(self)->threadEndedEvent);
         return GuardContinueSearch;
     };
     ReserveStackForFailures();
-    return RunGuarded(run, observe, thread) ? 0 : 1;
+    const bool returned = RunGuarded(run, observe, thread);
+    SetEvent(static_cast<MEngineThread*>(thread)->threadEndedEvent);
+    return returned ? 0 : 1;
 }
 
 // The id is known here before the one who starts the thread knows it.

@@ -77,6 +77,10 @@ public:
     /// has died. Not while another thread is in `Start` or `Stop`.
     bool HasEnded() const;
 
+    /// Set when the thread has ended, in whatever way, until the next `Start`; for waiting on
+    /// something that only the living thread does. It stays the thread's.
+    HANDLE GetEndedEvent() const { return threadEndedEvent; }
+
 protected:
     /// The body of the thread. An `MException` that leaves it goes to `OnSpontaneousError`;
     /// anything else goes to `OnUnhandledException` and ends the process.
@@ -145,4 +149,5 @@ private:
     std::vector<MCallbackFunctorPtr> waitFunctors;
     IThreadErrorHandler* errorHandler;
     bool stopServed;
+    PlatformEvent threadEndedEvent;
 };
