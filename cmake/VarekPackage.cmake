@@ -16,7 +16,7 @@ install(TARGETS varek varek_framework varek_language varek_module
 install(TARGETS varek-log)
 install(EXPORT VarekTargets NAMESPACE Varek:: DESTINATION ${package_folder})
 
-install(DIRECTORY diagnostics engine filers foundation module xml
+install(DIRECTORY diagnostics engine filers foundation module varek xml
     DESTINATION include/varek
     FILES_MATCHING PATTERN "*.h")
 

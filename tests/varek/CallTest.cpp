@@ -1,0 +1,195 @@
+// Calls, under stops, deaths and failing memory. That nothing leaks is seen by the check for leaks.
+
+#include "varek/Call.h"
+#include "tests/engine/EngineFixtures.h"
+#include "varek/Errors.h"
+
+#include <stdexcept>
+
+namespace
+{
+
+using std::chrono::milliseconds;
+
+struct StartedProcessor : MCommandProcessor {
+    StartedProcessor() : MCommandProcessor(nullptr, nullptr, nullptr, nullptr, 0) { Start(); }
+    ~StartedProcessor() override { Stop(); }
+
+    /// Keeps the thread until `gate` is opened, and ends it then.
+    void Die(Gate& gate)
+    {
+        struct Deadly : MCommand {
+            explicit Deadly(Gate& gate) : gate(gate) {}
+            void ExecuteGenericCommand() override
+            {
+                gate.Pass();
+                Raise("deadly");
+            }
+            Gate& gate;
+        };
+        Queue(std::unique_ptr<MCommand>(new Deadly(gate)));
+    }
+};
+
+template <class T>
+std::string Outcome(std::future<T>& future)
+{
+    return Raised([&] { future.get(); });
+}
+
+} // namespace
+
+TEST(Call, GivesBackWhatTheFunctionDoes)
+{
+    StartedProcessor processor;
+    int number = 7;
+    auto counting = [count = 0]() mutable { return ++count; };
+    varek::Call(processor, counting);
+    EXPECT_EQ(2, varek::Call(processor, counting)); // it is not copied
+    EXPECT_EQ(&number, &varek::Call(processor, [&]() -> int& { return number; }));
+    EXPECT_EQ(3, *varek::Call(processor, [] { return std::make_unique<int>(3); }));
+    EXPECT_TRUE(varek::Call(processor, [&] { return processor.IsCurrentThread(); }));
+    EXPECT_EQ(4, *varek::CallAsync(processor, [p = std::make_unique<int>(4)]() mutable {
+                      return std::move(p);
+                  }).get());
+    varek::CallFor(std::chrono::hours(2000), processor, [&] { number = 8; });
+    EXPECT_EQ(8, number);
+}
+
+TEST(Call, EveryWayOfCallingRaisesTheSame)
+{
+    StartedProcessor processor;
+    varek::CancelToken cancelled;
+    const std::pair<std::string, Action> failures[] = {
+        {"Pump:Dry", [] { Raise("Pump:Dry"); }},
+        {"varek.Call:StandardException type=St13runtime_error what=odd",
+         [] { throw std::runtime_error("odd"); }},
+    };
+    for (const auto& failure : failures) {
+        const Action& action = failure.second;
+        EXPECT_EQ(failure.first, Raised([&] { varek::Call(processor, action); }));
+        EXPECT_EQ(failure.first,
+                  Raised([&] { varek::CallFor(milliseconds(9999), processor, action); }));
+        EXPECT_EQ(failure.first, Raised([&] { varek::CallAsync(processor, action).get(); }));
+    }
+    const auto own = [&] { return Raised([&] { varek::Call(processor, [] {}); }); };
+    EXPECT_EQ("varek.Call:OwnThread", varek::Call(processor, own));
+    cancelled.Cancel();
+    const Action never = [] { ADD_FAILURE(); };
+    EXPECT_EQ("varek.Call:Cancelled", Raised([&] { varek::Call(processor, never, cancelled); }));
+    EXPECT_EQ("varek.Call:Cancelled",
+              Raised([&] { varek::CallAsync(processor, never, cancelled).get(); }));
+    processor.Stop();
+    EXPECT_EQ("varek.Call:ProcessorStopped", Raised([&] { varek::Call(processor, never); }));
+    EXPECT_EQ("varek.Call:CommandProcessingAborted",
+              Raised([&] { varek::CallAsync(processor, never).get(); }));
+}
+
+TEST(CallFor, GivesUpWaitingAndLeavesTheFunctionAlone)
+{
+    Gate gate;
+    const auto owned = std::make_shared<int>();
+    StartedProcessor processor;
+    EXPECT_EQ("varek.Call:TimedOut", Raised([&] {
+                  varek::CallFor(milliseconds(10), processor, [owned, &gate] {
+                      gate.Pass();
+                      ++*owned;
+                      throw std::runtime_error("to nobody");
+                  });
+              }));
+    EXPECT_EQ("varek.Call:TimedOut", Raised([&] {
+                  varek::CallFor(milliseconds(1), processor, [owned] { return ++*owned; });
+              }));
+    gate.Open();
+    varek::Call(processor, [] {});
+    EXPECT_EQ(2, *owned);
+    processor.Stop();
+    EXPECT_EQ(1, owned.use_count());
+}
+
+TEST(Call, AThreadThatHasDiedIsAnErrorAndWhatWasGivenUpIsNotRunLater)
+{
+    const std::string dead = "varek.Call:ThreadExitedUnexpectedly";
+    Gate gate;
+    int ran = 0;
+    const auto count = [&] { ++ran; };
+    std::future<void> early;
+    {
+        StartedProcessor processor;
+        processor.Die(gate);
+        early = varek::CallAsync(processor, count);
+        std::thread opener([&] {
+            Sleep(30);
+            gate.Open();
+        });
+        EXPECT_EQ(dead, Raised([&] { varek::Call(processor, count); })); // it waited
+        opener.join();
+        EXPECT_EQ(dead, Raised([&] { varek::Call(processor, count); }));
+        EXPECT_EQ(dead, Raised([&] { varek::CallAsync(processor, count); }));
+        processor.Stop();
+        EXPECT_EQ(dead, Raised([&] { varek::Call(processor, count); }));
+        processor.Start();
+        varek::Call(processor, [] {});
+        EXPECT_EQ(1, ran); // the one whose future is still there
+    }
+    EXPECT_EQ("", Outcome(early));
+    std::future<void> late;
+    {
+        MCommandProcessor neverStarted(nullptr, nullptr, nullptr, nullptr, 0);
+        late = varek::CallAsync(neverStarted, count);
+    }
+    EXPECT_EQ("varek.Call:CommandProcessingAborted", Outcome(late));
+}
+
+TEST(Call, ManyCallersThroughAStopGetAResultOrAnErrorEach)
+{
+    const auto storm = [] {
+        std::atomic<int> ran{0}, answered{0}, refused{0};
+        StartedProcessor processor;
+        RunOnThreads(4, [&](int number) {
+            const auto work = [&] { return ++ran; };
+            for (int i = 0; i < 50; ++i)
+                try {
+                    if (number == 0 && i == 25)
+                        processor.Stop();
+                    if (i % 3 == 0)
+                        varek::Call(processor, work);
+                    else if (i % 3 == 1)
+                        varek::CallFor(std::chrono::minutes(1), processor, work);
+                    else
+                        varek::CallAsync(processor, work).get();
+                    ++answered;
+                } catch (MException&) {
+                    ++refused;
+                }
+        });
+        EXPECT_EQ(answered, ran);
+        EXPECT_EQ(200, answered + refused);
+        EXPECT_GE(refused, 25);
+    };
+    storm();
+    const ExpectSameHandles sameHandles;
+    for (int i = 0; i < 5; ++i)
+        storm();
+}
+
+TEST(Call, WithoutMemoryItIsNotRunAndTheProcessorGoesOn)
+{
+    StartedProcessor processor;
+    int ran = 0;
+    const Action calls[] = {
+        [&] { varek::Call(processor, [&] { ++ran; }); },
+        [&] { varek::CallFor(std::chrono::minutes(1), processor, [&] { ++ran; }); },
+        [&] { varek::CallAsync(processor, [&] { ++ran; }).get(); },
+    };
+    for (const Action& call : calls) {
+        call();
+        const ExpectSameHandles sameHandles;
+        ran = 0;
+        ForEachFailingAllocation(AllocationFailure::Throws, call, [&](ShortageOutcome outcome) {
+            EXPECT_NE(ShortageOutcome::Completed, outcome);
+            EXPECT_EQ(0, ran);
+        });
+        EXPECT_EQ(1, ran);
+    }
+}

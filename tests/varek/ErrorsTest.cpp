@@ -1,0 +1,172 @@
+// Texts, failures, chains, and the line that traces.
+
+#include "varek/Errors.h"
+#include "diagnostics/KLogger.h"
+#include "foundation/MErrorOutOfMemory.h"
+#include "tests/support/DumpedRecord.h"
+#include "tests/support/LeakCheck.h"
+#include "tests/support/Raised.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include <windows.h>
+
+namespace
+{
+
+struct Named {
+    operator std::wstring() const { return L"named"; }
+};
+
+enum class Grade : unsigned char { Low = 3 };
+
+class Kettle
+{
+    VAREK_TRACED_CLASS(Kettle);
+
+public:
+    Kettle() { VAREK_TRACE(); }
+
+    template <class T>
+    void Heat(T degrees)
+    {
+        VAREK_TRACE(degrees, this);
+        [this, degrees] { VAREK_TRACE(degrees > 5); }();
+        if (degrees > 80)
+            VAREK_RAISE(L"Boils").With(L"degrees", degrees).Throw();
+    }
+
+    static void Describe() { VAREK_TRACE_STATIC(L'x'); }
+};
+
+void Free()
+{
+    VAREK_TRACE(Grade::Low);
+    VAREK_RAISE(L"Lost").Throw();
+}
+
+/// The newest records as "kind class function number number".
+std::vector<std::string> NewestRecords(std::size_t count)
+{
+    std::vector<std::string> lines;
+    for (const std::string& text : DumpedTexts(*KLogger::GetModuleLogger())) {
+        std::istringstream words(text);
+        std::string word, line;
+        while (words >> word && word != "for_object")
+            line += word + " ";
+        lines.push_back(line);
+    }
+    return std::vector<std::string>(lines.end() - static_cast<std::ptrdiff_t>(count), lines.end());
+}
+
+} // namespace
+
+TEST(Text, ComparesJoinsStreamsAndGoesBothWays)
+{
+    const std::wstring samples[] = {L"", L"a", L"ab", L"b", L"Z", L"\x20AC"};
+    for (const std::wstring& a : samples)
+        for (const std::wstring& b : samples) {
+            const MString left(a.c_str()), right(b.c_str());
+            EXPECT_EQ(a == b, left == right);
+            EXPECT_EQ(a != b, left != b);
+            EXPECT_EQ(a < b, left < right);
+            EXPECT_EQ(a > b, a > right);
+            EXPECT_EQ(a <= b, left <= b.c_str());
+            EXPECT_EQ(a >= b, a.c_str() >= right);
+            EXPECT_EQ(a + b, varek::ToString(left + right));
+            EXPECT_TRUE(left + b == a + right);
+            EXPECT_EQ(a, std::wstring(begin(left), end(left)));
+            std::wostringstream out;
+            out << left << L"|" << right;
+            EXPECT_EQ(a + L"|" + b, out.str());
+            EXPECT_EQ(a + b, varek::FromUtf8(varek::ToUtf8(left + right)));
+        }
+    EXPECT_EQ("\xE2\x82\xAC", varek::ToUtf8(L"\x20AC"));
+}
+
+TEST(Raise, ShowsValuesOfEveryKind)
+{
+    static MFlowLocation location(L"Class", L"Function");
+    SetLastError(5);
+    const std::string shown = Raised([&] {
+        varek::Raise(location, L"Code")
+            .With(L"a", static_cast<signed char>(-1))
+            .With(L"b", static_cast<unsigned char>(200))
+            .With(L"c", 'c')
+            .With(L"d", L'd')
+            .With(L"e", static_cast<short>(-300))
+            .With(L"f", 4294967295u)
+            .With(L"g", -9223372036854775807LL - 1)
+            .With(L"h", 18446744073709551615ULL)
+            .With(L"i", 0.1)
+            .With(L"j", 0.5f)
+            .With(L"k", true)
+            .With(L"l", Grade::Low)
+            .With(L"m", reinterpret_cast<void*>(0xABC))
+            .With(L"n", "narrow")
+            .With(L"o", L"wide")
+            .With(L"p", std::wstring(L"standard"))
+            .With(L"q", MString(L"own"))
+            .With(L"r", Named())
+            .With(L"s", static_cast<const wchar_t*>(nullptr))
+            .With(L"t", varek::Hex(static_cast<short>(-2)))
+            .WithResult(E_ACCESSDENIED)
+            .WithLastError()
+            .With(L"a", L"not again")
+            .Throw();
+    });
+    EXPECT_EQ("Class.Function:Code a=-1 b=200 c=c d=d e=-300 f=4294967295 g=-9223372036854775808 "
+              "h=18446744073709551615 hresult=80070005h i=0.10000000000000001 j=0.5 k=true l=3 "
+              "m=0000000000000abch n=narrow o=wide p=standard q=own r=named s= t=fffeh "
+              "winErrorCode=5",
+              shown);
+}
+
+TEST(Errors, OfAChainAreWalkedFoundAndToldInOneLine)
+{
+    MException exception;
+    EXPECT_EQ("no error", varek::What(exception));
+    EXPECT_EQ(nullptr, varek::NewestError(exception));
+    for (const wchar_t* code : {L"Valve.Open:Stuck", L"Pump.Drain:RunsDry", L"Bare"}) {
+        MError error(code);
+        error.AddParameter(L"code", code);
+        exception.AddError(error);
+    }
+    exception.AddError(MErrorOutOfMemory());
+    std::wstring codes;
+    for (const MError& error : varek::Errors(exception))
+        codes += varek::ToString(error.GetCode()) + L"|";
+    EXPECT_EQ(L"Valve.Open:Stuck|Pump.Drain:RunsDry|Bare||", codes);
+    EXPECT_EQ(exception.GetError(1), varek::FindError(exception, L"RunsDry"));
+    EXPECT_EQ(exception.GetError(0), varek::FindError(exception, L"Valve.Open:Stuck"));
+    EXPECT_EQ(exception.GetError(2), varek::FindError(exception, L"Bare"));
+    EXPECT_EQ(nullptr, varek::FindError(exception, L"Open"));
+    EXPECT_TRUE(varek::ParameterOf(*exception.GetError(2), L"code") == L"Bare");
+    EXPECT_EQ("Out of memory, caused by Bare (code=Bare), caused by Pump.Drain:RunsDry "
+              "(code=Pump.Drain:RunsDry), caused by Valve.Open:Stuck (code=Valve.Open:Stuck)",
+              varek::What(exception));
+    EXPECT_EQ("std::exception", varek::What(std::exception()));
+}
+
+TEST(Trace, NamesClassesFunctionsAndObjectsWhereverTheLineStands)
+{
+    LeakCheck::Skip(); // the names stay
+    Kettle kettle;
+    kettle.Heat(3);
+    kettle.Heat(9ULL);
+    Kettle::Describe();
+    EXPECT_EQ("Kettle.Heat:Boils degrees=90", Raised([&] { kettle.Heat(90); }));
+    EXPECT_EQ("Free:Lost", Raised(Free));
+    const std::vector<std::string> records = NewestRecords(18);
+    const char* const expected[] = {"Kettle", "operator()", "Boils", "Describe", "Free", "Lost"};
+    for (const char* name : expected) {
+        const auto names = [&](const std::string& line) {
+            return line.find(name) != std::string::npos;
+        };
+        EXPECT_TRUE(std::any_of(records.begin(), records.end(), names)) << name;
+    }
+    EXPECT_EQ("% Scope_push in_class Kettle at Heat ", records[4]);
+}

@@ -1,0 +1,210 @@
+#include "varek/Worker.h"
+
+#include "engine/MMutexLock.h"
+#include "engine/MSchedulerThread.h"
+#include "module/ModuleCommandProcessor.h"
+#include "varek/Errors.h"
+
+#include <atomic>
+#include <vector>
+
+#include <windows.h>
+
+namespace varek
+{
+
+namespace
+{
+
+TracedLocation& Location()
+{
+    static TracedLocation location(L"varek", L"Worker");
+    return location;
+}
+
+} // namespace
+
+/// What is named, and the engine thread that does it while the worker runs.
+struct Worker::State {
+    MMutex mutex; // held through starts and stops; never waited for by the worker's own thread
+    std::vector<std::unique_ptr<Duty>> duties;
+    std::unique_ptr<MSchedulerThread> running;
+    std::atomic<unsigned long> threadAtWork{0};
+};
+
+/// Says which thread is the worker's, while it is in a function.
+class Worker::AtWork
+{
+public:
+    explicit AtWork(State& state) : state(state) { state.threadAtWork = GetCurrentThreadId(); }
+    ~AtWork() { state.threadAtWork = 0; }
+
+private:
+    State& state;
+};
+
+/// Something to do, with its timer if it has one.
+struct Worker::Duty {
+    Duty(State& state, HANDLE handle, Function function)
+        : state(state), handle(handle), function(std::move(function))
+    {
+    }
+    Duty(State& state, std::chrono::milliseconds interval, bool periodic, Function function)
+        : state(state), handle(CreateWaitableTimerW(nullptr, FALSE, nullptr)), interval(interval),
+          periodic(periodic), hasTimer(true), function(std::move(function))
+    {
+        if (!handle)
+            Raise(Location(), L"CannotMakeTimer").WithLastError().Throw();
+    }
+    ~Duty()
+    {
+        if (hasTimer)
+            CloseHandle(handle);
+    }
+
+    void Begin()
+    {
+        if (!hasTimer)
+            return;
+        LARGE_INTEGER due;
+        due.QuadPart = -10000 * interval.count(); // relative, in units of 100 ns
+        const LONG period = periodic ? static_cast<LONG>(interval.count()) : 0;
+        if (!SetWaitableTimer(handle, &due, period, nullptr, nullptr, FALSE))
+            Raise(Location(), L"CannotSetTimer").WithLastError().Throw();
+    }
+
+    void Do()
+    {
+        const AtWork atWork(state);
+        try {
+            function();
+        } catch (std::exception& exception) {
+            ThrowAsMException(Location(), exception);
+        }
+    }
+
+    State& state;
+    HANDLE handle;
+    std::chrono::milliseconds interval{};
+    bool periodic = false;
+    bool hasTimer = false;
+    Function function;
+};
+
+/// Leads from the module's shutdown to the worker, if there still is one by then.
+class Worker::ShutdownLink
+{
+public:
+    explicit ShutdownLink(Worker* worker) : worker(worker), shares(2) {}
+
+    void OnShutdown()
+    {
+        {
+            MMutexLock lock(mutex);
+            if (worker)
+                worker->Stop();
+        }
+        Release();
+    }
+
+    void Cut()
+    {
+        {
+            MMutexLock lock(mutex);
+            worker = nullptr;
+        }
+        Release();
+    }
+
+private:
+    void Release()
+    {
+        if (--shares == 0)
+            delete this;
+    }
+
+    MMutex mutex;
+    Worker* worker;
+    std::atomic<int> shares;
+};
+
+Worker::Worker() : state(new State), link(nullptr) {}
+
+Worker::~Worker()
+{
+    if (link)
+        link->Cut();
+    try {
+        Stop();
+    } catch (MException& exception) {
+        Location().SetObject(this).DismissError(exception);
+    }
+}
+
+void Worker::When(HANDLE handle, Function function)
+{
+    Add(std::unique_ptr<Duty>(new Duty(*state, handle, std::move(function))));
+}
+
+void Worker::AddTimer(std::chrono::milliseconds interval, bool periodic, Function function)
+{
+    Add(std::unique_ptr<Duty>(new Duty(*state, interval, periodic, std::move(function))));
+}
+
+void Worker::Add(std::unique_ptr<Duty> duty)
+{
+    CheckNotOwnThread(L"Running");
+    MMutexLock lock(state->mutex);
+    if (state->running)
+        Raise(Location().SetObject(this), L"Running").Throw();
+    state->duties.push_back(std::move(duty));
+}
+
+void Worker::Start()
+{
+    CheckNotOwnThread(L"Running");
+    MMutexLock lock(state->mutex);
+    if (state->running)
+        Raise(Location().SetObject(this), L"Running").Throw();
+    StopWithModule();
+    std::unique_ptr<MSchedulerThread> fresh(
+        new MSchedulerThread(&ModuleCommandProcessor::GetInstance()));
+    for (const std::unique_ptr<Duty>& duty : state->duties) {
+        MCallbackFunctorPtr functor = MakeFunctor(duty.get(), &Duty::Do);
+        fresh->RegisterSchedulerEvent(duty->handle, functor.get());
+        functor.release();
+    }
+    for (const std::unique_ptr<Duty>& duty : state->duties)
+        duty->Begin();
+    fresh->Start();
+    state->running = std::move(fresh);
+}
+
+void Worker::Stop()
+{
+    CheckNotOwnThread(L"CannotStopSelf");
+    MMutexLock lock(state->mutex);
+    if (!state->running)
+        return;
+    state->running->Stop();
+    state->running.reset();
+}
+
+// Whoever stops the worker holds its lock, and waits for the function that asks.
+void Worker::CheckNotOwnThread(const wchar_t* code)
+{
+    if (state->threadAtWork == GetCurrentThreadId())
+        Raise(Location().SetObject(this), code).Throw();
+}
+
+void Worker::StopWithModule()
+{
+    if (link)
+        return;
+    std::unique_ptr<ShutdownLink> fresh(new ShutdownLink(this));
+    ModuleCommandProcessor::GetInstance().OnShutdown(
+        MakeFunctor(fresh.get(), &ShutdownLink::OnShutdown));
+    link = fresh.release();
+}
+
+} // namespace varek
