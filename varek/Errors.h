@@ -241,9 +241,7 @@ inline MFlowLocation& At(MFlowLocation& location, const void* object, std::int32
 
 inline TracedLocation At(const UntracedLocation& location, const void* object, std::int32_t line)
 {
-    TracedLocation made(location.className, location.functionName);
-    made.SetObject(object).SetLine(line);
-    return made;
+    return {location.className, location.functionName, object, line};
 }
 
 } // namespace detail

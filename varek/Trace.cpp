@@ -12,4 +12,11 @@ TracedLocation::TracedLocation(const wchar_t* className, const wchar_t* function
         ClassName registered(className);
 }
 
+TracedLocation::TracedLocation(const wchar_t* className, const wchar_t* functionName,
+                               const void* object, std::int32_t line)
+    : TracedLocation(className, functionName)
+{
+    SetObject(object).SetLine(line);
+}
+
 } // namespace varek

@@ -107,6 +107,10 @@ class TracedLocation : public MFlowLocation
 {
 public:
     TracedLocation(const wchar_t* className, const wchar_t* functionName);
+
+    /// With object and line set.
+    TracedLocation(const wchar_t* className, const wchar_t* functionName, const void* object,
+                   std::int32_t line);
 };
 
 namespace detail

@@ -74,6 +74,7 @@ TEST(Post, WithoutMemoryNothingIsPosted)
             EXPECT_NE(ShortageOutcome::Completed, outcome);
             EXPECT_EQ(1, owned.use_count());
         });
-    scheduler.Disable();
+    while (owned.use_count() != 1)
+        Sleep(1);
     EXPECT_EQ(1, *owned);
 }
