@@ -46,6 +46,11 @@ const MError* MException::GetError(std::int32_t index) const
     return std::next(chain->begin(), index)->get();
 }
 
+const MError* MException::GetFailure() const
+{
+    return chain && !chain->empty() ? chain->back().get() : nullptr;
+}
+
 void MException::TakeFrom(MException& temporary)
 {
     chain.swap(temporary.chain);

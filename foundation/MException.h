@@ -10,11 +10,11 @@
 class MFilerTaggedPair;
 
 /// The one exception type of the system: a chain of errors, from the oldest cause to the newest
-/// failure. The last entry is the failure itself:
+/// failure.
 ///
 ///     catch (MException& exception) {
-///         const MError* failure = exception.GetError(exception.GetErrorCount() - 1);
-///         ... failure->GetCode(), failure->GetParameters() ...
+///         if (const MError* failure = exception.GetFailure())
+///             ... failure->GetCode(), failure->GetParameters() ...
 ///         location.SetObject(this).SetLine(__LINE__).DismissError(exception);
 ///     }
 ///
@@ -44,6 +44,9 @@ public:
     /// The entry at `index`, counted from the first; still owned by the exception. Null when there
     /// is none, or when the entry itself is null.
     const MError* GetError(std::int32_t index) const;
+
+    /// The failure itself, which is the last entry. Null when the chain is empty, or that entry is.
+    const MError* GetFailure() const;
 
     /// Takes over what `temporary` holds and destroys the errors held so far. `temporary` must not
     /// be used afterwards. This is the way to assign.

@@ -73,9 +73,8 @@ void Drain(MCommandProcessor& processor, Pump& pump, int& level, Display* displa
     const MExceptionSlot slot(std::auto_ptr<MException>(new MException));
     processor.ExecuteSynchronously(
         std::auto_ptr<MCommandSynchronous>(new DrainCommand(slot, pump, 80, level)));
-    const int errors = static_cast<int>(slot->GetErrorCount()); // the last one is the failure
-    if (errors != 0)
-        display->Show(slot->GetError(errors - 1)->GetCode()); // Pump.Drain:RunsDry
+    if (const MError* failure = slot->GetFailure())
+        display->Show(failure->GetCode()); // Pump.Drain:RunsDry
 }
 
 class DrainedEvent final : public MDesyncEvent

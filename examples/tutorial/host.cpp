@@ -14,10 +14,10 @@ void Heat(unsigned degrees)
 {
     const MExceptionSlot slot = HeatWater(degrees);
     std::wcout << L"Heating by " << degrees << L": ";
-    if (slot->GetErrorCount() == 0)
-        std::wcout << L"done\n";
+    if (const MError* failure = slot->GetFailure())
+        std::wcout << failure->GetMessageText().c_str() << L"\n";
     else
-        std::wcout << slot->GetError(0)->GetMessageText().c_str() << L"\n";
+        std::wcout << L"done\n";
 }
 
 } // namespace

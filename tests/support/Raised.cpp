@@ -12,13 +12,12 @@ std::string Narrow(const MString& text)
 
 std::string FailureText(const MException& exception)
 {
-    if (exception.GetErrorCount() == 0)
+    const MError* const failure = exception.GetFailure();
+    if (!failure)
         return "no errors";
-    const auto last = static_cast<std::int32_t>(exception.GetErrorCount() - 1);
-    const MError& failure = *exception.GetError(last);
     std::string text =
-        Narrow(failure.GetCode().IsEmpty() ? failure.GetMessageText() : failure.GetCode());
-    for (const auto& parameter : failure.GetParameters())
+        Narrow(failure->GetCode().IsEmpty() ? failure->GetMessageText() : failure->GetCode());
+    for (const auto& parameter : failure->GetParameters())
         text += " " + Narrow(parameter.first) + "=" + Narrow(parameter.second);
     return text;
 }

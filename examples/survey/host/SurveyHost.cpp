@@ -116,11 +116,10 @@ SurveyResult SurveyHost::SurveyOne(std::uint32_t survey)
     result.path = options.paths[survey];
     const MExceptionSlot outcome = SurveyFile(result.path, survey, &progress, result.report);
 
-    const std::uint32_t errors = outcome->GetErrorCount();
-    result.failed = errors != 0;
-    if (result.failed)
-        result.failure = *outcome->GetError(static_cast<std::int32_t>(errors - 1));
-    else
+    result.failed = outcome->GetErrorCount() != 0;
+    if (const MError* const failure = outcome->GetFailure())
+        result.failure = *failure;
+    if (!result.failed)
         progress.AwaitCompletion();
     Console::Print(result.Describe());
     return result;

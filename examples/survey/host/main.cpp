@@ -31,11 +31,8 @@ enum ExitCode { Complete = 0, Incomplete = 1, Usage = 2, Failed = 3 };
 
 std::wstring FailureCode(const MException& exception)
 {
-    const std::uint32_t errors = exception.GetErrorCount();
-    return errors == 0 ? L"(no error)"
-                       : exception.GetError(static_cast<std::int32_t>(errors - 1))
-                             ->GetMessageText()
-                             .c_str();
+    const MError* const failure = exception.GetFailure();
+    return failure ? failure->GetMessageText().c_str() : L"(no error)";
 }
 
 int RunHost(const Options& options)
