@@ -19,6 +19,12 @@ class MFilerTaggedPair;
 /// belongs to one thread at a time. Allocation failures leave as they come.
 class MError : public MDynObject
 {
+    template <class Number>
+    using FitsSigned =
+        std::integral_constant<bool, std::is_integral<Number>::value &&
+                                         std::is_signed<Number>::value && sizeof(Number) != 1 &&
+                                         sizeof(Number) <= sizeof(std::int32_t)>;
+
 public:
     /// Values by name, in the order of the names.
     typedef std::map<MString, MString, MStringLess> Parameters;
@@ -72,15 +78,15 @@ public:
     /// Adds a parameter unless the name is taken: the first value of a name stays.
     void AddParameter(const wchar_t* name, const MString& value);
 
-    /// Adds a number in decimal.
+    /// Adds a number in decimal: a short, an int, an HRESULT.
     void AddParameter(const wchar_t* name, std::int32_t value);
 
     /// Adds a number in decimal or, when `hexadecimal`, as eight lower-case digits and an "h".
     void AddParameter(const wchar_t* name, std::uint32_t value, bool hexadecimal);
 
-    /// Numbers of other types do not compile, since they would be cut.
+    /// Numbers that would be cut or change their sign do not compile; nor do characters.
     template <class Number>
-    typename std::enable_if<std::is_arithmetic<Number>::value>::type
+    typename std::enable_if<std::is_arithmetic<Number>::value && !FitsSigned<Number>::value>::type
     AddParameter(const wchar_t* name, Number value) = delete;
 
 private:

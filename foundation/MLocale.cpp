@@ -97,6 +97,37 @@ MString Widen(const char* text)
     return wide.c_str();
 }
 
+/// A separator that says when its locale has destroyed it.
+class OwnedSeparator : public MLocale::DecimalSeparatorOnly
+{
+public:
+    explicit OwnedSeparator(wchar_t separator) : DecimalSeparatorOnly(separator) {}
+    ~OwnedSeparator() override
+    {
+        if (destroyed)
+            *destroyed = true;
+    }
+
+    bool* destroyed = nullptr;
+};
+
+/// `locale` with `separator`, which it owns. The library's own way to say so leaves it to nobody
+/// when memory runs out half-way.
+std::locale WithFacet(const std::locale& locale, OwnedSeparator* separator)
+{
+    bool destroyed = false;
+    separator->destroyed = &destroyed;
+    try {
+        const std::locale made(locale, separator);
+        separator->destroyed = nullptr;
+        return made;
+    } catch (...) {
+        if (!destroyed)
+            delete separator;
+        throw;
+    }
+}
+
 /// Both failures of a locale belong to its constructor.
 MFlowLocation& ConstructorLocation()
 {
@@ -137,7 +168,7 @@ void MLocale::Build(const char* name)
     if (!cLocale)
         RaiseBadCLocale();
     const wchar_t separator = static_cast<signed char>(DecimalPoint());
-    cppLocale = std::locale(standard.locale, new DecimalSeparatorOnly(separator));
+    cppLocale = WithFacet(standard.locale, new OwnedSeparator(separator));
 }
 
 /// The first byte of the decimal point, as the C run time prints it.

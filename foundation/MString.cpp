@@ -3,7 +3,18 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cwchar>
+#include <new>
 #include <stdexcept>
+
+namespace
+{
+
+[[noreturn]] void ThrowBadAlloc()
+{
+    throw std::bad_alloc();
+}
+
+} // namespace
 
 MString::MString() : data(nullptr), length(0), capacity(0) {}
 
@@ -36,8 +47,9 @@ MString& MString::operator=(const MString& other)
         Release();
         return *this;
     }
-    wchar_t* const fresh = Allocate(other.length);
-    std::copy_n(other.data, other.length + 1, fresh);
+    wchar_t* const fresh = Allocate(other.length, ThrowBadAlloc);
+    std::copy_n(other.data, other.length, fresh);
+    fresh[other.length] = L'\0';
     delete[] data;
     data = fresh;
     length = capacity = other.length;
@@ -140,18 +152,14 @@ wchar_t* MString::GetBuffer(std::int32_t newLength, bool shrink)
     return data;
 }
 
-wchar_t* MString::Allocate(std::int64_t capacity)
+/// The one place that sees an allocator answer null; `fail` raises what is to come of it.
+wchar_t* MString::Allocate(std::int64_t capacity, void (*fail)())
 {
     if (capacity > toEnd)
         throw std::length_error("MString");
-    return new wchar_t[static_cast<std::size_t>(capacity) + 1];
-}
-
-wchar_t* MString::AllocateOrRaise(std::int64_t capacity)
-{
-    wchar_t* const fresh = Allocate(capacity);
+    wchar_t* const fresh = new wchar_t[static_cast<std::size_t>(capacity) + 1];
     if (!fresh)
-        RaiseOutOfMemory();
+        fail();
     return fresh;
 }
 
@@ -160,7 +168,7 @@ void MString::Assign(const wchar_t* text, std::int64_t count)
 {
     if (count == 0)
         return;
-    data = AllocateOrRaise(count);
+    data = Allocate(count, RaiseOutOfMemory);
     std::copy_n(text, count, data);
     data[count] = L'\0';
     length = capacity = static_cast<std::int32_t>(count);
@@ -185,7 +193,7 @@ void MString::TakeOver(MString& other)
 /// Moves the text into an exact buffer and keeps its first `kept` characters.
 void MString::Resize(std::int64_t newCapacity, std::int32_t kept)
 {
-    wchar_t* const fresh = Allocate(newCapacity);
+    wchar_t* const fresh = Allocate(newCapacity, ThrowBadAlloc);
     std::copy_n(c_str(), kept, fresh);
     fresh[kept] = L'\0';
     delete[] data;

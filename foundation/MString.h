@@ -77,8 +77,7 @@ public:
     wchar_t* GetBuffer(std::int32_t newLength, bool shrink);
 
 private:
-    static wchar_t* Allocate(std::int64_t capacity);
-    static wchar_t* AllocateOrRaise(std::int64_t capacity);
+    static wchar_t* Allocate(std::int64_t capacity, void (*fail)());
 
     void Assign(const wchar_t* text, std::int64_t count);
     void Release();

@@ -27,7 +27,8 @@ public:
     /// Makes room for more elements, for at least `minimum` in all.
     virtual void Grow(std::int32_t minimum);
 
-    /// Makes the array exactly `newAllocated` slots long.
+    /// Makes the array exactly `newAllocated` slots long, not negative. Elements beyond them are
+    /// destroyed.
     void Resize(std::int32_t newAllocated);
 
     /// Appends a copy of `value` and returns its index.
@@ -51,7 +52,7 @@ public:
 private:
     static const std::int32_t maximum = 2147483647;
 
-    void DestroyAll();
+    void Destroy(std::int32_t from);
 
     T** elements;
     std::int32_t count;
@@ -63,7 +64,7 @@ private:
 template <class T, class A>
 MTypedPtrArray<T, A>::~MTypedPtrArray()
 {
-    DestroyAll();
+    Destroy(0);
     delete[] elements;
 }
 
@@ -91,11 +92,13 @@ void MTypedPtrArray<T, A>::Resize(std::int32_t newAllocated)
         return;
     T** const resized = MakeOrRaise([=] { return new T*[static_cast<std::size_t>(newAllocated)]; });
     const std::int32_t kept = std::min(allocated, newAllocated);
+    Destroy(kept);
     std::copy(elements, elements + kept, resized);
     std::fill(resized + kept, resized + newAllocated, nullptr);
     delete[] elements;
     elements = resized;
     allocated = newAllocated;
+    count = std::min(count, allocated);
 }
 
 template <class T, class A>
@@ -130,14 +133,14 @@ template <class T, class A>
 void MTypedPtrArray<T, A>::RemoveAll()
 {
     if (count > 0)
-        DestroyAll();
+        Destroy(0);
     count = 0;
 }
 
 template <class T, class A>
-void MTypedPtrArray<T, A>::DestroyAll()
+void MTypedPtrArray<T, A>::Destroy(std::int32_t from)
 {
-    for (std::int32_t i = 0; i < allocated; ++i) {
+    for (std::int32_t i = from; i < allocated; ++i) {
         delete elements[i];
         elements[i] = nullptr;
     }

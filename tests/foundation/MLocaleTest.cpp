@@ -1,12 +1,30 @@
 #include "foundation/MLocale.h"
 
+#include "tests/support/Allocations.h"
 #include "tests/support/Raised.h"
 
-#include <gtest/gtest.h>
-
+#include <cerrno>
 #include <cmath>
 #include <limits>
 #include <sstream>
+
+#include <windows.h>
+
+namespace
+{
+
+/// Heap blocks that are out, those of the C run time, where handles of locales lie, among them.
+std::size_t CountRunTimeBlocks()
+{
+    const HANDLE heap = reinterpret_cast<HANDLE>(_get_heap_handle());
+    std::size_t count = 0;
+    PROCESS_HEAP_ENTRY entry = {};
+    while (HeapWalk(heap, &entry))
+        count += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0;
+    return count;
+}
+
+} // namespace
 
 TEST(MLocale, NumbersHaveTheDecimalPointOfTheLocaleWhateverThatOfTheProcess)
 {
@@ -54,6 +72,35 @@ TEST(MLocale, NamesAreRewrittenOnceEachInOrderAndUnknownOnesRaised)
         EXPECT_EQ(one[1], NormaliseLocaleName(one[0]));
     EXPECT_EQ("MLocale.MLocale:BadCppLocale name=no such place\x80 what=bad locale name",
               Raised([] { MLocale("no such place\x80"); }));
+    // Known by this name, and unknown by that which it reports.
+    EXPECT_EQ("MLocale.MLocale:BadCppLocale name=nn what=" + std::string(std::exception().what()),
+              Raised([] { MLocale("nn"); }));
+    try {
+        MLocale("\x7F\x80");
+    } catch (MException& exception) {
+        EXPECT_STREQ(L"\x7F\xFF80", exception.GetFailure()->GetParameters().at(L"name").c_str());
+    }
+}
+
+TEST(MLocale, LackOfMemoryLeavesNothingBehindAndHandlesAreFreed)
+{
+    MLocale("German");
+    const auto make = [] { MLocale("German"); };
+    for (const auto how : {AllocationFailure::Throws, AllocationFailure::ThrowsForGood}) {
+        ShortageOutcome outcome = ShortageOutcome::RaisedBadAlloc;
+        for (int nth = 1; outcome != ShortageOutcome::NotMet; ++nth) {
+            const std::int64_t before = CountBlocks();
+            outcome = RunShortOfMemory(how, nth, make);
+            const std::int64_t left = CountBlocks() - before;
+            EXPECT_EQ(0, left) << "where allocation " << nth << " failed";
+        }
+    }
+
+    const std::size_t before = CountRunTimeBlocks();
+    const MLocale original("German");
+    for (int i = 0; i < 50; ++i)
+        MLocale copy(original);
+    EXPECT_GT(before + 50, CountRunTimeBlocks());
 }
 
 TEST(MLocale, NumbersAreReadInAllTheirForms)
@@ -88,6 +135,7 @@ TEST(MLocale, NumbersAreReadInAllTheirForms)
     const MLocale& classic = MLocale::GetClassicLocale();
     for (const auto& one : cases) {
         double value = 7;
+        errno = EINVAL; // of somebody else's
         EXPECT_EQ(one.read > 0, classic.ToDouble(one.text, &value)) << one.text;
         EXPECT_TRUE(std::isnan(one.value) ? std::isnan(value) : value == one.value) << one.text;
         const wchar_t* end = nullptr;
