@@ -53,8 +53,8 @@ public:
     /// Goes back to what encloses the group. Once for each `BeginGroup` that answered true.
     virtual bool EndGroup() = 0;
 
-    /// Reads what `WriteDocument` filed under the tag back into the text of a document. On failure
-    /// the result is empty.
+    /// Reads what `WriteDocument` filed under the tag back into the text of a document. False where
+    /// there is none, or the filer has no place for one.
     virtual bool ReadDocument(const MString& tag, MString& result) = 0;
 
 protected:

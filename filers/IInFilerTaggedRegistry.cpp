@@ -10,22 +10,35 @@ IInFilerTaggedRegistry::IInFilerTaggedRegistry(const MString& areaName, bool cre
 {
 }
 
-// The stored bytes need not end with a terminator, nor be whole characters; the zeros behind them
-// make a text of them in any case.
 bool IInFilerTaggedRegistry::ReadString(const MString& tag, MString& result,
                                         const MString& defaultValue)
 {
     result = defaultValue;
     const RegistryKey group = OpenGroup();
+    return group && QueryText(group.get(), tag, result);
+}
+
+// The value may grow between the two queries, so they are made again until it fits. The stored
+// bytes need not end with a terminator, nor be whole characters; the zeros behind them make a text
+// of them in any case.
+bool IInFilerTaggedRegistry::QueryText(HKEY__* key, const MString& tag, MString& text)
+{
+    const auto query = [&](BYTE* bytes, DWORD* size) {
+        return RegQueryValueExW(key, tag.c_str(), nullptr, nullptr, bytes, size);
+    };
+    DWORD room = 0;
     DWORD size = 0;
-    if (!group || RegQueryValueExW(group.get(), tag.c_str(), nullptr, nullptr, nullptr, &size) !=
-                      ERROR_SUCCESS)
+    LSTATUS status = query(nullptr, &size);
+    std::vector<wchar_t> buffer;
+    for (bool asks = status == ERROR_SUCCESS; asks;
+         asks = status == ERROR_MORE_DATA && size > room) {
+        room = size;
+        buffer.assign(std::size_t{room} + 1, L'\0');
+        status = query(reinterpret_cast<BYTE*>(buffer.data()), &size);
+    }
+    if (status != ERROR_SUCCESS)
         return false;
-    std::vector<wchar_t> buffer(std::size_t{size} + 1);
-    if (RegQueryValueExW(group.get(), tag.c_str(), nullptr, nullptr,
-                         reinterpret_cast<BYTE*>(buffer.data()), &size) != ERROR_SUCCESS)
-        return false;
-    result = buffer.data();
+    text = buffer.data();
     return true;
 }
 

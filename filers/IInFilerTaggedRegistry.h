@@ -44,7 +44,7 @@ public:
     /// False, and nothing changes, when no group is open, which is an error in the program.
     bool EndGroup() override;
 
-    /// Always false: a document has no place in the registry.
+    /// Always false, with the result left alone: a document has no place in the registry.
     bool ReadDocument(const MString& tag, MString& result) override;
 
     /// Selects the root for what follows: 0 the current user, 1 the local machine. Any other
@@ -53,6 +53,7 @@ public:
 
 private:
     RegistryKey OpenGroup();
+    static bool QueryText(HKEY__* key, const MString& tag, MString& text);
     bool QueryNumber(const MString& tag, std::uint32_t* number, std::uint32_t* type);
 
     template <class T>

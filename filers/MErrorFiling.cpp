@@ -1,12 +1,14 @@
 // How an error files itself: a group with its Code, and in it a group for each parameter. What it
 // is besides, its class above all, is not filed.
 
-#include "filers/FiledGroup.h"
+#include "filers/FiledObject.h"
+#include "filers/MFilerTaggedPair.h"
 #include "foundation/MError.h"
 
 namespace
 {
 
+const wchar_t errorKind[] = L"Error";
 const wchar_t codeTag[] = L"Code";
 const wchar_t parameterTag[] = L"Parameter";
 const wchar_t nameTag[] = L"Name";
@@ -49,17 +51,18 @@ void ReadParameters(MFilerTaggedPair& filer, MError::Parameters& parameters)
 
 bool MError::Write(MFilerTaggedPair& filer, const MString& tagName) const
 {
-    return InFiledGroup(filer, tagName, [&] { return WriteBody(filer, *this); });
+    return WriteObject(filer, tagName, errorKind,
+                       [this](MFilerTaggedPair& to) { return WriteBody(to, *this); });
 }
 
 bool MError::Read(MFilerTaggedPair& filer, const MString& tagName, const MError&)
 {
-    return InFiledGroup(filer, tagName, [&] {
+    return ReadObject(filer, tagName, errorKind, [this](MFilerTaggedPair& from) {
         code = MString();
         parameters.clear();
-        if (!filer.ReadString(codeTag, code, MString()))
+        if (!from.ReadString(codeTag, code, MString()))
             return false;
-        ReadParameters(filer, parameters);
+        ReadParameters(from, parameters);
         return true;
     });
 }

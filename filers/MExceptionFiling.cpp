@@ -1,37 +1,46 @@
 // How the chain of an exception files itself, one group an error, and how it comes back: from a
 // filer, or unfolded from the text that an error carries.
 
-#include "filers/FiledGroup.h"
-#include "filers/MInFilerTaggedXml.h"
+#include "filers/FiledObject.h"
 #include "foundation/MException.h"
 
 namespace
 {
 
-const wchar_t chainTag[] = L"ExceptionChain";
-const wchar_t exceptionTag[] = L"Exception";
+const wchar_t exceptionKind[] = L"Exception";
 const wchar_t errorTag[] = L"Error";
 
 } // namespace
 
 bool MException::Write(MFilerTaggedPair& filer, const MString& tagName) const
 {
-    return InFiledGroup(filer, tagName, [&] { return WriteErrors(filer); });
+    return WriteObject(filer, tagName, exceptionKind,
+                       [this](MFilerTaggedPair& to) { return WriteErrors(to); });
+}
+
+bool MException::Read(MFilerTaggedPair& filer, const MString& tagName,
+                      const MException& defaultException)
+{
+    return ReadObject(filer, tagName, exceptionKind,
+                      [&](MFilerTaggedPair& from) { return ReadErrors(from, defaultException); });
 }
 
 bool MException::WriteErrors(MFilerTaggedPair& filer) const
 {
+    bool written = FiledFormFor(filer) == FiledForm::Group;
     if (!chain)
-        return true;
-    bool written = true;
+        return written;
     for (const std::unique_ptr<MError>& error : *chain)
         if (error)
             written = written && error->Write(filer, errorTag);
     return written;
 }
 
+// The registry would find the same error each time, and this would not end.
 bool MException::ReadErrors(MFilerTaggedPair& filer, const MException&)
 {
+    if (FiledFormFor(filer) != FiledForm::Group)
+        return false;
     chain.reset(new Chain);
     for (;;) {
         MError error;
@@ -45,12 +54,12 @@ bool MException::ReadErrors(MFilerTaggedPair& filer, const MException&)
 void MException::Unfold(const MString& chainText)
 {
     MException filed;
-    MInFilerTaggedXml in(chainText, chainTag, nullptr);
-    MFilerTaggedPair filer(&in, nullptr);
-    if (!InFiledGroup(filer, exceptionTag, [&] { return filed.ReadErrors(filer, filed); }))
+    const bool isChain = ReadObject(chainText, exceptionKind, [&](MFilerTaggedPair& from) {
+        return filed.ReadErrors(from, filed);
+    });
+    if (!isChain || !filed.chain)
         return;
-    if (filed.chain)
-        for (const std::unique_ptr<MError>& error : *filed.chain)
-            if (error)
-                AddError(*error);
+    for (const std::unique_ptr<MError>& error : *filed.chain)
+        if (error)
+            AddError(*error);
 }

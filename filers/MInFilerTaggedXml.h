@@ -24,8 +24,8 @@ class MXmlMarkup;
 /// behind a number is no failure. A byte is cut from a number, a char from a wide character, and
 /// any number but 0 is true.
 ///
-/// A document that is ill-formed anywhere, or has another root or name space, makes every operation
-/// answer false; reads give their defaults.
+/// A document that is ill-formed anywhere, or has another root or name space, is not open
+/// (`IsOpen`): every operation answers false, and reads give their defaults.
 class MInFilerTaggedXml : public IInFilerTagged
 {
 public:
@@ -34,6 +34,9 @@ public:
     MInFilerTaggedXml(const MString& documentText, const wchar_t* rootTag,
                       const wchar_t* nameSpace);
     ~MInFilerTaggedXml() override;
+
+    /// Whether the document is there to be read: well-formed, and of that root and name space.
+    bool IsOpen() const { return document != nullptr; }
 
     bool ReadString(const MString& tag, MString& result, const MString& defaultValue) override;
 
@@ -60,7 +63,8 @@ public:
     /// Reading goes on behind the group, wherever it stopped inside.
     bool EndGroup() override;
 
-    /// Searches as `BeginGroup` does. The text has the root tag "MFilerTaggedXml".
+    /// Searches as `BeginGroup` does. The text has the root tag "MFilerTaggedXml"; on failure it is
+    /// empty.
     bool ReadDocument(const MString& tag, MString& result) override;
 
 private:

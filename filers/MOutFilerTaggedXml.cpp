@@ -1,6 +1,7 @@
 #include "filers/MOutFilerTaggedXml.h"
 
 #include "filers/FiledDocument.h"
+#include "filers/XmlName.h"
 #include "xml/MXmlMarkup.h"
 
 #include <cmath>
@@ -29,7 +30,7 @@ std::wstring ScientificText(double value, int precision)
 
 bool StartDocument(MXmlMarkup& document, const wchar_t* rootTag, const wchar_t* nameSpace)
 {
-    if (!StartFiledDocument(document, rootTag))
+    if (!IsXmlName(rootTag) || !StartFiledDocument(document, rootTag))
         return false;
     const bool named = nameSpace && *nameSpace;
     if (named && !document.SetAttribute(document.GetMainIndex(), L"xmlns", nameSpace))
@@ -104,7 +105,7 @@ bool MOutFilerTaggedXml::WriteInt32(const MString& tag, int value)
 
 bool MOutFilerTaggedXml::BeginGroup(const MString& tag)
 {
-    return document && document->AddElement(tag.c_str(), nullptr, 0) && document->EnterElement();
+    return Takes(tag) && document->AddElement(tag.c_str(), nullptr, 0) && document->EnterElement();
 }
 
 bool MOutFilerTaggedXml::EndGroup()
@@ -115,11 +116,10 @@ bool MOutFilerTaggedXml::EndGroup()
 bool MOutFilerTaggedXml::WriteDocument(const MString& tag, const MString& text)
 {
     MXmlMarkup embedded;
-    if (!document || !embedded.LoadText(text.c_str()) || !embedded.FindElement())
+    if (!Takes(tag) || !embedded.LoadText(text.c_str()) || !embedded.FindElement())
         return false;
     const std::wstring content = embedded.GetInnerMarkup(embedded.GetMainIndex());
-    return document->AddElement(tag.c_str(), nullptr, 0) &&
-           document->ReplaceInnerMarkup(content.c_str());
+    return document->AddElement(tag.c_str(), content.c_str(), XmlAddMarkup);
 }
 
 bool MOutFilerTaggedXml::GetDocumentText(MString* result) const
@@ -142,6 +142,11 @@ bool MOutFilerTaggedXml::WriteStreamed(const MString& tag, const wchar_t* family
 
 bool MOutFilerTaggedXml::WriteText(const MString& tag, const wchar_t* family, const wchar_t* text)
 {
-    return document && document->AddElement(tag.c_str(), text, 0) &&
-           document->SetAttribute(document->GetMainIndex(), valueFamilyAttribute, family);
+    return Takes(tag) && document->AddElement(tag.c_str(), text, 0, valueFamilyAttribute, family);
+}
+
+/// Another tag would make a document that nobody can read.
+bool MOutFilerTaggedXml::Takes(const MString& tag) const
+{
+    return document && IsXmlName(tag.c_str());
 }

@@ -19,12 +19,14 @@ class MXmlMarkup;
 /// Values come out in the order of the calls, and a tag may come again. Numbers are written as the
 /// classic locale has them: float in scientific form with 8 digits behind the point, double
 /// with 15. The declaration says UTF-8, but the text is wide: who stores it owns the conversion.
-/// Tags are written as they are given, so they should be names in the sense of XML.
+/// A tag that is no name in the sense of XML, such as the empty one or one with a space, is
+/// refused: the answer is false, and nothing is written. A write that an exception leaves for want
+/// of memory has written nothing either.
 class MOutFilerTaggedXml : public IOutFilerTagged
 {
 public:
     /// The root element's tag, and its "xmlns" unless `nameSpace` is null or empty. When the
-    /// document cannot be set up, every operation answers false.
+    /// document cannot be set up, as for a tag that is no name, every operation answers false.
     MOutFilerTaggedXml(const wchar_t* rootTag, const wchar_t* nameSpace);
     ~MOutFilerTaggedXml() override;
 
@@ -56,6 +58,7 @@ private:
     template <class T>
     bool WriteStreamed(const MString& tag, const wchar_t* family, T value);
     bool WriteText(const MString& tag, const wchar_t* family, const wchar_t* text);
+    bool Takes(const MString& tag) const;
 
     std::unique_ptr<MXmlMarkup> document;
 };

@@ -80,14 +80,17 @@ RegistryKey RegistryPlace::OpenOrCreateForReading()
 
 RegistryKey RegistryPlace::OpenForReading()
 {
+    const RegistryKey area = OpenArea();
+    return area ? Open(area.get(), GroupPath().c_str(), forReading) : nullptr;
+}
+
+RegistryKey RegistryPlace::OpenArea() const
+{
     const RegistryKey system = Open(rootKey, SystemPath(), forReading);
     if (!system)
         return nullptr;
     const RegistryKey makers = Open(system.get(), maker, forReading);
-    if (!makers)
-        return nullptr;
-    const RegistryKey area = Open(makers.get(), areaName.c_str(), forReading);
-    return area ? Open(area.get(), GroupPath().c_str(), forReading) : nullptr;
+    return makers ? Open(makers.get(), areaName.c_str(), forReading) : nullptr;
 }
 
 RegistryKey RegistryPlace::OpenOrCreateArea() const

@@ -47,6 +47,7 @@ public:
 private:
     const wchar_t* SystemPath() const;
     MString GroupPath();
+    RegistryKey OpenArea() const;
     RegistryKey OpenOrCreateArea() const;
 
     MTypedPtrArray<MString, const MString&> groupPath;

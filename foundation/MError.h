@@ -50,13 +50,15 @@ public:
     MDynObject* Clone() const override;
     MDynObject* CreateInstance() const override;
 
-    /// Reads the group under the tag into this error, which loses what it held. False when there is
-    /// none or it has no Code; a list of parameters that breaks off ends there. `defaultError` is
-    /// not used. As with `MException::ReadErrors`, the filer must go forward.
+    /// Reads what `Write` has filed under the tag into this error, which loses what it held. False
+    /// when there is none, which leaves it alone, or when there is no Code in it; a list of
+    /// parameters that breaks off ends there. `defaultError` is not used.
     virtual bool Read(MFilerTaggedPair& filer, const MString& tagName, const MError& defaultError);
 
-    /// Files the Code and the parameters, in their order, as a group under the tag; the class is
-    /// not filed. False when that fails, with the group of a failed parameter left open.
+    /// Files the Code and the parameters, in their order, as a group under the tag; in the
+    /// registry, as one text value, which holds that as a document. The class is not filed. False
+    /// when that fails, with the group of a failed parameter left open, and for a pair with only
+    /// one of its two filers in the registry.
     virtual bool Write(MFilerTaggedPair& filer, const MString& tagName) const;
 
     /// What to show a person: the Code, or "Unspecified error" when there is none.

@@ -55,16 +55,22 @@ public:
     /// Called by `DismissError`; does nothing.
     void Dismiss(const wchar_t* className, const wchar_t* functionName) const;
 
-    /// Files the chain as a group under the tag, with the errors in it. False when that fails.
+    /// Files the chain as a group under the tag, with the errors in it; in the registry, as one
+    /// text value, which holds that as a document. False when that fails, and for a pair with only
+    /// one of its two filers in the registry.
     bool Write(MFilerTaggedPair& filer, const MString& tagName) const;
 
-    /// Files the errors one by one, each as a group "Error". False when one fails, which ends it.
+    /// Reads what `Write` has filed under the tag, in place of the errors held so far. They come
+    /// back as plain `MError` objects, whatever they were. False, with the chain as it was, when
+    /// there is none. `defaultException` is not used.
+    bool Read(MFilerTaggedPair& filer, const MString& tagName, const MException& defaultException);
+
+    /// Files the errors one by one, each as a group "Error". False when one fails, which ends it,
+    /// and over the registry, where such groups cannot be told apart.
     bool WriteErrors(MFilerTaggedPair& filer) const;
 
-    /// Reads errors for as long as there are any, in place of those held so far. They come back as
-    /// plain `MError` objects, whatever they were. Always true; `defaultException` is not used. The
-    /// filer must go forward, as those on XML do: the registry finds the same group each time, and
-    /// reading from it would not end.
+    /// Reads errors for as long as there are any, in place of those held so far, and answers true.
+    /// Over the registry it answers false and changes nothing. `defaultException` is not used.
     bool ReadErrors(MFilerTaggedPair& filer, const MException& defaultException);
 
 private:

@@ -99,7 +99,8 @@ bool MXmlMarkup::AddElement(const wchar_t* name, const wchar_t* data, std::uint3
                             const wchar_t* attribute, const wchar_t* value)
 {
     const bool asChild = (flags & XmlAddChild) != 0;
-    const bool hasData = data && *data != 0;
+    const bool asMarkup = data && (flags & XmlAddMarkup) != 0;
+    const bool hasData = asMarkup || (data && *data != 0);
     if ((asChild && mainIndex == 0) || ((flags & XmlAddNoEndTag) != 0 && hasData))
         return false;
     MXmlInsertRequest request = {XmlNodeElement, asChild ? 0 : nodeOffset, asChild ? 0 : nodeLength,
@@ -110,9 +111,8 @@ bool MXmlMarkup::AddElement(const wchar_t* name, const wchar_t* data, std::uint3
     element.parent = asChild ? mainIndex : parentIndex;
     MXmlDocumentText::CheckLength(request.text.size());
 
-    const bool hasMarkup = hasData && (flags & XmlAddMarkup) != 0;
     const std::int32_t added = SpliceElement(asChild ? childIndex : mainIndex, request, element,
-                                             hasMarkup ? data : nullptr);
+                                             asMarkup ? data : nullptr);
     if (added == 0)
         return false;
     if (asChild)

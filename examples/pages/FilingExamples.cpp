@@ -38,6 +38,15 @@ void Load(Window& window, IInFilerTagged& filer)
     filer.EndGroup();
 }
 
+bool LoadDocument(Window& window, const MString& text)
+{
+    MInFilerTaggedXml filer(text, L"Settings", nullptr);
+    if (!filer.IsOpen())
+        return false;
+    Load(window, filer);
+    return true;
+}
+
 MString Document(const Window& window)
 {
     MOutFilerTaggedXml filer(L"Settings", nullptr);
@@ -89,6 +98,8 @@ TEST(FilingExamples, ReadInOrder)
     MInFilerTaggedXml filer(Document(window), L"Settings", nullptr);
     Load(read, filer);
     EXPECT_EQ(40, read.left);
+    EXPECT_TRUE(LoadDocument(read, Document(window)));
+    EXPECT_FALSE(LoadDocument(read, L"<Settings>"));
 }
 
 TEST(FilingExamples, OlderDocumentLacksAValue)
@@ -177,8 +188,7 @@ TEST(FilingExamples, ChainOfErrors)
     MInFilerTaggedXml in(text, L"ExceptionChain", nullptr);
     MFilerTaggedPair reader(&in, nullptr);
     MException read;
-    if (reader.BeginGroup(L"Exception"))
-        read.ReadErrors(reader, read);
+    read.Read(reader, L"Exception", read);
     EXPECT_EQ(2u, read.GetErrorCount());
     EXPECT_STREQ(L"Plant.Run:Stopped", read.GetError(1)->GetCode().c_str());
 }

@@ -1,3 +1,5 @@
+#include "filers/IInFilerTaggedRegistry.h"
+#include "filers/IOutFilerTaggedRegistry.h"
 #include "filers/MFilerTaggedPair.h"
 #include "filers/MInFilerTaggedXml.h"
 #include "filers/MOutFilerTaggedXml.h"
@@ -5,6 +7,8 @@
 #include "tests/filers/ChainModule.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/Raised.h"
+
+#include <functional>
 
 #include <windows.h>
 
@@ -57,21 +61,34 @@ std::wstring FailModule(const wchar_t* file, const std::wstring& text)
     return fatal;
 }
 
-/// Tells its calls, "=" for a value, and answers false to the `failing`th.
-struct ScriptedFiler : MOutFilerTaggedXml {
-    explicit ScriptedFiler(std::size_t nth) : MOutFilerTaggedXml(L"r", nullptr), failing(nth) {}
-    bool WriteString(const MString&, const MString&) override { return Tell('='); }
-    bool BeginGroup(const MString&) override { return Tell('('); }
-    bool EndGroup() override { return Tell(')'); }
-
+/// Tells its calls, and answers false to the `failing`th.
+struct Script {
     bool Tell(char call)
     {
         calls += call;
-        return calls.size() != failing;
+        return --failing != 0;
     }
 
-    const std::size_t failing;
-    std::string calls;
+    std::string& calls;
+    int failing;
+};
+
+struct ScriptedIn : MInFilerTaggedXml {
+    explicit ScriptedIn(const Script& script) : MInFilerTaggedXml(L"", L"", L""), script(script) {}
+    bool ReadString(const MString&, MString&, const MString&) override { return script.Tell('s'); }
+    bool ReadUInt32(const MString&, unsigned*, unsigned) override { return script.Tell('u'); }
+    bool BeginGroup(const MString&) override { return script.Tell('['); }
+    bool EndGroup() override { return script.Tell(']'); }
+    Script script;
+};
+
+struct ScriptedOut : MOutFilerTaggedXml {
+    explicit ScriptedOut(const Script& script) : MOutFilerTaggedXml(L"r", L""), script(script) {}
+    bool WriteString(const MString&, const MString&) override { return script.Tell('='); }
+    bool WriteUInt32(const MString&, unsigned) override { return script.Tell('#'); }
+    bool BeginGroup(const MString&) override { return script.Tell('('); }
+    bool EndGroup() override { return script.Tell(')'); }
+    Script script;
 };
 
 } // namespace
@@ -123,33 +140,79 @@ TEST(ErrorFiling, FailedWriteEndsTheChainAndLeavesTheGroupOfAParameterOpen)
     const char* const calls[] = {"(",          "(()",          "((=))",        "((=())",
                                  "((=(=))",    "((=(==))",     "((=(==)))",    "((=(==)))",
                                  "((=(==))()", "((=(==))(=))", "((=(==))(=))", "((=(==))(=))"};
-    std::size_t failing = 0;
-    for (const char* const told : calls) {
-        ScriptedFiler out(++failing);
+    int failing = 0;
+    for (const char* const expected : calls) {
+        std::string told;
+        ScriptedOut out({told, ++failing});
         MFilerTaggedPair filer(nullptr, &out);
         EXPECT_FALSE(exception.Write(filer, L"X"));
-        EXPECT_EQ(told, out.calls);
+        EXPECT_EQ(expected, told);
     }
 }
 
-TEST(MFilerTaggedPair, GroupsGoToBothWhateverTheFirstAnswersAndNoneFails)
+TEST(ErrorFiling, RegistryKeepsAChainOrAnErrorAsOneText)
 {
-    MInFilerTaggedXml in(L"<r><n type='uint'>5</n><a/></r>", nullptr, nullptr);
-    ScriptedFiler out(6);
+    const MString name(L"last failure, as text");
+    const MException exception = MakeException();
+    IOutFilerTaggedRegistry out(L"ErrorFilingTest");
+    IInFilerTaggedRegistry in(L"ErrorFilingTest", false);
+    MOutFilerTaggedXml document(L"r", nullptr);
     MFilerTaggedPair filer(&in, &out);
-    unsigned int number = 0;
-    EXPECT_TRUE(filer.ReadUInt32(L"n", &number, 0) && filer.WriteUInt32(L"n", number));
-    EXPECT_TRUE(filer.BeginGroup(L"a"));
-    EXPECT_FALSE(filer.BeginGroup(L"b"));
-    EXPECT_TRUE(filer.EndGroup() && filer.EndGroup());
-    EXPECT_FALSE(filer.EndGroup() || filer.EndGroup());
-    EXPECT_EQ("(())))", out.calls);
+    MFilerTaggedPair mixed(&in, &document);
+    MException chain;
+    MError error;
+    MString text;
+    EXPECT_FALSE(chain.Read(filer, name, chain) || error.Read(filer, name, error));
+    EXPECT_TRUE(exception.Write(filer, name) && exception.GetError(0)->Write(filer, L"error"));
+    EXPECT_TRUE(in.ReadString(name, text, MString()));
+    EXPECT_STREQ(Filed(exception).c_str(), text.c_str());
+    EXPECT_EQ("Pump.Drain:Blocked Z=<&> status=258;Unspecified error;Carrier;", Unfolded(text));
+    EXPECT_TRUE(chain.Read(filer, name, chain) && error.Read(filer, L"error", error));
+    EXPECT_EQ(2u, chain.GetErrorCount());
+    EXPECT_EQ("Pump.Drain:Blocked Z=<&> status=258", FailureText(MException(error)));
 
-    MFilerTaggedPair none(nullptr, nullptr);
-    MException exception = MakeException();
-    MError error = *exception.GetError(0);
-    EXPECT_FALSE(error.Write(none, L"E") || error.Read(none, L"E", error));
-    EXPECT_TRUE(error.GetCode().IsEmpty() && error.GetParameters().empty());
-    EXPECT_TRUE(exception.ReadErrors(none, exception) && exception.Write(none, L"X"));
-    EXPECT_EQ(0u, exception.GetErrorCount());
+    EXPECT_FALSE(chain.Read(filer, L"error", chain) || error.Read(filer, name, error));
+    EXPECT_FALSE(chain.WriteErrors(filer) || chain.ReadErrors(filer, chain));
+    EXPECT_FALSE(chain.Write(mixed, name) || chain.Read(mixed, name, chain));
+    EXPECT_FALSE(error.Write(mixed, name) || error.Read(mixed, name, error));
+    EXPECT_EQ("Unspecified error", FailureText(chain));
+    EXPECT_FALSE(error.GetCode().IsEmpty());
+    const auto write = [&] { MException().Write(filer, name); };
+    ForEachFailingAllocation(AllocationFailure::Throws, write, [&](ShortageOutcome) {
+        EXPECT_TRUE(chain.Read(filer, name, chain) && chain.GetErrorCount() == 2);
+    });
+    EXPECT_TRUE(chain.Read(filer, name, chain) && chain.GetErrorCount() == 0);
+    RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Varek\\ErrorFilingTest");
+    RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Varek");
+}
+
+// Whatever each of the two answers, and whichever of them are there.
+TEST(MFilerTaggedPair, AsksBothInOrderForGroupsAndOneForAValue)
+{
+    unsigned int number = 0;
+    MString text;
+    const struct {
+        std::function<bool(MFilerTaggedPair&)> call;
+        std::string in;
+        std::string out;
+    } operations[] = {
+        {[](MFilerTaggedPair& filer) { return filer.BeginGroup(L"a"); }, "[", "("},
+        {[](MFilerTaggedPair& filer) { return filer.EndGroup(); }, "]", ")"},
+        {[&](MFilerTaggedPair& filer) { return filer.ReadString(L"a", text, L""); }, "s", ""},
+        {[&](MFilerTaggedPair& filer) { return filer.ReadUInt32(L"a", &number, 0); }, "u", ""},
+        {[&](MFilerTaggedPair& filer) { return filer.WriteString(L"a", text); }, "", "="},
+        {[&](MFilerTaggedPair& filer) { return filer.WriteUInt32(L"a", number); }, "", "#"},
+    };
+    for (const auto& one : operations)
+        for (unsigned bits = 0; bits < 16; ++bits) {
+            const bool isIn = bits & 1, isOut = bits & 2, failsIn = bits & 4, failsOut = bits & 8;
+            std::string told;
+            ScriptedIn in({told, failsIn});
+            ScriptedOut out({told, failsOut});
+            MFilerTaggedPair filer(isIn ? &in : nullptr, isOut ? &out : nullptr);
+            const bool answersIn = one.in.empty() || (isIn ? !failsIn : one.out != "");
+            const bool answersOut = one.out.empty() || (isOut ? !failsOut : one.in != "");
+            EXPECT_EQ(answersIn && answersOut, one.call(filer));
+            EXPECT_EQ((isIn ? one.in : "") + (isOut ? one.out : ""), told);
+        }
 }

@@ -7,8 +7,11 @@
 
 #include <windows.h>
 
+#include <clocale>
 #include <cmath>
+#include <cstring>
 #include <cwctype>
+#include <functional>
 #include <limits>
 
 namespace
@@ -30,11 +33,16 @@ struct Xml : MOutFilerTaggedXml {
 
     Xml() : MOutFilerTaggedXml(L"r", nullptr) {}
 
-    std::unique_ptr<In> Reader() const
+    std::wstring State() const
     {
         MString text;
         GetDocumentText(&text);
-        return std::make_unique<MInFilerTaggedXml>(text, L"r", nullptr);
+        return text.c_str();
+    }
+
+    std::unique_ptr<In> Reader() const
+    {
+        return std::make_unique<MInFilerTaggedXml>(State().c_str(), L"r", nullptr);
     }
 };
 
@@ -43,6 +51,15 @@ struct Registry : IOutFilerTaggedRegistry {
     static constexpr double doublePart = 5.2e-15;
 
     Registry() : IOutFilerTaggedRegistry(L"RoundTripTest") {}
+
+    std::wstring State() const
+    {
+        wchar_t units[100] = {};
+        DWORD size = sizeof units;
+        RegGetValueW(HKEY_CURRENT_USER, L"Software\\Varek\\RoundTripTest\\g", L"v",
+                     RRF_RT_ANY | RRF_NOEXPAND, nullptr, units, &size);
+        return units;
+    }
 
     std::unique_ptr<In> Reader() const
     {
@@ -74,9 +91,12 @@ struct RoundTrip : testing::Test {
     static void ExpectNumbersBack(Write<T> write, Read<T> read, double part = 0)
     {
         typedef std::numeric_limits<T> Limits;
-        for (const T number : {Limits::min(), T(Limits::max() / -7), Limits::denorm_min(), T(-0.0),
-                               T(-0.7), T(1), T(0x9A6B9C8D)})
-            ExpectBack(number, write, read, part);
+        for (const char* const processLocale : {"German", "C"}) {
+            ASSERT_TRUE(setlocale(LC_ALL, processLocale));
+            for (const T number : {Limits::min(), T(Limits::max() / -7), Limits::denorm_min(),
+                                   T(-0.0), T(-0.7), T(1), T(0x9A6B9C8D)})
+                ExpectBack(number, write, read, part);
+        }
     }
 };
 
@@ -116,25 +136,71 @@ TYPED_TEST(RoundTrip, CharactersAndTextsAreKept)
     }
 }
 
-TYPED_TEST(RoundTrip, LackOfMemoryLeavesByExceptionAndNothingOpen)
+// Value by value, over one that is there; a group has none.
+TYPED_TEST(RoundTrip, FailedWriteLeavesWhatIsFiledAndNothingOpen)
 {
-    const auto fileAndRead = [] {
+    const std::function<bool(Out&)> writes[] = {
+        [](Out& out) { return out.WriteString(L"v", L"a text of some length & more"); },
+        [](Out& out) { return out.WriteChar(L"v", 'c') && out.EndGroup(); },
+        [](Out& out) { return out.BeginGroup(L"v") && out.EndGroup(); },
+        [](Out& out) { return out.WriteDouble(L"v", 0.125); },
+        [](Out& out) { return out.WriteDocument(L"v", L"<r><a/>text<b>more text</b></r>"); },
+        [](Out& out) { return out.WriteUInt32(L"v", 1234567890); },
+    };
+    for (const auto& write : writes) {
         TypeParam out;
+        out.BeginGroup(L"g");
+        const std::wstring before = out.State();
+        const auto tryIt = [&] { write(out); };
+        RunShortOfMemory(AllocationFailure::Throws, 1, tryIt); // the first exception opens handles
+        const ExpectSameHandles handles;
+        ForEachFailingAllocation(AllocationFailure::Throws, tryIt, [&](ShortageOutcome outcome) {
+            EXPECT_NE(ShortageOutcome::Completed, outcome);
+            EXPECT_EQ(before, out.State());
+        });
+        TypeParam whole;
+        EXPECT_TRUE(whole.BeginGroup(L"g"));
+        write(whole);
+        EXPECT_EQ(whole.State(), out.State());
+    }
+}
+
+TYPED_TEST(RoundTrip, LackOfMemoryLeavesReadingByExceptionAndNothingOpen)
+{
+    TypeParam out;
+    out.WriteDouble(L"v", 0.125) && out.WriteUInt32(L"n", 7) && out.WriteDocument(L"d", L"<r/>");
+    const auto read = [&] {
         MString text;
         double value = 0;
         unsigned int number = 0;
-        out.BeginGroup(L"g") && out.WriteDouble(L"v", 1.0 / 3) &&
-            out.WriteUInt32(L"n", 1234567890) && out.EndGroup() &&
-            out.WriteDocument(L"d", L"<root>some text in here</root>");
         const std::unique_ptr<In> in = out.Reader();
-        in->BeginGroup(L"g") && in->ReadDouble(L"v", &value, 0) &&
-            in->ReadUInt32(L"n", &number, 0) && in->EndGroup() && in->ReadDocument(L"d", text);
-        EXPECT_EQ(1234567890u, number);
+        in->ReadDouble(L"v", &value, 0) && in->ReadUInt32(L"n", &number, 0) &&
+            in->ReadDocument(L"d", text);
+        EXPECT_EQ(7u, number);
     };
-    fileAndRead();
-    RunShortOfMemory(AllocationFailure::Throws, 1, fileAndRead); // the first exception opens some
     const ExpectSameHandles handles;
-    ForEachFailingAllocation(AllocationFailure::Throws, fileAndRead, [](ShortageOutcome outcome) {
+    ForEachFailingAllocation(AllocationFailure::Throws, read, [](ShortageOutcome outcome) {
         EXPECT_NE(ShortageOutcome::Completed, outcome);
     });
+}
+
+// Callers that were built elsewhere know the operations by their places.
+TEST(FilerInterfaces, OperationsAreInTheirPlaces)
+{
+    std::vector<std::uintptr_t> slots;
+    const auto add = [&](auto operation) {
+        std::uintptr_t place = 0; // this compiler's form of a virtual operation
+        std::memcpy(&place, &operation, sizeof place);
+        slots.push_back(place / sizeof(void*));
+    };
+    add(&Out::WriteChar), add(&Out::WriteString), add(&Out::WriteDouble), add(&Out::WriteFloat);
+    add(&Out::WriteBool), add(&Out::WriteByte), add(&Out::WriteUInt16), add(&Out::WriteInt16);
+    add(&Out::WriteUInt32), add(&Out::WriteInt32), add(&Out::BeginGroup), add(&Out::EndGroup);
+    add(&Out::WriteDocument);
+    add(&In::ReadString), add(&In::ReadChar), add(&In::ReadDouble), add(&In::ReadFloat);
+    add(&In::ReadBool), add(&In::ReadByte), add(&In::ReadUInt16), add(&In::ReadInt16);
+    add(&In::ReadUInt32), add(&In::ReadInt32), add(&In::BeginGroup), add(&In::EndGroup);
+    add(&In::ReadDocument);
+    for (std::size_t i = 0; i < 26; ++i)
+        EXPECT_EQ(2 + i % 13, slots[i]); // the destructor takes two
 }

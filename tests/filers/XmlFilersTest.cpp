@@ -33,6 +33,7 @@ TEST(MOutFilerTaggedXml, DocumentHasItsFormToTheCharacter)
     EXPECT_TRUE(filer.WriteDouble(L"v", 2.5) && filer.WriteFloat(L"v", -0.5) && filer.EndGroup());
     EXPECT_TRUE(filer.WriteByte(L"v", 200) && filer.WriteUInt16(L"v", 65535));
     EXPECT_TRUE(filer.WriteDocument(L"d", L"<root a='b'><v/><!--c-->t</root>"));
+    EXPECT_TRUE(filer.WriteDocument(L"e", L"<root/>"));
     EXPECT_FALSE(filer.WriteDocument(L"e", L"<root>"));
     EXPECT_TRUE(filer.EndGroup() && !filer.EndGroup());
     EXPECT_TRUE(filer.WriteDouble(L"v", -std::numeric_limits<double>::infinity()));
@@ -42,10 +43,46 @@ TEST(MOutFilerTaggedXml, DocumentHasItsFormToTheCharacter)
                             L"<g>\n<empty/>\n<v type=\"float\">2.500000000000000e+00</v>\n"
                             L"<v type=\"float\">-5.00000000e-01</v>\n</g>\n"
                             L"<v type=\"byte\">200</v>\n<v type=\"uint\">65535</v>\n"
-                            L"<d><v/><!--c-->t</d>\n</r>\n"
+                            L"<d><v/><!--c-->t</d>\n<e></e>\n</r>\n"
                             L"<v type=\"float\">-inf</v>\n", // one end too many leaves the root
               TextOf(filer));
     EXPECT_FALSE(filer.GetDocumentText(nullptr));
+}
+
+TEST(MOutFilerTaggedXml, TagIsANameOrRefused)
+{
+    const struct {
+        const wchar_t* tag;
+        bool isName;
+    } cases[] = {
+        {L"a-b.c:9\xB7\x301", true},
+        {L"_\xD83C\xDF43\x4E2D", true},
+        {L":", true},
+        {L"", false},
+        {L"-a", false},
+        {L"9", false},
+        {L"a b", false},
+        {L"a>", false},
+        {L"a/", false},
+        {L"\x301", false},
+        {L"\xD7", false},
+        {L"a\xF7", false},
+        {L"a=", false},
+        {L"\xDF43\xD83C", false},
+        {L"a\xD83C", false},
+        {L"\xFFFE", false},
+    };
+    for (const auto& one : cases) {
+        MOutFilerTaggedXml filer(L"r", nullptr);
+        EXPECT_EQ(one.isName, filer.WriteString(one.tag, L"v")) << one.tag;
+        EXPECT_EQ(one.isName, filer.WriteDocument(one.tag, L"<r/>") && filer.BeginGroup(one.tag));
+        EXPECT_TRUE(filer.WriteByte(L"b", 1));
+        MInFilerTaggedXml in(TextOf(filer).c_str(), L"r", L"");
+        EXPECT_EQ(one.isName, in.BeginGroup(one.tag) && in.EndGroup() && in.BeginGroup(one.tag))
+            << one.tag;
+        EXPECT_TRUE(in.IsOpen());
+        EXPECT_EQ(one.isName, MOutFilerTaggedXml(one.tag, L"").WriteByte(L"b", 1));
+    }
 }
 
 TEST(MOutFilerTaggedXml, ProcessLocaleDoesNotShowAndIsLeftAlone)
@@ -118,7 +155,7 @@ TEST(MInFilerTaggedXml, TakesDocumentsOfItsRootAndNameSpace)
         {L"", L"", L"", false},       {L"<r/><r/>", L"r", nullptr, false},
     };
     for (const auto& one : cases)
-        EXPECT_EQ(one.taken, MInFilerTaggedXml(one.text, one.rootTag, one.nameSpace).EndGroup())
+        EXPECT_EQ(one.taken, MInFilerTaggedXml(one.text, one.rootTag, one.nameSpace).IsOpen())
             << one.text;
 }
 

@@ -16,7 +16,7 @@ enum MXmlAddFlag : std::uint32_t {
     XmlAddKeepReferences = 0x8,
     /// `AddElement`: a start tag with no end tag and no data.
     XmlAddNoEndTag = 0x10,
-    /// `AddElement`: the data is markup, and goes in unchanged.
+    /// `AddElement`: the data is markup, and goes in unchanged, also if it is empty.
     XmlAddMarkup = 0x20,
     /// Escaping also covers the two quote characters.
     XmlAddEscapeQuotes = 0x100,
