@@ -113,6 +113,27 @@ void Fault(CrashDump& crashDump)
 
 } // namespace
 
+TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
+{
+    CreateDirectoryA("C:\\Temp", nullptr);
+    CrashDump crashDump(prefix), nowhere(L"C:\\no such folder\\x");
+    EXPECT_THROW(CrashDump(std::wstring(901, L'x').c_str()), std::length_error);
+    EXPECT_STREQ(L"", crashDump.GetPath());
+    ReadAndDelete((crashDump.WriteText(), crashDump.GetPath()));
+    const ExpectSameHandles handles;
+    std::map<std::wstring, int> paths;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(crashDump.WriteText());
+        ++paths[crashDump.GetPath()];
+    }
+    EXPECT_EQ(3u, paths.size());
+    for (const auto& path : paths) {
+        EXPECT_EQ(0u, path.first.find(prefix + std::wstring(L"-2")));
+        EXPECT_EQ(0u, ReadAndDelete(path.first.c_str()).find("%% Reference time: "));
+    }
+    EXPECT_FALSE(nowhere.WriteText() || nowhere.WriteMinidump(nullptr));
+}
+
 TEST(CrashDump, MinidumpOfAFaultHoldsTheRecorderAsItsDescriptionSays)
 {
     LeakCheck::Skip(); // the block of the long name stays
@@ -154,25 +175,4 @@ TEST(CrashDump, MinidumpOfAFaultHoldsTheRecorderAsItsDescriptionSays)
     EXPECT_EQ("the pump", reader.Names(told.objectNames)[own]);
     EXPECT_EQ("tester", reader.Names(told.threadNames)[GetCurrentThreadId()]);
     EXPECT_EQ("Scope_push", reader.Names(told.kindNames)[0xFFFFFFF9]);
-}
-
-TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
-{
-    CreateDirectoryA("C:\\Temp", nullptr);
-    CrashDump crashDump(prefix), nowhere(L"C:\\no such folder\\x");
-    EXPECT_THROW(CrashDump(std::wstring(901, L'x').c_str()), std::length_error);
-    EXPECT_STREQ(L"", crashDump.GetPath());
-    ReadAndDelete((crashDump.WriteText(), crashDump.GetPath()));
-    const ExpectSameHandles handles;
-    std::map<std::wstring, int> paths;
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_TRUE(crashDump.WriteText());
-        ++paths[crashDump.GetPath()];
-    }
-    EXPECT_EQ(3u, paths.size());
-    for (const auto& path : paths) {
-        EXPECT_EQ(0u, path.first.find(prefix + std::wstring(L"-2")));
-        EXPECT_EQ(0u, ReadAndDelete(path.first.c_str()).find("%% Reference time: "));
-    }
-    EXPECT_FALSE(nowhere.WriteText() || nowhere.WriteMinidump(nullptr));
 }

@@ -63,16 +63,22 @@ TEST(MKLoggerAdapter, AttachedLogReceivesEventsAndNames)
     ours.adapter.RegisterStateName(3, 1, L"Open");
     ours.adapter.RegisterObjectName(nullptr, L"nothing");
     ours.adapter.RegisterThreadName(L"tester");
+    ours.adapter.RegisterErrorName(5, L"Stuck");
+    ours.adapter.RegisterMessageName(6, L"Hello");
     ours.LogOne();
     theirs.LogOne();
-    EXPECT_EQ((Numbers{-202, -25}), ours.Kinds());
+    ours.adapter.LogEvent(FlowEventRootError, 5, 0, 0, 0, nullptr);
+    ours.adapter.LogEvent(FlowEventMessageSend, 6, 0, 0, 0, nullptr);
+    EXPECT_EQ((Numbers{-202, -25, -105, -21}), ours.Kinds());
     EXPECT_EQ(reinterpret_cast<std::intptr_t>(&theirs.core),
               ReadDump(TakeDump(ours.core))[0].numbers[5]);
-    EXPECT_EQ((Numbers{-202, -25, -25}), theirs.Kinds());
-    const std::string text = DumpedTexts(theirs.core)[1];
-    EXPECT_EQ(0u, text.find("% State_change to Open in_class Before at After"
-                            " for_object 0000000000000000 (nothing) in_thread "));
-    EXPECT_NE(std::string::npos, text.find(" (tester)"));
+    EXPECT_EQ((Numbers{-202, -25, -25, -105, -21}), theirs.Kinds());
+    const std::vector<std::string> texts = DumpedTexts(theirs.core);
+    EXPECT_EQ(0u, texts[1].find("% State_change to Open in_class Before at After"
+                                " for_object 0000000000000000 (nothing) in_thread "));
+    EXPECT_NE(std::string::npos, texts[1].find(" (tester)"));
+    EXPECT_EQ(0u, texts[3].find("% Root_error Stuck in_class "));
+    EXPECT_EQ(0u, texts[4].find("% Message_send Hello in_class "));
 }
 
 TEST(MKLoggerAdapter, NullAndForeignLoggersDetachOnceAndAnotherReplacesMayItBeItself)
