@@ -1,6 +1,5 @@
 # What is installed, and the zip of it.
 include(CMakePackageConfigHelpers)
-include(VarekToolchain)
 
 set(package_folder lib/cmake/Varek)
 

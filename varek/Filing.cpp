@@ -298,7 +298,8 @@ bool WriteNewFile(const std::wstring& path, const std::string& bytes)
     return file.IsOpen() && file.WriteAll(bytes);
 }
 
-[[noreturn]] void RaiseFileError(const wchar_t* function, const wchar_t* code, const std::wstring& path)
+[[noreturn]] void RaiseFileError(const wchar_t* function, const wchar_t* code,
+                                 const std::wstring& path)
 {
     const DWORD error = GetLastError();
     TracedLocation location(L"varek", function);
@@ -369,7 +370,8 @@ void WriteFile(const std::wstring& path, const MString& text)
     const std::wstring fresh = path + L"." + std::to_wstring(GetCurrentProcessId()) + L"-" +
                                std::to_wstring(GetCurrentThreadId()) + L".new";
     if (WriteNewFile(fresh, ToUtf8(text)) &&
-        MoveFileExW(fresh.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+        MoveFileExW(fresh.c_str(), path.c_str(),
+                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
         return;
     const DWORD error = GetLastError();
     DeleteFileW(fresh.c_str());
@@ -380,7 +382,8 @@ void WriteFile(const std::wstring& path, const MString& text)
 bool ReadFile(const std::wstring& path, MString& text)
 {
     File file(path, GENERIC_READ, OPEN_EXISTING);
-    if (!file.IsOpen() && (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND))
+    if (!file.IsOpen() &&
+        (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND))
         return false;
     std::string bytes;
     if (!file.IsOpen() || !file.ReadAll(bytes))

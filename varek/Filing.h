@@ -49,10 +49,11 @@ struct GroupKind {
 };
 
 template <class T>
-using KindOf = typename std::conditional<
-    std::is_arithmetic<T>::value || std::is_enum<T>::value, NumberKind,
-    typename std::conditional<std::is_same<T, MString>::value || std::is_same<T, std::wstring>::value,
-                              TextKind, GroupKind>::type>::type;
+using KindOf =
+    typename std::conditional<std::is_arithmetic<T>::value || std::is_enum<T>::value, NumberKind,
+                              typename std::conditional<std::is_same<T, MString>::value ||
+                                                            std::is_same<T, std::wstring>::value,
+                                                        TextKind, GroupKind>::type>::type;
 
 } // namespace detail
 
@@ -73,7 +74,9 @@ public:
     /// @{
     /// Reads from a filer, or writes to one, which must stay. Groups that are not there are told by
     /// readers of XML only.
-    explicit Filing(IInFilerTagged& in, bool groupsAreTold) : in(&in), groupsAreTold(groupsAreTold) {}
+    explicit Filing(IInFilerTagged& in, bool groupsAreTold) : in(&in), groupsAreTold(groupsAreTold)
+    {
+    }
     explicit Filing(IOutFilerTagged& out) : out(&out) {}
     /// @}
 
@@ -172,8 +175,8 @@ void SaveXml(const std::wstring& path, const T& object, const wchar_t* rootTag =
 template <class T>
 Reading LoadXml(const std::wstring& path, T& object, const wchar_t* rootTag = L"Settings");
 
-/// Writes the object into the registry of the current user, under the area, value by value; one that
-/// is interrupted leaves some new. Raises "varek.SaveRegistry:CannotFile" with "tag".
+/// Writes the object into the registry of the current user, under the area, value by value; one
+/// that is interrupted leaves some new. Raises "varek.SaveRegistry:CannotFile" with "tag".
 template <class T>
 void SaveRegistry(const MString& area, const T& object);
 

@@ -1,8 +1,8 @@
 // Types described once, through both back ends, across versions, and into files.
 
+#include "varek/Filing.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/Raised.h"
-#include "varek/Filing.h"
 
 #include <gtest/gtest.h>
 
@@ -180,8 +180,7 @@ TEST(Filing, WhatIsMissingIsDefaultAndTold)
 TEST(Filing, ReadsWhatAnOlderVersionWrote)
 {
     Settings settings;
-    EXPECT_EQ("Zoom Sizes Window ",
-              Missing(varek::FromXml(varek::ToXml(OldSettings()), settings)));
+    EXPECT_EQ("Zoom Sizes Window ", Missing(varek::FromXml(varek::ToXml(OldSettings()), settings)));
     EXPECT_EQ(30, settings.rate);
     EXPECT_EQ(0u, settings.version);
     EXPECT_TRUE(varek::FromXml(varek::ToXml(settings), settings).IsComplete());

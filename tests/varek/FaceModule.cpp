@@ -1,0 +1,31 @@
+#include "tests/varek/FaceModule.h"
+
+#include "varek/Call.h"
+#include "varek/Post.h"
+
+using std::chrono::milliseconds;
+
+namespace
+{
+
+varek::Worker worker;
+std::unique_ptr<varek::Watchdog> watchdog;
+
+void Watch(int limit, const varek::Watchdog::Report& report)
+{
+    watchdog.reset(limit ? new varek::Watchdog(milliseconds(limit), report) : nullptr);
+}
+
+} // namespace
+
+FaceModule GetFaceModule()
+{
+    return {[](const Action& action) { varek::Call(action); },
+            [](const Action& action) { varek::Post(action); },
+            [](HANDLE handle, const Action& action) { worker.When(handle, action); },
+            [](int period, const Action& action) { worker.Every(milliseconds(period), action); },
+            [](int delay, const Action& action) { worker.After(milliseconds(delay), action); },
+            [] { worker.Start(); },
+            [] { worker.Stop(); },
+            Watch};
+}

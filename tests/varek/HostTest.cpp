@@ -1,0 +1,178 @@
+// A host, and what a module does on threads of its own while it is in a host's hands.
+
+#include "diagnostics/KLogger.h"
+#include "tests/engine/EngineFixtures.h"
+#include "tests/support/DumpedRecord.h"
+#include "tests/support/LeakCheck.h"
+#include "tests/varek/FaceModule.h"
+#include "varek/Errors.h"
+#include "varek/Host.h"
+
+#include <stdexcept>
+
+namespace
+{
+
+/// A host with the module's functions at hand.
+struct LoadedFace : varek::Host, FaceModule {
+    explicit LoadedFace(const varek::HostOptions& options = varek::HostOptions())
+        : Host(L"face-module.dll", options), FaceModule(Find<FaceModule()>("GetFaceModule")())
+    {
+    }
+};
+
+bool IsLoaded()
+{
+    return GetModuleHandleW(L"face-module.dll") != nullptr;
+}
+
+/// The size of the file in C:\Temp that the pattern fits, which is gone then; 0 when none does.
+unsigned long SizeOfAndDelete(const std::string& pattern)
+{
+    const std::string folder = "C:\\Temp\\";
+    WIN32_FIND_DATAA found = {};
+    FindClose(FindFirstFileA((folder + pattern).c_str(), &found));
+    DeleteFileA((folder + found.cFileName).c_str());
+    return found.nFileSizeLow;
+}
+
+} // namespace
+
+TEST(Host, LoadsJoinsFindsAndLetsGo)
+{
+    LeakCheck::Skip(); // the module's names stay
+    {
+        LoadedFace face;
+        int called = 0;
+        face.Call([&] { ++called; });
+        EXPECT_EQ(1, called);
+        EXPECT_EQ("varek.Host:NoSuchFunction function=Nothing",
+                  Raised([&] { face.Find<void()>("Nothing"); }));
+        const std::string dump = TakeDump(*KLogger::GetModuleLogger());
+        EXPECT_NE(std::string::npos, dump.find("in_class varek at Call"));
+        face.Shutdown();
+        EXPECT_EQ("varek.Call:ProcessorStopped", Raised([&] { face.Call([] {}); }));
+        EXPECT_TRUE(IsLoaded());
+    }
+    EXPECT_FALSE(IsLoaded());
+}
+
+TEST(Host, SaysInWordsWhatDoesNotFit)
+{
+    const std::pair<const wchar_t*, const char*> modules[] = {
+        {L"no-such.dll", "varek.Host:CannotLoad module=no-such.dll winErrorCode=126"},
+        {L"ntdll.dll", "varek.Host:NotAModule function=_ZN5Varek7Runtime17AttachMFlowLoggerEP11"
+                       "MFlowLogger module=ntdll.dll"},
+        {L"unfit-module.dll", "varek.Host:DoesNotFit hostSdk="},
+    };
+    for (const auto& module : modules)
+        EXPECT_EQ(0u, Raised([&] { varek::Host host(module.first); }).find(module.second))
+            << Raised([&] { varek::Host host(module.first); });
+    EXPECT_NE(std::string::npos, Raised([] {
+                                     varek::Host host(L"unfit-module.dll");
+                                 }).find("moduleSdk=9.9"));
+    EXPECT_FALSE(GetModuleHandleW(L"unfit-module.dll"));
+}
+
+TEST(Worker, ServesHandlesAndTimersUntilTheModuleIsShutDown)
+{
+    LeakCheck::Skip();
+    std::atomic<int> signals{0}, ticks{0}, once{0};
+    PlatformEvent event(EventReset::Automatic);
+    {
+        LoadedFace face;
+        face.When(event, [&] { ++signals; });
+        face.Every(5, [&] { ++ticks; });
+        face.After(1, [&] { ++once; });
+        face.After(20, [&] {
+            EXPECT_EQ("varek.Worker:CannotStopSelf", Raised(face.StopWorker));
+            EXPECT_EQ("varek.Worker:Running", Raised(face.StartWorker));
+            face.Call([&] { SetEvent(event); });
+        });
+        for (int starts = 1; starts <= 2; ++starts) {
+            face.StartWorker();
+            EXPECT_EQ("varek.Worker:Running", Raised(face.StartWorker));
+            EXPECT_EQ("varek.Worker:Running", Raised([&] { face.Every(1, [] {}); }));
+            while (signals < starts || ticks < 3 * starts)
+                Sleep(1);
+            if (starts == 1)
+                face.StopWorker();
+            EXPECT_EQ(starts, once);
+        }
+    }
+    const int before = ticks;
+    Sleep(20);
+    EXPECT_EQ(before, ticks);
+    EXPECT_FALSE(IsLoaded());
+}
+
+TEST(Worker, WhatItsFunctionsRaiseEndsItAndIsToldToTheHost)
+{
+    LeakCheck::Skip();
+    Gate failed;
+    std::wstring told;
+    varek::HostOptions options;
+    options.onFailure = [&](const std::wstring& chain) {
+        told = chain;
+        failed.Open();
+    };
+    LoadedFace face(options);
+    face.After(1, [] { throw std::runtime_error("overheated"); });
+    face.StartWorker();
+    failed.Pass();
+    EXPECT_NE(std::wstring::npos, told.find(L"varek.Worker:StandardException")) << told.c_str();
+    EXPECT_NE(std::wstring::npos, told.find(L"overheated"));
+    face.Call([] {});
+    face.StopWorker();
+}
+
+TEST(Watchdog, TellsOnceOfWhatRunsTooLong)
+{
+    LeakCheck::Skip();
+    std::atomic<int> told{0};
+    std::atomic<unsigned long> threadId{0};
+    LoadedFace face;
+    face.Watch(20, [&](const varek::Overrun& overrun) {
+        EXPECT_LE(20, overrun.running.count());
+        EXPECT_EQ(0u, overrun.dump.find("%% Reference time"));
+        EXPECT_EQ(told == 0 ? varek::WatchedWork::Call : varek::WatchedWork::Event, overrun.work);
+        threadId = overrun.threadId;
+        ++told;
+    });
+    EXPECT_EQ("varek.Watchdog:AlreadyOn", Raised([&] { face.Watch(20, nullptr); }));
+    face.Call([] {});
+    unsigned long caller = 0;
+    face.Call([&] {
+        caller = GetCurrentThreadId();
+        while (told < 1)
+            Sleep(1);
+        Sleep(60);
+    });
+    EXPECT_EQ(1, told);
+    EXPECT_EQ(caller, threadId);
+    Gate done;
+    face.Post([&] {
+        while (told < 2)
+            Sleep(1);
+        done.Open();
+    });
+    done.Pass();
+    face.Watch(0, nullptr);
+    face.Call([] { Sleep(60); });
+    EXPECT_EQ(2, told);
+}
+
+TEST(HostDeathTest, ACrashLeavesAMinidumpAndTheRecordersText)
+{
+    LeakCheck::Skip();
+    const auto crash = [] {
+        varek::HostOptions options;
+        options.dumpPrefix = L"C:\\Temp\\face-crash";
+        LoadedFace face(options);
+        face.Call([] { *reinterpret_cast<volatile int*>(0x1234) = 1; });
+    };
+    EXPECT_EXIT(crash(), testing::ExitedWithCode(EXCEPTION_ACCESS_VIOLATION),
+                "crashed; minidump in C:.Temp.face-crash-.*dmp");
+    EXPECT_LT(0x500000u, SizeOfAndDelete("face-crash*.dmp")); // the rings are in it
+    EXPECT_LT(1000u, SizeOfAndDelete("face-crash*.log"));
+}

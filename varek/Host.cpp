@@ -1,0 +1,205 @@
+#include "varek/Host.h"
+
+#include "diagnostics/CrashDump.h"
+#include "diagnostics/MFlowLogger.h"
+#include "module/Runtime.h"
+#include "varek/Errors.h"
+
+#include <algorithm>
+#include <cwchar>
+
+#include <windows.h>
+
+namespace varek
+{
+
+namespace
+{
+
+typedef Varek::Runtime::CallbackFunctor1Param<const std::wstring&> TextCallback;
+typedef Varek::Runtime::CallbackFunctor1Param<_EXCEPTION_POINTERS*> FaultCallback;
+
+const char attachName[] = "_ZN5Varek7Runtime17AttachMFlowLoggerEP11MFlowLogger";
+const char registerName[] =
+    "_ZN5Varek7Runtime26RegisterFatalErrorHandlersESt8auto_ptrINS0_21CallbackFunctor1ParamIRKNSt7__"
+    "cxx1112basic_stringIwSt11char_traitsIwESaIwEEEEEES1_INS2_IP19_EXCEPTION_POINTERSEEE";
+const char shutdownName[] = "_ZN5Varek7Runtime8ShutdownEv";
+
+TracedLocation& Location()
+{
+    static TracedLocation location(L"varek", L"Host");
+    return location;
+}
+
+/// Tells whoever may be looking. Takes no memory for texts of a line.
+void Tell(const wchar_t* text)
+{
+    char bytes[2048];
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, bytes, sizeof bytes, nullptr, nullptr);
+    DWORD written = 0;
+    if (size > 1)
+        WriteFile(GetStdHandle(STD_ERROR_HANDLE), bytes, static_cast<DWORD>(size - 1), &written, nullptr);
+    OutputDebugStringW(text);
+}
+
+/// A chain can be longer than a line.
+void TellAll(const std::wstring& text)
+{
+    const std::size_t piece = 500;
+    for (std::size_t start = 0; start < text.size(); start += piece)
+        Tell(text.substr(start, piece).c_str());
+}
+
+class FailureTeller : public TextCallback
+{
+public:
+    FailureTeller(const std::wstring& module, const HostOptions& options)
+        : module(module), onFailure(options.onFailure)
+    {
+    }
+
+    void operator()(const std::wstring& chain) override
+    {
+        if (onFailure)
+            onFailure(chain);
+        else
+            TellAll(L"a thread of " + module + L" has ended: " + chain + L"\n");
+    }
+
+private:
+    const std::wstring module;
+    const std::function<void(const std::wstring&)> onFailure;
+};
+
+class CrashWriter : public FaultCallback
+{
+public:
+    CrashWriter(const std::wstring& prefix, const HostOptions& options)
+        : crashDump(prefix.c_str()), onCrash(options.onCrash)
+    {
+    }
+
+    void operator()(_EXCEPTION_POINTERS* pointers) override
+    {
+        const bool written = crashDump.WriteMinidump(pointers);
+        wchar_t line[1200] = L"a thread of the module has crashed; no dump could be written\n";
+        if (written)
+            _snwprintf(line, 1200, L"a thread of the module has crashed; minidump in %ls\n",
+                       crashDump.GetPath());
+        crashDump.WriteText();
+        if (onCrash)
+            onCrash(pointers);
+        else
+            Tell(line);
+    }
+
+private:
+    CrashDump crashDump;
+    const std::function<void(_EXCEPTION_POINTERS*)> onCrash;
+};
+
+std::wstring WithoutFolderAndEnding(const std::wstring& path)
+{
+    const std::size_t slash = path.find_last_of(L"\\/:");
+    const std::wstring name = path.substr(slash == std::wstring::npos ? 0 : slash + 1);
+    return name.substr(0, name.rfind(L'.'));
+}
+
+/// The value of a string in the version resource, whose type is 16; empty when there is none.
+std::wstring VersionString(HMODULE module, const std::wstring& key)
+{
+    const HRSRC found = FindResourceW(module, MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(16));
+    const HGLOBAL loaded = found ? LoadResource(module, found) : nullptr;
+    if (!loaded)
+        return std::wstring();
+    const auto* const start = static_cast<const wchar_t*>(LockResource(loaded));
+    const wchar_t* const end = start + SizeofResource(module, found) / sizeof(wchar_t);
+    const wchar_t* const value = std::search(start, end, key.c_str(), key.c_str() + key.size() + 1);
+    const wchar_t* const text = std::find_if(std::min(value + key.size(), end), end,
+                                             [](wchar_t unit) { return unit != L'\0'; });
+    return value == end ? std::wstring() : std::wstring(text, std::find(text, end, L'\0'));
+}
+
+/// "0.1" of "0.1.4".
+std::wstring MinorVersion(const std::wstring& version)
+{
+    return version.substr(0, version.find(L'.', version.find(L'.') + 1));
+}
+
+} // namespace
+
+/// What the module offers.
+struct Host::Functions {
+    decltype(&Varek::Runtime::AttachMFlowLogger) attach;
+    decltype(&Varek::Runtime::RegisterFatalErrorHandlers) registerHandlers;
+    decltype(&Varek::Runtime::Shutdown) shutdown;
+};
+
+void Host::Library::operator()(void* module) const
+{
+    FreeLibrary(static_cast<HMODULE>(module));
+}
+
+Host::Host(const std::wstring& module, const HostOptions& options)
+    : library(LoadLibraryW(module.c_str()))
+{
+    if (!library)
+        Raise(Location(), L"CannotLoad").With(L"module", module).WithLastError().Throw();
+    Check(module);
+    Start(module, options);
+}
+
+// Whether it fits comes before any call into it.
+void Host::Check(const std::wstring& module) const
+{
+    for (const char* name : {attachName, registerName, shutdownName})
+        if (!GetProcAddress(static_cast<HMODULE>(library.get()), name))
+            Raise(Location(), L"NotAModule").With(L"module", module).With(L"function", name).Throw();
+    const std::wstring version = VersionString(static_cast<HMODULE>(library.get()), L"VarekVersion");
+    const std::wstring toolchain = VersionString(static_cast<HMODULE>(library.get()), L"VarekToolchain");
+    if (MinorVersion(version) != MinorVersion(VAREK_VERSION) || toolchain != VAREK_TOOLCHAIN)
+        Raise(Location(), L"DoesNotFit")
+            .With(L"module", module)
+            .With(L"moduleSdk", version + L" by " + toolchain)
+            .With(L"hostSdk", VAREK_VERSION L" by " VAREK_TOOLCHAIN)
+            .Throw();
+}
+
+void Host::Start(const std::wstring& module, const HostOptions& options)
+{
+    functions.reset(new Functions{
+        reinterpret_cast<decltype(Functions::attach)>(FindAddress(attachName)),
+        reinterpret_cast<decltype(Functions::registerHandlers)>(FindAddress(registerName)),
+        reinterpret_cast<decltype(Functions::shutdown)>(FindAddress(shutdownName))});
+    const std::wstring prefix =
+        options.dumpPrefix.empty() ? WithoutFolderAndEnding(module) : options.dumpPrefix;
+    std::auto_ptr<TextCallback> onFailure(new FailureTeller(module, options));
+    std::auto_ptr<FaultCallback> onCrash(new CrashWriter(prefix, options));
+    functions->attach(MFlowLogger::GetInstance());
+    functions->registerHandlers(onFailure, onCrash);
+}
+
+Host::~Host()
+{
+    try {
+        Shutdown();
+    } catch (std::exception& exception) {
+        library.release();
+        TellAll(FromUtf8("the module could not be shut down: " + What(exception) + "\n"));
+    }
+}
+
+void* Host::FindAddress(const char* name) const
+{
+    const auto address = GetProcAddress(static_cast<HMODULE>(library.get()), name);
+    if (!address)
+        Raise(Location(), L"NoSuchFunction").With(L"function", name).Throw();
+    return reinterpret_cast<void*>(address);
+}
+
+void Host::Shutdown()
+{
+    functions->shutdown();
+}
+
+} // namespace varek
