@@ -115,10 +115,10 @@ TEST(Module, FailureOfACommandReachesItsCallerAndThatOfAThreadTheHostAsText)
     const Action fail = [] { Raise("Host.Told:Why"); };
     LoadedModule module;
     EXPECT_EQ("Host.Told:Why", Raised([&] { module.DoOnProcessor(fail); }));
-    module.DoOnOwnThread(fail); // told to nobody yet
+    module.DieOnProcessor(fail, [] {}); // told to nobody yet
     std::wstring told;
     module.Register([&](const std::wstring& text) { told += text; }, nullptr);
-    module.DoOnOwnThread(fail);
+    module.DieOnProcessor(fail, [] {});
     const wchar_t chain[] = L"<ExceptionChain>\n<Exception>\n<Error>\n"
                             L"<Code type=\"string\">Host.Told:Why</Code>";
     EXPECT_NE(std::wstring::npos, told.find(chain)) << told.c_str();

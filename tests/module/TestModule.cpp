@@ -1,8 +1,11 @@
 #include "tests/module/TestModule.h"
 
 #include "module/ModuleCommandProcessor.h"
+#include "tests/support/Raised.h"
 
 #include <windows.h>
+
+#include <objbase.h>
 
 namespace
 {
@@ -25,12 +28,50 @@ void DoOnScheduler(const Action& action)
     WaitForSingleObject(done, INFINITE);
 }
 
-void DoOnOwnThread(const Action& action)
+/// A thread whose flush is an action.
+template <class Thread>
+struct Dying : Thread {
+    template <class... Arguments>
+    explicit Dying(const Action& action, Arguments... arguments)
+        : Thread(&ModuleCommandProcessor::GetInstance(), arguments...), action(action)
+    {
+    }
+    void OnFlush() override { action(); }
+
+    std::string Die()
+    {
+        this->Start();
+        const std::string raised = Raised([this] { this->Flush(); });
+        this->Stop();
+        return raised;
+    }
+    const Action& action;
+};
+
+std::string DieOnProcessor(const Action& action, const Action& lastAct)
 {
-    MCommandProcessor thread(&ModuleCommandProcessor::GetInstance(), nullptr,
-                             FunctorFor([&] { action(); }).release(), nullptr, 0);
-    thread.Start();
-    thread.Stop();
+    MCallbackFunctor* const stop = FunctorFor([&] { lastAct(); }).release();
+    return Dying<MCommandProcessor>(action, nullptr, stop, nullptr, 0).Die();
+}
+
+const Action* leaveCom;
+
+std::string DieOnScheduler(const Action& action, const Action& lastAct)
+{
+    Dying<MSchedulerThread> thread(action);
+    leaveCom = &lastAct;
+    const std::string raised = thread.Die();
+    leaveCom = nullptr;
+    return raised;
+}
+
+void LeaveCom()
+{
+    typedef decltype(&CoUninitialize) Function;
+    const auto address = GetProcAddress(GetModuleHandleW(L"ole32"), "CoUninitialize");
+    reinterpret_cast<Function>(reinterpret_cast<void*>(address))();
+    if (leaveCom)
+        (*leaveCom)();
 }
 
 void OnShutdown(const Action& action)
@@ -40,11 +81,15 @@ void OnShutdown(const Action& action)
 
 } // namespace
 
+// The import slot through which COM is left.
+extern "C" {
+decltype(&CoUninitialize) __imp_CoUninitialize = LeaveCom;
+}
+
 TestModule GetTestModule()
 {
     using namespace Varek::Runtime;
-    return {AttachMFlowLogger, RegisterFatalErrorHandlers,
-            Shutdown,          DoOnProcessor,
-            DoOnScheduler,     DoOnOwnThread,
-            OnShutdown};
+    return {AttachMFlowLogger, RegisterFatalErrorHandlers, Shutdown, ArmAllocationFailure,
+            DisarmAllocationFailure, CountBlocks, DoOnProcessor, DoOnScheduler, OnShutdown,
+            DieOnProcessor, DieOnScheduler};
 }

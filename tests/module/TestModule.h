@@ -1,19 +1,30 @@
 #pragma once
 
 #include "module/Runtime.h"
+#include "tests/support/Allocations.h"
 #include "tests/support/EngineWork.h"
 
-/// What the test module offers: the functions that every module has, and what has an `action` done
-/// on one of its threads, the last being an engine thread of its own. These return when it is done
-/// or has failed, and the first raises what it raised.
+/// What the test module offers: the functions that every module has, its failing allocator, and
+/// what has an `action` done on one of its threads.
 struct TestModule {
     decltype(&Varek::Runtime::AttachMFlowLogger) AttachMFlowLogger;
     decltype(&Varek::Runtime::RegisterFatalErrorHandlers) RegisterFatalErrorHandlers;
     decltype(&Varek::Runtime::Shutdown) Shutdown;
 
+    decltype(&ArmAllocationFailure) ArmAllocationFailure;
+    decltype(&DisarmAllocationFailure) DisarmAllocationFailure;
+    decltype(&CountBlocks) CountBlocks;
+
+    /// These return when it is done or has failed, and the first raises what it raised.
     typedef void (*DoOnThread)(const Action& action);
-    DoOnThread DoOnProcessor, DoOnScheduler, DoOnOwnThread;
+    DoOnThread DoOnProcessor, DoOnScheduler;
     DoOnThread OnShutdown; ///< registers `action`, which must stay
+
+    /// Has `action` done on an engine thread of the module's own, which ends thereby, and `lastAct`
+    /// as what the thread does last: by the stop functor, and by the leaving of COM. Answers what
+    /// the one who waited for it was told.
+    typedef std::string (*DieOnThread)(const Action& action, const Action& lastAct);
+    DieOnThread DieOnProcessor, DieOnScheduler;
 };
 
 extern "C" __declspec(dllexport) TestModule GetTestModule();
