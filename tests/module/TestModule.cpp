@@ -89,7 +89,15 @@ decltype(&CoUninitialize) __imp_CoUninitialize = LeaveCom;
 TestModule GetTestModule()
 {
     using namespace Varek::Runtime;
-    return {AttachMFlowLogger, RegisterFatalErrorHandlers, Shutdown, ArmAllocationFailure,
-            DisarmAllocationFailure, CountBlocks, DoOnProcessor, DoOnScheduler, OnShutdown,
-            DieOnProcessor, DieOnScheduler};
+    return {AttachMFlowLogger,
+            RegisterFatalErrorHandlers,
+            Shutdown,
+            ArmAllocationFailure,
+            DisarmAllocationFailure,
+            CountBlocks,
+            DoOnProcessor,
+            DoOnScheduler,
+            OnShutdown,
+            DieOnProcessor,
+            DieOnScheduler};
 }
