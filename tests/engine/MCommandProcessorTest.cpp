@@ -1,6 +1,7 @@
 #include "engine/MCommandProcessor.h"
 
 #include "tests/engine/EngineFixtures.h"
+#include "tests/engine/Imports.h"
 
 // That every command is deleted, whatever becomes of it, is seen by the check for leaks.
 
@@ -108,15 +109,62 @@ TEST(MCommandProcessor, IdleFunctorRunsAfterEachTimeOutAndMayFail)
     thrice.Pass();
 }
 
-TEST(MCommandProcessor, LostAbortEventIsReported)
+TEST(MCommandProcessor, StopDuringTheIdleFunctorIsServed)
 {
-    const std::set<HANDLE> before = ListHandles();
+    Processor processor(1);
+    Gate idling;
+    processor.on["idle"] = [&] {
+        idling.Open();
+        while (!processor.IsStopRequested())
+            Sleep(1);
+    };
+    processor.Start();
+    idling.Pass();
+    processor.Stop();
+    EXPECT_EQ("start idle flush stop ", processor.calls);
+}
+
+TEST(MCommandProcessor, CommandThatComesTooLateIsNotEvenExecutedAfterANewStart)
+{
     Processor processor;
-    for (HANDLE handle : ListHandles())
-        if (before.count(handle) == 0)
-            CloseHandle(handle);
-    EXPECT_EQ("MCommandProcessor.IsAborted:ErrorAccessingEvent winErrorCode=6",
-              processor.Execute([] {}));
+    processor.Start();
+    // Between the question whether the processor is stopped and the queue.
+    const Action ahead = [&] { processor.Stop(); };
+    DoAheadOfNext(Import::CreateEvent, ahead);
+    EXPECT_EQ("MCommandProcessor.ExecuteSynchronously:CommandProcessingAborted",
+              processor.Execute([] { ADD_FAILURE(); }));
+    processor.Start();
+    processor.Flush();
+}
+
+// Two callers never let the queue become empty by themselves; they give up to let a failing test
+// end.
+TEST(MCommandProcessor, FlushAndStopEndUnderSteadyCallers)
+{
+    Processor processor;
+    processor.Start();
+    std::atomic<int> executed{0};
+    std::thread callers([&] {
+        RunOnThreads(2, [&](int) {
+            const Action command = [&] {
+                ++executed;
+                Sleep(2);
+            };
+            while (executed < 1000 && processor.Execute(command) == "")
+                continue;
+        });
+    });
+    const auto bounded = [&](void (MEngineThread::*wait)()) {
+        while (executed < 10)
+            Sleep(1);
+        const int before = executed;
+        (processor.*wait)();
+        EXPECT_GE(before + 4, executed);
+    };
+    bounded(&MEngineThread::Flush);
+    bounded(&MEngineThread::Flush);
+    bounded(&MEngineThread::Stop);
+    callers.join();
 }
 
 TEST(MCommandProcessor, WithoutMemoryTheCommandIsDeletedAndTheProcessorWorks)

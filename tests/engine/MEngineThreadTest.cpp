@@ -1,6 +1,7 @@
 #include "engine/MEngineThread.h"
 
 #include "tests/engine/EngineFixtures.h"
+#include "tests/engine/Imports.h"
 
 const char diedInFlush[] = "MEngineThread.Flush:ThreadExitedUnexpectedly";
 
@@ -22,30 +23,47 @@ TEST(MEngineThread, EachLifeServesItsFlushesAndItsStopOnce)
     }
 }
 
-TEST(MEngineThread, ThreadThatFailsTellsWhyAndRunsUntilItIsStopped)
+TEST(MEngineThread, CallOnTheThreadItselfIsRefusedWithoutWaitingAndEndsIt)
 {
-    const HANDLE closed = reinterpret_cast<HANDLE>(0x7FFFFFF0);
-    const HANDLE abandoned = CreateMutexW(nullptr, FALSE, nullptr);
-    RunOnThreads(1, [=](int) { WaitForSingleObject(abandoned, INFINITE); });
-    const auto adding = [](HANDLE handle) {
-        return [=](ScriptedThread& thread) { thread.AddEvent(handle, FunctorFor([] {})); };
-    };
-    const std::pair<std::function<void(ScriptedThread&)>, const char*> cases[] = {
+    const std::pair<void (ScriptedThread::*)(), const char*> cases[] = {
         {&ScriptedThread::Stop, "MEngineThread.Stop:CannotStopSelf;"},
-        {&ScriptedThread::Flush, "MEngineThread.Flush:CannotFlushSelf;"},
-        {adding(closed), "MEngineThread.WaitForEvents:WaitFailed winErrorCode=6;"},
-        {adding(abandoned), "MEngineThread.WaitForEvents:Abandoned status=130;"}};
-    for (const auto& failing : cases) {
-        ScriptedThread thread;
-        thread.onStarted = [&] { failing.first(thread); };
-        thread.Start();
-        thread.failed.Pass();
-        EXPECT_EQ(failing.second, thread.failures);
-        EXPECT_EQ(diedInFlush, Raised([&] { thread.Flush(); }));
-        thread.Stop();
-        EXPECT_FALSE(thread.IsThreadActive());
-    }
-    CloseHandle(abandoned);
+        {&ScriptedThread::Flush, "MEngineThread.Flush:CannotFlushSelf;"}};
+    for (const auto& refused : cases)
+        for (const char* when : {"start", "flush"}) { // while another thread holds the lock
+            ScriptedThread thread;
+            thread.on[when] = [&] { (thread.*refused.first)(); };
+            Raised([&] { thread.Start(); });
+            Raised([&] { thread.Flush(); });
+            EXPECT_EQ(refused.second, thread.failures);
+            thread.Stop();
+        }
+}
+
+TEST(MEngineThread, StartFlushAndStopExcludeOneAnother)
+{
+    const std::pair<void (ScriptedThread::*)(), Import> operations[] = {
+        {&ScriptedThread::Start, Import::WaitForMultipleObjects},
+        {&ScriptedThread::Flush, Import::WaitForMultipleObjects},
+        {&ScriptedThread::Stop, Import::WaitForSingleObject}};
+    for (const auto& first : operations)
+        for (const auto& second : operations) {
+            ScriptedThread thread;
+            if (first.first != &ScriptedThread::Start)
+                thread.Start();
+            std::atomic<bool> done{false};
+            std::thread other;
+            const Action ahead = [&] {
+                other = std::thread([&] {
+                    Raised([&] { (thread.*second.first)(); });
+                    done = true;
+                });
+                Sleep(5);
+                EXPECT_FALSE(done);
+            };
+            DoAheadOfNext(first.second, ahead);
+            (thread.*first.first)();
+            other.join();
+        }
 }
 
 // The request of a flush that failed is served by the next thread, ahead of a stop, and what that

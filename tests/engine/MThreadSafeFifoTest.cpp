@@ -1,6 +1,7 @@
 #include "engine/MThreadSafeFifo.h"
 
 #include "tests/engine/EngineFixtures.h"
+#include "tests/engine/Imports.h"
 
 #include <deque>
 #include <random>
@@ -62,6 +63,35 @@ TEST(MThreadSafeFifo, OnlyGrowthTakesMemoryAndWithoutItLeavesTheQueueAndFreesThe
         RunOnThreads(1, [=](int) { put(); });
         EXPECT_EQ(2, fifo.GetCount());
     }
+}
+
+TEST(MThreadSafeFifo, SetsAndClearsItsEventUnderTheLockThatGuardsTheRest)
+{
+    struct Step {
+        std::function<void(Fifo&)> take;
+        Import event; ///< met on the way, the queue holding one element
+    };
+    const Step put = {[](Fifo& fifo) { fifo.Put(Element(7)); }, Import::SetEvent};
+    const Step get = {[](Fifo& fifo) {
+                          MDesyncEvent* element = nullptr;
+                          fifo.Get(element);
+                      },
+                      Import::ResetEvent};
+    const Step clear = {&Fifo::Clear, Import::ResetEvent};
+    for (const Step& first : {put, get, clear})
+        for (const Step& second : {put, get, clear}) {
+            Fifo fifo;
+            fifo.Put(Element(1));
+            std::thread other;
+            const Action ahead = [&] {
+                other = std::thread([&] { second.take(fifo); });
+                Sleep(5);
+            };
+            DoAheadOfNext(first.event, ahead);
+            first.take(fifo);
+            other.join();
+            EXPECT_EQ(fifo.GetCount() == 0, fifo.IsEmpty());
+        }
 }
 
 TEST(MThreadSafeFifo, ProducersAndConsumersLoseAndDoubleNothing)

@@ -159,6 +159,32 @@ TEST(ModuleDeath, IsToldOnceAndGoesOnAfterTheLastActOfTheThreadWhateverElseGoesW
     SetUnhandledExceptionFilter(before);
 }
 
+TEST(ModuleDeath, IsToldInWordsOnceWhicheverAllocationFails)
+{
+    LeakCheck::Skip(); // the module frees what is raised here
+    LoadedModule module;
+    bool met = true;
+    for (int nth = 1; met; ++nth) {
+        int told = 0;
+        std::wstring words;
+        module.Register(
+            [&](const std::wstring& text) {
+                ++told;
+                words = text;
+            },
+            nullptr);
+        const Action action = [&] {
+            module.ArmAllocationFailure(AllocationFailure::Throws, nth);
+            Raise("Host.Told:Why");
+        };
+        module.DieOnProcessor(action, [] {});
+        met = module.DisarmAllocationFailure();
+        EXPECT_EQ(1, told) << "allocation " << nth;
+        EXPECT_EQ(met, words.empty()) << "allocation " << nth;
+    }
+    module.Shutdown();
+}
+
 TEST(ModuleDeathTest, ProcessEndsWithTheCodeOfTheFault)
 {
     LeakCheck::Skip(); // the first child leaves something for the next

@@ -8,6 +8,7 @@
 #include "tests/support/DumpedRecord.h"
 #include "tests/support/Gate.h"
 #include "tests/support/LeakCheck.h"
+#include "tests/support/ProcessHandles.h"
 #include "tests/support/Raised.h"
 
 #include <gtest/gtest.h>
@@ -107,6 +108,62 @@ TEST(Module, ShutdownRunsWhatWasRegisteredForItBackwardsWhileItsThreadsStillWork
     EXPECT_EQ("ModuleCommandProcessor.OnShutdown:ModuleStopped",
               Raised([&] { module.OnShutdown(late); }));
     EXPECT_TRUE(module.Free());
+}
+
+TEST(Module, ShutdownLetsGoOfItAlsoWhenItsSchedulerHasDied)
+{
+    LeakCheck::Skip(); // the module makes what is caught here
+    LoadedModule module;
+    Gate dying;
+    const Action die = [&] {
+        dying.Open();
+        ExitThread(0);
+    };
+    module.Schedule(die);
+    dying.Pass();
+    for (int time = 0; time < 2; ++time)
+        EXPECT_EQ("MEngineThread.Flush:ThreadExitedUnexpectedly", Raised(module.Shutdown));
+    EXPECT_TRUE(module.Free());
+}
+
+TEST(Module, StartWithoutMemoryLeavesNothingTheNextBeginsAfreshAndShutdownNeedsNone)
+{
+    LeakCheck::Skip(); // the module makes what is caught here
+    for (AllocationFailure how : {AllocationFailure::Throws, AllocationFailure::ThrowsForGood}) {
+        LoadedModule module;
+        const auto holds = [&] {
+            return module.CountBlocks() + std::int64_t(ListHandles().size());
+        };
+        const auto starts = [&](int nth) {
+            module.ArmAllocationFailure(how, nth);
+            try {
+                module.Register(nullptr, nullptr);
+            } catch (...) {
+                module.DisarmAllocationFailure();
+                return false;
+            }
+            return !module.DisarmAllocationFailure();
+        };
+        // What is made once stays: after some attempts with the same allocation failing nothing
+        // more is held after one than before it.
+        bool started = false;
+        for (int nth = 1; nth < 1000 && !started; ++nth) {
+            int attempts = 0;
+            std::int64_t held = 0;
+            do {
+                held = holds();
+                started = starts(nth);
+                ASSERT_GT(50, ++attempts) << "allocation " << nth;
+            } while (!started && held != holds());
+        }
+        EXPECT_TRUE(started);
+        module.DoOnProcessor([] {});
+        module.DoOnScheduler([] {});
+        module.ArmAllocationFailure(AllocationFailure::ThrowsForGood, 1);
+        module.Shutdown();
+        EXPECT_FALSE(module.DisarmAllocationFailure());
+        EXPECT_TRUE(module.Free());
+    }
 }
 
 TEST(Module, FailureOfACommandReachesItsCallerAndThatOfAThreadTheHostAsText)

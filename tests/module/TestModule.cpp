@@ -19,12 +19,18 @@ void DoOnProcessor(const Action& action)
         ThrowException(*slot.Get());
 }
 
+void Schedule(const Action& action)
+{
+    MDesyncEvent* const event = NewEvent([&action] { action(); });
+    ModuleCommandProcessor::GetInstance().GetDesyncScheduler()->ScheduleDesyncEvent(event);
+}
+
 void DoOnScheduler(const Action& action)
 {
     const PlatformEvent done(EventReset::Automatic);
-    ModuleCommandProcessor& module = ModuleCommandProcessor::GetInstance();
-    module.GetDesyncScheduler()->ScheduleDesyncEvent(NewEvent([&] { action(); }));
-    module.GetDesyncScheduler()->ScheduleDesyncEvent(NewEvent([&] { SetEvent(done); }));
+    const Action tell = [&] { SetEvent(done); };
+    Schedule(action);
+    Schedule(tell);
     WaitForSingleObject(done, INFINITE);
 }
 
@@ -97,6 +103,7 @@ TestModule GetTestModule()
             CountBlocks,
             DoOnProcessor,
             DoOnScheduler,
+            Schedule,
             OnShutdown,
             DieOnProcessor,
             DieOnScheduler};

@@ -18,6 +18,8 @@ struct TestModule {
     /// These return when it is done or has failed, and the first raises what it raised.
     typedef void (*DoOnThread)(const Action& action);
     DoOnThread DoOnProcessor, DoOnScheduler;
+
+    DoOnThread Schedule;   ///< for the scheduler, without waiting; `action` must stay
     DoOnThread OnShutdown; ///< registers `action`, which must stay
 
     /// Has `action` done on an engine thread of the module's own, which ends thereby, and `lastAct`
