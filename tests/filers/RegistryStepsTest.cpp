@@ -53,27 +53,23 @@ struct Calls {
 
 Calls* calls;
 
-LSTATUS Opened(HKEY key, HKEY& result)
-{
-    result = key ? key : reinterpret_cast<HKEY>(0xBAD); // what a failure leaves there is no key
-    return key ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
-}
-
 LSTATUS Open(HKEY parent, LPCWSTR path, DWORD, REGSAM access, PHKEY key)
 {
-    return Opened(calls->Open(L'o', parent, path, access), *key);
+    const HKEY opened = calls->Open(L'o', parent, path, access);
+    *key = opened ? opened : reinterpret_cast<HKEY>(0xBAD); // what a failure leaves there is no key
+    return opened ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
 }
 
 LSTATUS Create(HKEY parent, LPCWSTR path, DWORD, LPWSTR, DWORD options, REGSAM access, void*,
                PHKEY key, LPDWORD)
 {
-    return Opened(calls->Open(options == 0 ? L'c' : L'?', parent, path, access), *key);
+    *key = calls->Open(options == 0 ? L'c' : L'?', parent, path, access);
+    return *key ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
 }
 
 LSTATUS Close(HKEY key)
 {
-    calls->Do(L'x', key, L"");
-    return ERROR_SUCCESS;
+    return calls->Do(L'x', key, L"") ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
 LSTATUS Set(HKEY key, LPCWSTR name, DWORD, DWORD type, const wchar_t* data, DWORD size)
@@ -93,34 +89,17 @@ LSTATUS Query(HKEY key, LPCWSTR name, LPDWORD, LPDWORD, BYTE* data, LPDWORD size
 
 } // namespace
 
-// What the filers call through: the system's functions, or ours.
+// What the filers call through in this program.
 extern "C" {
-FARPROC __imp_RegOpenKeyExW, __imp_RegCreateKeyExW, __imp_RegCloseKey, __imp_RegSetValueExW,
-    __imp_RegQueryValueExW;
+auto* __imp_RegOpenKeyExW = &Open;
+auto* __imp_RegCreateKeyExW = &Create;
+auto* __imp_RegCloseKey = &Close;
+auto* __imp_RegSetValueExW = &Set;
+auto* __imp_RegQueryValueExW = &Query;
 }
 
 namespace
 {
-
-void Answer(bool ourselves)
-{
-    const struct {
-        FARPROC& slot;
-        const char* name;
-        void* ours;
-    } slots[] = {
-        {__imp_RegOpenKeyExW, "RegOpenKeyExW", reinterpret_cast<void*>(&Open)},
-        {__imp_RegCreateKeyExW, "RegCreateKeyExW", reinterpret_cast<void*>(&Create)},
-        {__imp_RegCloseKey, "RegCloseKey", reinterpret_cast<void*>(&Close)},
-        {__imp_RegSetValueExW, "RegSetValueExW", reinterpret_cast<void*>(&Set)},
-        {__imp_RegQueryValueExW, "RegQueryValueExW", reinterpret_cast<void*>(&Query)},
-    };
-    for (const auto& one : slots)
-        one.slot = ourselves ? reinterpret_cast<FARPROC>(one.ours)
-                             : GetProcAddress(LoadLibraryW(L"advapi32"), one.name);
-}
-
-const int atFirst = (Answer(false), 0);
 
 /// A filer that writes ('w'), reads ('r'), or creates what it reads ('c'), and what it does.
 struct Work {
@@ -209,9 +188,7 @@ void Compare(unsigned failing, const std::vector<DWORD>& sizes, const Work& work
     Calls model(failing, sizes);
     Calls made(failing, sizes);
     calls = &made;
-    Answer(true);
     const bool done = DoByFiler(work, sizes.back());
-    Answer(false);
     EXPECT_EQ(DoByModel(model, work), done);
     EXPECT_EQ(model.told, made.told);
 }
