@@ -11,43 +11,40 @@
 namespace
 {
 
-const REGSAM forWriting = 0x2001F;
-const REGSAM forReading = 0x20019;
-
 /// What was called. The nth call but for closings fails where the nth bit is set. Keys are numbered
 /// as they are opened, from 1 on. What is queried has the sizes given, one after the other.
 struct Calls {
-    Calls(unsigned failing, const std::vector<DWORD>& sizes) : failing(failing), sizes(sizes) {}
-
-    bool Do(wchar_t what, HKEY key, const std::wstring& how)
+    LSTATUS Do(char what, HKEY key, const std::wstring& how)
     {
-        const bool fails = what != L'x' && (failing & 1) != 0;
-        failing >>= what != L'x';
-        const std::wstring number = std::to_wstring(reinterpret_cast<std::uintptr_t>(key));
-        told += what + number + L' ' + how + (fails ? L"!;" : L";");
-        return !fails;
+        const bool fails = what != 'x' && (failing & 1) != 0;
+        failing >>= what != 'x';
+        told += std::to_wstring(what) + L' ' +
+                std::to_wstring(reinterpret_cast<std::uintptr_t>(key)) + L' ' + how + L'\n';
+        return fails ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
     }
 
-    HKEY Open(wchar_t how, HKEY parent, const std::wstring& path, REGSAM access)
+    LSTATUS Open(char how, HKEY parent, const std::wstring& path, REGSAM access, HKEY& key)
     {
-        const bool opened = Do(how, parent, path + L' ' + std::to_wstring(access));
-        return opened ? reinterpret_cast<HKEY>(++keys) : nullptr;
+        const LSTATUS status = Do(how, parent, path + L' ' + std::to_wstring(access));
+        key = reinterpret_cast<HKEY>(status ? 0xBAD : ++keys); // a failure leaves no key
+        return status;
     }
 
-    LSTATUS Query(HKEY key, const std::wstring& name, const void* buffer, DWORD& size)
+    LSTATUS Query(HKEY key, const std::wstring& name, const void* data, DWORD& size)
     {
         const DWORD room = size;
-        if (!Do(L'q', key, name + (buffer ? std::to_wstring(room) : L"?")))
-            return ERROR_FILE_NOT_FOUND;
+        const LSTATUS status = Do('q', key, name + (data ? std::to_wstring(room) : L"?"));
+        if (status)
+            return status;
         size = sizes[at];
         at += at + 1 < sizes.size();
-        return buffer && size > room ? ERROR_MORE_DATA : ERROR_SUCCESS;
+        return data && size > room ? ERROR_MORE_DATA : ERROR_SUCCESS;
     }
 
-    unsigned failing;
     std::vector<DWORD> sizes;
-    std::size_t at = 0;
-    std::uintptr_t keys = 0;
+    unsigned failing;
+    std::size_t at;
+    std::uintptr_t keys;
     std::wstring told;
 };
 
@@ -55,36 +52,28 @@ Calls* calls;
 
 LSTATUS Open(HKEY parent, LPCWSTR path, DWORD, REGSAM access, PHKEY key)
 {
-    const HKEY opened = calls->Open(L'o', parent, path, access);
-    *key = opened ? opened : reinterpret_cast<HKEY>(0xBAD); // what a failure leaves there is no key
-    return opened ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+    return calls->Open('o', parent, path, access, *key);
 }
 
-LSTATUS Create(HKEY parent, LPCWSTR path, DWORD, LPWSTR, DWORD options, REGSAM access, void*,
-               PHKEY key, LPDWORD)
+LSTATUS Create(HKEY parent, LPCWSTR path, DWORD, LPWSTR, DWORD, REGSAM access, void*, PHKEY key,
+               LPDWORD)
 {
-    *key = calls->Open(options == 0 ? L'c' : L'?', parent, path, access);
-    return *key ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+    return calls->Open('c', parent, path, access, *key);
 }
 
 LSTATUS Close(HKEY key)
 {
-    return calls->Do(L'x', key, L"") ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
+    return calls->Do('x', key, L"");
 }
 
 LSTATUS Set(HKEY key, LPCWSTR name, DWORD, DWORD type, const wchar_t* data, DWORD size)
 {
-    const std::wstring units(data, size / sizeof *data);
-    const bool set = calls->Do(L's', key, name + std::to_wstring(type) + L'=' + units);
-    return set ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+    return calls->Do('s', key, name + std::to_wstring(type) + std::wstring(data, size / 2));
 }
 
 LSTATUS Query(HKEY key, LPCWSTR name, LPDWORD, LPDWORD, BYTE* data, LPDWORD size)
 {
-    const LSTATUS status = calls->Query(key, name, data, *size);
-    for (DWORD i = 0; data && status == ERROR_SUCCESS && i < *size; ++i)
-        data[i] = 1;
-    return status;
+    return calls->Query(key, name, data, *size);
 }
 
 } // namespace
@@ -101,109 +90,69 @@ auto* __imp_RegQueryValueExW = &Query;
 namespace
 {
 
-/// A filer that writes ('w'), reads ('r'), or creates what it reads ('c'), and what it does.
-struct Work {
-    HKEY root;
-    char filer;
-    bool number;
-    bool grouped;
-};
-
 /// Level by level, each with the rights in turn until one is granted. What is above the area is
 /// closed when that is open, and the area when the group is.
-bool DoByModel(Calls& model, const Work& work)
+bool DoByModel(Calls& model, char work, bool machine, bool grouped)
 {
-    const bool reads = work.filer == 'r';
-    const std::vector<REGSAM> one = {reads ? forReading : forWriting};
-    const std::vector<REGSAM> both = reads ? one : std::vector<REGSAM>{forWriting, forReading};
-    const wchar_t how = reads ? L'o' : L'c';
-    const struct {
-        wchar_t how;
-        const wchar_t* path;
-        std::vector<REGSAM> rights;
-    } levels[] = {
-        {L'o', work.root == HKEY_CURRENT_USER ? L"Software" : L"Software\\Wow6432Node", both},
-        {how, L"Varek", both},
-        {how, L"Area", one},
-        {how, work.grouped ? L"a\\b\\c" : L"", work.filer == 'c' ? both : one},
-    };
-    HKEY key = work.root;
+    const bool makes = work == 'w' || work == 'c';
+    const std::vector<REGSAM> one = {makes ? 0x2001Fu : 0x20019u};
+    const std::vector<REGSAM> both = makes ? std::vector<REGSAM>{0x2001F, 0x20019} : one;
+    const std::wstring paths[] = {machine ? L"Software\\Wow6432Node" : L"Software", L"Varek",
+                                  L"Area", grouped ? L"a\\b\\c" : L""};
+    HKEY key = machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
     std::vector<HKEY> above;
-    for (const auto& level : levels) {
-        const HKEY parent = key;
-        key = nullptr;
-        for (std::size_t i = 0; i < level.rights.size() && !key; ++i)
-            key = model.Open(level.how, parent, level.path, level.rights[i]);
-        for (; (!key || &level >= &levels[2]) && !above.empty(); above.pop_back())
-            model.Do(L'x', above.back(), L"");
-        if (!key)
+    for (int level = 0; level < 4; ++level) {
+        HKEY opened = nullptr;
+        LSTATUS status = ERROR_ACCESS_DENIED;
+        for (const REGSAM access : level < 2 || (level == 3 && work == 'c') ? both : one)
+            if (status)
+                status = model.Open(level && makes ? 'c' : 'o', key, paths[level], access, opened);
+        for (; (status || level > 1) && !above.empty(); above.pop_back())
+            model.Do('x', above.back(), L"");
+        if (status)
             return false;
-        above.push_back(key);
+        above.push_back(key = opened);
     }
-    bool done = false;
-    DWORD room = work.number ? 4 : 0;
-    if (work.filer == 'w')
-        done = model.Do(L's', key, work.number ? L"tag4=\x2\x1" : std::wstring(L"tag1=text", 10));
-    else if (work.number)
-        done = model.Query(key, L"tag", &room, room) == ERROR_SUCCESS;
-    else if (model.Query(key, L"tag", nullptr, room) == ERROR_SUCCESS)
-        for (DWORD size = room, held = 0; !done; held = size) {
-            const LSTATUS status = model.Query(key, L"tag", &size, size);
-            done = status == ERROR_SUCCESS;
-            if (!done && (status != ERROR_MORE_DATA || size <= held))
-                break;
-        }
-    model.Do(L'x', key, L"");
-    return done;
+    DWORD room = work == 'n' ? 4 : 0;
+    DWORD held = 0;
+    LSTATUS status = work == 'w' ? model.Do('s', key, std::wstring(L"tag1text", 9))
+                                 : model.Query(key, L"tag", work == 'n' ? &room : nullptr, room);
+    for (bool asks = work != 'w' && work != 'n' && !status; asks;
+         asks = status == ERROR_MORE_DATA && room > held) {
+        held = room;
+        status = model.Query(key, L"tag", &room, room);
+    }
+    model.Do('x', key, L"");
+    return !status;
 }
 
-template <class Filer>
-void Prepare(Filer& filer, const Work& work)
+/// Writes ('w'), reads a number ('n') or a text ('r'), or creates where it reads ('c').
+bool DoByFiler(char work, bool machine, bool grouped)
 {
-    EXPECT_TRUE(filer.SetRootKey(work.root == HKEY_CURRENT_USER ? 0 : 1));
-    EXPECT_FALSE(filer.SetRootKey(2) || filer.SetRootKey(-1) || filer.EndGroup());
-    EXPECT_TRUE(!work.grouped || (filer.BeginGroup(L"a") && filer.BeginGroup(L"b\\c")));
-}
-
-bool DoByFiler(const Work& work, DWORD size)
-{
-    if (work.filer == 'w') {
-        IOutFilerTaggedRegistry out(L"Area");
-        Prepare(out, work);
-        return work.number ? out.WriteUInt32(L"tag", 0x10002) : out.WriteString(L"tag", L"text");
-    }
-    IInFilerTaggedRegistry in(L"Area", work.filer == 'c');
-    Prepare(in, work);
+    IOutFilerTaggedRegistry out(L"Area");
+    IInFilerTaggedRegistry in(L"Area", work == 'c');
+    EXPECT_TRUE(out.SetRootKey(machine) && in.SetRootKey(machine));
+    EXPECT_FALSE(out.SetRootKey(2) || in.SetRootKey(-1) || out.EndGroup() || in.EndGroup());
+    for (const wchar_t* const group : {L"a", L"b\\c"})
+        EXPECT_TRUE(!grouped || (out.BeginGroup(group) && in.BeginGroup(group)));
     unsigned int number = 0;
     MString text;
-    const bool read =
-        work.number ? in.ReadUInt32(L"tag", &number, 9) : in.ReadString(L"tag", text, L"default");
-    EXPECT_EQ(!work.number ? 0 : read ? 0x1010101u : 9u, number);
-    EXPECT_EQ(work.number ? 0 : read ? (size + 1) / 2 : 7u, static_cast<DWORD>(text.GetLength()));
-    return read;
-}
-
-void Compare(unsigned failing, const std::vector<DWORD>& sizes, const Work& work)
-{
-    Calls model(failing, sizes);
-    Calls made(failing, sizes);
-    calls = &made;
-    const bool done = DoByFiler(work, sizes.back());
-    EXPECT_EQ(DoByModel(model, work), done);
-    EXPECT_EQ(model.told, made.told);
+    return work == 'w'   ? out.WriteString(L"tag", L"text")
+           : work == 'n' ? in.ReadUInt32(L"tag", &number, 0)
+                         : in.ReadString(L"tag", text, L"");
 }
 
 } // namespace
 
 TEST(RegistrySteps, AreThoseOfTheModelWhicheverCallsFail)
 {
-    for (unsigned failing = 0; failing < 512; ++failing)
-        for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE})
-            for (const char filer : {'w', 'r', 'c'})
-                for (unsigned bits = 0; bits < 4; ++bits)
-                    Compare(failing, {4}, {root, filer, (bits & 1) != 0, (bits & 2) != 0});
-    for (const std::vector<DWORD>& sizes :
-         {std::vector<DWORD>{4, 10, 20}, {4, 10}, {0, 4}, {20, 4}, {0}, {4, 5, 6, 7}})
-        for (unsigned failing = 0; failing < 1024; failing += 16)
-            Compare(failing, sizes, {HKEY_CURRENT_USER, 'r', false, false});
+    const std::vector<DWORD> sizes[] = {{4}, {4, 10, 20}, {20, 4}, {0, 4, 5, 6}};
+    for (unsigned bits = 0; bits < 128 * 4 * 16; ++bits) {
+        const char work = "wnrc"[bits / 4 % 4];
+        Calls model = {sizes[bits / 16 % 4], bits / 64, 0, 0, L""};
+        Calls made = model;
+        calls = &made;
+        ASSERT_EQ(DoByModel(model, work, bits & 1, bits & 2), DoByFiler(work, bits & 1, bits & 2));
+        ASSERT_EQ(model.told, made.told);
+    }
 }

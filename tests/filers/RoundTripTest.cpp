@@ -13,6 +13,7 @@
 #include <cwctype>
 #include <functional>
 #include <limits>
+#include <tuple>
 
 namespace
 {
@@ -30,7 +31,6 @@ using Read = bool (In::*)(const MString&, T*, T);
 struct Xml : MOutFilerTaggedXml {
     static constexpr double floatPart = 0;
     static constexpr double doublePart = 6.2e-16;
-    static const wchar_t whole[];
 
     Xml() : MOutFilerTaggedXml(L"r", nullptr) {}
 
@@ -50,7 +50,6 @@ struct Xml : MOutFilerTaggedXml {
 struct Registry : IOutFilerTaggedRegistry {
     static constexpr double floatPart = 5.6e-7;
     static constexpr double doublePart = 5.2e-15;
-    static const wchar_t whole[];
 
     Registry() : IOutFilerTaggedRegistry(L"RoundTripTest") {}
 
@@ -68,13 +67,6 @@ struct Registry : IOutFilerTaggedRegistry {
         return std::make_unique<IInFilerTaggedRegistry>(L"RoundTripTest", false);
     }
 };
-
-const wchar_t Xml::whole[] =
-    L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<r>\n<g>\n"
-    L"<v type=\"string\">a text of some length &amp; more</v>\n<v/>\n"
-    L"<v type=\"float\">1.250000000000000e-01</v>\n<v><a/>text<b>more text</b></v>\n"
-    L"<v type=\"uint\">1234567890</v>\n</g>\n</r>\n";
-const wchar_t Registry::whole[] = L"\x2D2\x4996";
 
 template <class Filer>
 struct RoundTrip : testing::Test {
@@ -155,6 +147,7 @@ TYPED_TEST(RoundTrip, LackOfMemoryLeavesWhatIsFiledAndNothingOpen)
         [](Out& out) { return out.WriteUInt32(L"v", 1234567890); }};
     TypeParam out;
     out.BeginGroup(L"g");
+    int changes = 0;
     for (const auto& write : writes) {
         const std::wstring before = out.State();
         const auto readAndWrite = [&] {
@@ -170,32 +163,28 @@ TYPED_TEST(RoundTrip, LackOfMemoryLeavesWhatIsFiledAndNothingOpen)
                          readAndWrite); // the first exception opens handles
         const ExpectSameHandles handles;
         ForEachFailingAllocation(AllocationFailure::Throws, readAndWrite, check);
+        changes += before != out.State();
     }
-    EXPECT_EQ(TypeParam::whole, out.State());
+    EXPECT_EQ((std::is_same<TypeParam, Xml>() ? 5 : 3), changes);
 }
 
-/// The place of an operation, as this compiler has it in a pointer to it.
-template <class Operation>
-std::uintptr_t PlaceOf(Operation operation)
-{
-    std::uintptr_t place = 0;
-    std::memcpy(&place, &operation, sizeof place);
-    return place / sizeof(void*);
-}
-
-// Callers that were built elsewhere know the operations by their places.
+// Callers that were built elsewhere know the operations by their places, which this compiler has in
+// the pointers to them.
 TEST(FilerInterfaces, OperationsAreInTheirPlaces)
 {
-    const std::uintptr_t places[] = {
-        PlaceOf(&Out::WriteChar),     PlaceOf(&Out::WriteString), PlaceOf(&Out::WriteDouble),
-        PlaceOf(&Out::WriteFloat),    PlaceOf(&Out::WriteBool),   PlaceOf(&Out::WriteByte),
-        PlaceOf(&Out::WriteUInt16),   PlaceOf(&Out::WriteInt16),  PlaceOf(&Out::WriteUInt32),
-        PlaceOf(&Out::WriteInt32),    PlaceOf(&Out::BeginGroup),  PlaceOf(&Out::EndGroup),
-        PlaceOf(&Out::WriteDocument), PlaceOf(&In::ReadString),   PlaceOf(&In::ReadChar),
-        PlaceOf(&In::ReadDouble),     PlaceOf(&In::ReadFloat),    PlaceOf(&In::ReadBool),
-        PlaceOf(&In::ReadByte),       PlaceOf(&In::ReadUInt16),   PlaceOf(&In::ReadInt16),
-        PlaceOf(&In::ReadUInt32),     PlaceOf(&In::ReadInt32),    PlaceOf(&In::BeginGroup),
-        PlaceOf(&In::EndGroup),       PlaceOf(&In::ReadDocument)};
-    for (std::size_t i = 0; i < 26; ++i)
-        EXPECT_EQ(2 + i % 13, places[i]); // the destructor takes two
+    const auto outs = std::make_tuple(
+        &Out::WriteChar, &Out::WriteString, &Out::WriteDouble, &Out::WriteFloat, &Out::WriteBool,
+        &Out::WriteByte, &Out::WriteUInt16, &Out::WriteInt16, &Out::WriteUInt32, &Out::WriteInt32,
+        &Out::BeginGroup, &Out::EndGroup, &Out::WriteDocument);
+    const auto ins = std::make_tuple(&In::ReadString, &In::ReadChar, &In::ReadDouble,
+                                     &In::ReadFloat, &In::ReadBool, &In::ReadByte, &In::ReadUInt16,
+                                     &In::ReadInt16, &In::ReadUInt32, &In::ReadInt32,
+                                     &In::BeginGroup, &In::EndGroup, &In::ReadDocument);
+    std::uintptr_t pointers[2][26] = {}; // each is a place and an adjustment of 0
+    static_assert(sizeof pointers[0] == sizeof outs && sizeof outs == sizeof ins, "");
+    std::memcpy(pointers[0], &outs, sizeof outs);
+    std::memcpy(pointers[1], &ins, sizeof ins);
+    for (std::size_t i = 0; i < 13; ++i) // last in a tuple is first in memory
+        for (const auto& ofOne : pointers)
+            EXPECT_EQ((14 - i) * sizeof(void*) + 1, ofOne[2 * i]); // the destructor takes two
 }
