@@ -2,7 +2,7 @@
 #include "xml/parse/MXmlElementParser.h"
 #include "xml/scan/MXmlTagTokens.h"
 #include "xml/scan/XmlMarkupText.h"
-#include "xml/scan/XmlRunSearch.h"
+#include "xml/scan/XmlRuns.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -16,21 +16,21 @@ MXmlMarkup::MXmlMarkup()
 
 int MXmlMarkup::LoadText(const wchar_t* text)
 {
-    const std::size_t length = text ? TextLength(text) : 0;
+    const wchar_t* const source = text ? text : L"";
+    const std::size_t length = TextLength(source);
     MXmlDocumentText::CheckLength(length);
-    documentText.Assign(text ? text : L"", length);
     errorText.clear();
-    return ParseDocument();
+    return ParseDocument(source, static_cast<std::int32_t>(length));
 }
 
-int MXmlMarkup::ParseDocument()
+int MXmlMarkup::ParseDocument(const wchar_t* source, std::int32_t length)
 {
     const std::wstring earlierText = errorText;
     ClearPosition();
     savedPositions.Clear();
-    index.Clear(documentText.Length() / 64 + 8);
+    index.Clear(length / 64 + 8);
 
-    IndexDocument();
+    IndexDocument(source, length);
     ClearPosition();
     if (!earlierText.empty())
         errorText = errorText.empty() ? earlierText : earlierText + L", " + errorText;
@@ -39,20 +39,30 @@ int MXmlMarkup::ParseDocument()
     return !index[0].Has(XmlElementDocumentIllFormed) && root != 0 && index[root].nextSibling == 0;
 }
 
-void MXmlMarkup::IndexDocument()
+void MXmlMarkup::IndexDocument(const wchar_t* source, std::int32_t length)
 {
-    if (documentText.Length() == 0) {
+    TakeAndIndex(source, length);
+    if (length == 0) {
         errorText = L"Empty document";
         return;
     }
-    MXmlTokenCursor cursor = documentText.CursorAt(0, documentFlags);
-    MXmlElementParser(index, 0, cursor, errorText).Run();
     const std::int32_t root = index[0].firstChild;
-    index[0].length = documentText.Length();
+    index[0].length = length;
     if (root == 0)
         errorText = L"No root element";
     else if (index[root].nextSibling != 0)
         errorText = L"Root element has sibling";
+}
+
+// The source is copied while it is parsed, unless it is the document's own text.
+void MXmlMarkup::TakeAndIndex(const wchar_t* source, std::int32_t length)
+{
+    const bool own = documentText.Owns(source);
+    if (own)
+        documentText.Keep(source, length);
+    std::wstring* const copy = own ? nullptr : &documentText.Empty(length);
+    MXmlTokenCursor cursor(own ? documentText.Characters().c_str() : source, length, documentFlags);
+    MXmlElementParser(index, 0, cursor, errorText, copy).Run();
 }
 
 bool MXmlMarkup::GrowRecords(std::int32_t count)

@@ -219,8 +219,9 @@ public:
     bool GrowRecords(std::int32_t count);
 
 private:
-    int ParseDocument();
-    void IndexDocument();
+    int ParseDocument(const wchar_t* source, std::int32_t length);
+    void IndexDocument(const wchar_t* source, std::int32_t length);
+    void TakeAndIndex(const wchar_t* source, std::int32_t length);
     std::int32_t ParseFragment(const std::wstring& markup, std::uint32_t level);
 
     void ClearPosition();

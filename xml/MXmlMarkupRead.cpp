@@ -1,6 +1,6 @@
 #include "xml/MXmlMarkup.h"
 #include "xml/scan/MXmlTagTokens.h"
-#include "xml/scan/XmlRunSearch.h"
+#include "xml/scan/XmlRuns.h"
 
 std::wstring MXmlMarkup::GetCurrentName() const
 {

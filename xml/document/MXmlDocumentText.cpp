@@ -4,6 +4,7 @@
 #include "xml/scan/XmlMarkupText.h"
 
 #include <algorithm>
+#include <functional>
 #include <stdexcept>
 
 constexpr std::size_t MXmlDocumentText::MaxLength;
@@ -12,6 +13,20 @@ void MXmlDocumentText::CheckLength(std::size_t length)
 {
     if (length > MaxLength)
         throw std::length_error("MXmlMarkup: text too long");
+}
+
+bool MXmlDocumentText::Owns(const wchar_t* source) const
+{
+    const std::less_equal<const wchar_t*> before;
+    return before(characters.data(), source) &&
+           before(source, characters.data() + characters.size());
+}
+
+std::wstring& MXmlDocumentText::Empty(std::size_t length)
+{
+    characters.clear();
+    characters.reserve(length);
+    return characters;
 }
 
 void MXmlDocumentText::Replace(std::int32_t offset, std::int32_t count, const std::wstring& text)

@@ -21,8 +21,14 @@ public:
     /// In characters.
     std::int32_t Length() const { return static_cast<std::int32_t>(characters.size()); }
 
-    /// Takes a copy of `length` characters, which may be some of its own.
-    void Assign(const wchar_t* source, std::size_t length) { characters.assign(source, length); }
+    /// Whether that is a place of the text itself.
+    bool Owns(const wchar_t* source) const;
+
+    /// Leaves the first `length` characters from a place of its own.
+    void Keep(const wchar_t* source, std::size_t length) { characters.assign(source, length); }
+
+    /// Becomes empty, with room for so many characters; who asked for it appends them.
+    std::wstring& Empty(std::size_t length);
 
     /// Puts `text` in place of `count` characters that are there. Room grows by half, so that
     /// appending is cheap. Throws `std::length_error` past `MaxLength`; if it throws, nothing has

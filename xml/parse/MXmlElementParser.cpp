@@ -1,85 +1,190 @@
 #include "xml/parse/MXmlElementParser.h"
 #include "xml/scan/XmlCharacters.h"
-#include "xml/scan/XmlRunSearch.h"
+#include "xml/scan/XmlRuns.h"
+
+#include <algorithm>
 
 MXmlElementParser::MXmlElementParser(MXmlElementIndex& elements, std::int32_t startRecord,
-                                     MXmlTokenCursor& freshCursor, std::wstring& firstFinding)
-    : index(elements), cursor(freshCursor), finding(firstFinding),
+                                     MXmlTokenCursor& freshCursor, std::wstring& firstFinding,
+                                     std::wstring* copy)
+    : index(elements), cursor(freshCursor), finding(firstFinding), target(copy), text(cursor.text),
+      map(cursor.text, cursor.textLength),
       open(cursor.text, (cursor.flags & XmlDocIgnoreCase) != 0, startRecord),
       startLevel(index[startRecord].Level())
 {
     finding.clear();
 }
 
-std::int32_t MXmlElementParser::Run()
+void MXmlElementParser::Run()
 {
-    for (;;) {
-        // Text leaves no trace, so its nodes are passed over in one go.
-        cursor.next = cursor.OffsetOf(FindCharacter<L'<'>(cursor.Next(), cursor.TextEnd()));
-        if (ClosesTop()) {
-            Close(open.Depth());
-            continue;
-        }
-        switch (ScanXmlNode(cursor, scan)) {
-        case XmlNodeElement:
-            OnStartTag();
-            break;
-        case XmlScanEndTag:
-            OnEndTag();
-            break;
-        case XmlScanIllFormed:
-            OnIllFormedNode();
-            break;
-        case XmlScanEndOfText:
-            OnEndOfText();
-            return open[0].firstChild;
-        default:
-            break;
-        }
+    for (std::int32_t at = 0; at < cursor.textLength;) {
+        map.Draw(at);
+        CopyUpTo(map.End());
+        at = IndexStretch();
+    }
+    CopyUpTo(cursor.textLength);
+    OnEndOfText();
+}
+
+void MXmlElementParser::CopyUpTo(std::int32_t offset)
+{
+    if (target && offset > copied) {
+        target->append(text + copied, static_cast<std::size_t>(offset - copied));
+        copied = offset;
     }
 }
 
-// Whether an end tag comes that spells the innermost open element's name and nothing more, as most
-// do. It is then scanned.
-bool MXmlElementParser::ClosesTop()
+// Answers where the next stretch is to begin.
+std::int32_t MXmlElementParser::IndexStretch()
 {
-    const wchar_t* at = cursor.Next();
-    if (open.Depth() == 0 || *at == 0 || at[1] != L'/')
-        return false;
-    const MXmlOpenElement& top = open.Top();
-    if (!XmlCharacters::Equal(cursor.text + top.nameStart, at + 2, top.nameLength, false) ||
-        at[2 + top.nameLength] != L'>')
-        return false;
-    scan.start = cursor.next;
-    scan.length = top.nameLength + 3;
-    cursor.next = scan.End();
-    return true;
+    const std::int32_t end = map.End();
+    for (const std::int32_t* at = map.Brackets(); *at < end;) {
+        // A ">" in character data leaves no trace.
+        const std::int32_t taken = text[*at] == L'<' ? TakePlainTag(at) : 1;
+        at += taken;
+        if (taken != 0)
+            continue;
+        if (MayGoOn(at))
+            return *at;
+        TakeNode(*at);
+        while (*at < cursor.next && *at < end)
+            ++at;
+    }
+    return std::max(cursor.next, end);
+}
+
+// Whether the tag may be plain, but goes on behind the stretch.
+bool MXmlElementParser::MayGoOn(const std::int32_t* brackets) const
+{
+    return brackets[1] == map.End() && map.End() != cursor.textLength && brackets[0] != map.Begin();
+}
+
+// Answers how many brackets were taken, 0 if this is no plain tag.
+inline std::int32_t MXmlElementParser::TakePlainTag(const std::int32_t* brackets)
+{
+    const std::int32_t start = brackets[0];
+    const std::int32_t close = brackets[1];
+    if (close == map.End() || text[close] != L'>')
+        return 0;
+    if (text[start + 1] != L'/')
+        return TakeStartTag(brackets);
+    if (open.Depth() == 0 || !IsEndTag(brackets, open.Top().nameStart))
+        return 0;
+    Close(open.Depth(), start, close + 1 - start);
+    return 2;
+}
+
+// Most elements contain no others: their end tag comes next.
+inline std::int32_t MXmlElementParser::TakeStartTag(const std::int32_t* brackets)
+{
+    const std::int32_t start = brackets[0];
+    const std::int32_t close = brackets[1];
+    const bool slash = text[close - 1] == L'/';
+    if (!XmlCharacters::BeginsName(text[start + 1]) || MayBeQuoted(start, close - slash))
+        return 0;
+    const std::int32_t length = close + 1 - start;
+    const std::uint32_t tagLengths = static_cast<std::uint32_t>(length);
+    if (slash && ClosesItself(start, close)) {
+        AddElement(start, length, tagLengths);
+        return 2;
+    }
+    if (brackets[3] != map.End() && text[brackets[2]] == L'<' && text[brackets[2] + 1] == L'/' &&
+        text[brackets[3]] == L'>' && IsEndTag(brackets + 2, start + 1)) {
+        const std::int32_t endTagLength = brackets[3] + 1 - brackets[2];
+        AddElement(start, brackets[3] + 1 - start,
+                   tagLengths | static_cast<std::uint32_t>(endTagLength)
+                                    << MXmlElementRecord::EndTagShift);
+        return 4;
+    }
+    open.Push({AddElement(start, length, tagLengths), start + 1, 0, 0});
+    return 2;
+}
+
+// Whether the first ">" of a start tag, which stands at or right behind `end`, may be in a quoted
+// value. The value's opening quote would stand behind "=" or white space, with no other of its kind
+// behind it. A tag whose last character is a closing quote, and has none of the other kind, has no
+// such value.
+inline bool MXmlElementParser::MayBeQuoted(std::int32_t start, std::int32_t end) const
+{
+    if (cursor.textLength - end < 32)
+        return true;
+    const wchar_t* const front = text + start + 1;
+    const wchar_t* last = text + end - 1;
+    while (XmlCharacters::IsSpace(*last))
+        --last;
+    if (XmlCharacters::IsQuote(*last) && last[-1] != L'=' && !XmlCharacters::IsSpace(last[-1]))
+        return HasCharacter(front, last, *last == L'"' ? L'\'' : L'"');
+    return HasCharacter(front, last + 1, L'"') || HasCharacter(front, last + 1, L'\'');
+}
+
+// Whether the tag from "</" to ">" closes the element whose name begins there. It does if all that
+// it contains stands there too and is followed by what ends a name: whether that is the name, or
+// the name and more, both names are the same then.
+inline bool MXmlElementParser::IsEndTag(const std::int32_t* brackets, std::int32_t nameStart) const
+{
+    const std::int32_t inside = brackets[0] + 2;
+    const std::int32_t length = brackets[1] - inside;
+    return XmlCharacters::EndsTagName(text[nameStart + length]) &&
+           SameCharacters(text + nameStart, text + inside, length, cursor.TextEnd());
+}
+
+// As the scanner decides it of a tag with a "/" in front of its ">": that stands behind the name,
+// or behind what may precede it.
+bool MXmlElementParser::ClosesItself(std::int32_t start, std::int32_t close) const
+{
+    if (XmlCharacters::MayPrecedeSlash(text[close - 2]))
+        return true;
+    std::int32_t nameEnd = start + 1;
+    while (!XmlCharacters::EndsTagName(text[nameEnd]))
+        ++nameEnd;
+    return nameEnd == close - 1;
+}
+
+void MXmlElementParser::TakeNode(std::int32_t start)
+{
+    cursor.next = start;
+    switch (ScanXmlNode(cursor, scan)) {
+    case XmlNodeElement:
+        OnStartTag();
+        break;
+    case XmlScanEndTag:
+        OnEndTag();
+        break;
+    case XmlScanIllFormed:
+        OnIllFormedNode();
+        break;
+    default:
+        break;
+    }
 }
 
 void MXmlElementParser::OnStartTag()
 {
+    const std::int32_t added =
+        AddElement(scan.start, scan.length,
+                   static_cast<std::uint32_t>(scan.length) & MXmlElementRecord::StartTagMask);
+    if ((scan.flags & XmlScanEmptyElement) == 0)
+        open.Push({added, cursor.start, 0, 0});
+}
+
+// Under the innermost open element.
+inline std::int32_t MXmlElementParser::AddElement(std::int32_t start, std::int32_t length,
+                                                  std::uint32_t tagLengths)
+{
     const std::int32_t added = index.TakeRecord();
     MXmlOpenElement& parent = open.Top();
-    MXmlElementRecord& record = Record(added);
-    record.start = scan.start;
-    record.length = scan.length;
-    record.tagLengths = static_cast<std::uint32_t>(scan.length) & MXmlElementRecord::StartTagMask;
-    record.flagsAndLevel =
+    const bool isFirst = parent.firstChild == 0;
+    const std::uint32_t level =
         (startLevel + static_cast<std::uint32_t>(open.Depth())) & MXmlElementRecord::LevelMask;
-    record.parent = parent.record;
-    record.firstChild = 0;
-    record.nextSibling = 0;
-    if (parent.firstChild == 0) {
-        record.Set(XmlElementFirstChild);
-        record.previousSibling = added;
+    if (isFirst)
         parent.firstChild = added;
-    } else {
-        record.previousSibling = parent.lastChild;
+    else
         Record(parent.lastChild).nextSibling = added;
-    }
+    Record(added) = {
+        start,         length, tagLengths, isFirst ? level | XmlElementFirstChild : level,
+        parent.record, 0,      0,          isFirst ? added : parent.lastChild};
     parent.lastChild = added;
-    if ((scan.flags & XmlScanEmptyElement) == 0)
-        open.Push({added, cursor.start, cursor.TokenLength(), 0, 0});
+    return added;
 }
 
 void MXmlElementParser::OnEndTag()
@@ -88,7 +193,7 @@ void MXmlElementParser::OnEndTag()
     if (depth != 0) {
         if (depth != open.Depth())
             Dissolve(depth);
-        Close(depth);
+        Close(depth, scan.start, scan.length);
         return;
     }
     MarkIllFormed();
@@ -97,12 +202,13 @@ void MXmlElementParser::OnEndTag()
                   std::to_wstring(scan.start);
 }
 
-void MXmlElementParser::Close(std::int32_t depth)
+// By the end tag that stands there.
+void MXmlElementParser::Close(std::int32_t depth, std::int32_t start, std::int32_t length)
 {
     MXmlOpenElement& element = open[depth];
     MXmlElementRecord& record = Record(element.record);
-    record.length = scan.End() - record.start;
-    record.SetEndTagLength(scan.length);
+    record.length = start + length - record.start;
+    record.SetEndTagLength(length);
     KeepChildren(element);
     open.PopTo(depth - 1);
 }
@@ -176,19 +282,14 @@ void MXmlElementParser::NoteUnclosed(std::int32_t depth)
     const MXmlOpenElement& top = open.Top();
     const std::wstring offset = std::to_wstring(Record(top.record).start);
     if (depth == 0)
-        finding = L"Element '" + OpenName(top) + L"' at offset " + offset + L" not ended";
+        finding = L"Element '" + open.Name(open.Depth()) + L"' at offset " + offset + L" not ended";
     else
         finding = L"End tag '" + TokenName() + L"' at offset " + std::to_wstring(cursor.start - 1) +
-                  L" does not match start tag '" + OpenName(top) + L"' at offset " + offset;
+                  L" does not match start tag '" + open.Name(open.Depth()) + L"' at offset " +
+                  offset;
 }
 
 std::wstring MXmlElementParser::TokenName() const
 {
     return std::wstring(cursor.Token(), static_cast<std::size_t>(cursor.TokenLength()));
-}
-
-std::wstring MXmlElementParser::OpenName(const MXmlOpenElement& element) const
-{
-    return std::wstring(cursor.text + element.nameStart,
-                        static_cast<std::size_t>(element.nameLength));
 }

@@ -6,17 +6,15 @@
 namespace
 {
 
-constexpr std::int32_t FirstCapacity = 6;
 constexpr std::uint64_t EmptyHash = 0xCBF29CE484222325;
 
 } // namespace
 
 MXmlOpenElements::MXmlOpenElements(const wchar_t* source, bool ignoresCase,
                                    std::int32_t startRecord)
-    : text(source), ignoreCase(ignoresCase), entries(new MXmlOpenElement[FirstCapacity]),
-      capacity(FirstCapacity)
+    : text(source), ignoreCase(ignoresCase)
 {
-    entries[0] = {startRecord, 0, 0, 0, 0};
+    entries[0] = {startRecord, 0, 0, 0};
 }
 
 void MXmlOpenElements::Grow()
@@ -24,8 +22,9 @@ void MXmlOpenElements::Grow()
     const std::int32_t grownCapacity = capacity * 2 + 6;
     std::unique_ptr<MXmlOpenElement[]> grown(
         new MXmlOpenElement[static_cast<std::size_t>(grownCapacity)]);
-    std::copy_n(entries.get(), capacity, grown.get());
-    entries = std::move(grown);
+    std::copy_n(entries, capacity, grown.get());
+    grownEntries = std::move(grown);
+    entries = grownEntries.get();
     capacity = grownCapacity;
 }
 
@@ -42,13 +41,23 @@ std::int32_t MXmlOpenElements::FindNewest(const wchar_t* name, std::int32_t leng
     return FindIndexed(name, length);
 }
 
+// No character that ends a name stands in the one that is looked for, so that a shorter one
+// differs.
 bool MXmlOpenElements::Matches(std::int32_t at, const wchar_t* name, std::int32_t length) const
 {
-    const MXmlOpenElement& entry = entries[at];
-    const wchar_t* entryName = text + entry.nameStart;
-    return length <= entry.nameLength &&
-           XmlCharacters::Equal(entryName, name, length, ignoreCase) &&
-           (length == entry.nameLength || XmlCharacters::MayFollowMatch(entryName[length]));
+    const wchar_t* entryName = text + entries[at].nameStart;
+    return XmlCharacters::Equal(entryName, name, length, ignoreCase) &&
+           (XmlCharacters::EndsTagName(entryName[length]) ||
+            XmlCharacters::MayFollowMatch(entryName[length]));
+}
+
+std::wstring MXmlOpenElements::Name(std::int32_t at) const
+{
+    const wchar_t* const name = text + entries[at].nameStart;
+    const wchar_t* end = name;
+    while (!XmlCharacters::EndsTagName(*end))
+        ++end;
+    return std::wstring(name, end);
 }
 
 void MXmlOpenElements::IndexEntries()
@@ -61,10 +70,9 @@ void MXmlOpenElements::IndexEntries()
 
 void MXmlOpenElements::AddKeys(std::int32_t at)
 {
-    const MXmlOpenElement& entry = entries[at];
-    const wchar_t* name = text + entry.nameStart;
+    const wchar_t* name = text + entries[at].nameStart;
     std::uint64_t hash = EmptyHash;
-    for (std::int32_t i = 0; i < entry.nameLength; ++i) {
+    for (std::int32_t i = 0; !XmlCharacters::EndsTagName(name[i]); ++i) {
         if (i > 0 && XmlCharacters::MayFollowMatch(name[i]))
             index.Add(hash, at);
         hash = Extend(hash, name[i]);

@@ -1,7 +1,7 @@
 #include "xml/scan/MXmlNodeScan.h"
 #include "xml/scan/MXmlDoctypeScanner.h"
 #include "xml/scan/XmlCharacters.h"
-#include "xml/scan/XmlRunSearch.h"
+#include "xml/scan/XmlRuns.h"
 
 namespace
 {

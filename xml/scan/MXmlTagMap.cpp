@@ -1,0 +1,53 @@
+#include "xml/scan/MXmlTagMap.h"
+#include "xml/scan/XmlBlocks.h"
+
+#include <algorithm>
+
+void MXmlTagMap::Draw(std::int32_t from)
+{
+    begin = from;
+    end = length - from > Stretch ? from + Stretch : length;
+    std::int32_t* out = brackets;
+    std::int32_t at = from;
+    for (; end - at >= BlockLength; at += BlockLength)
+        out = TakeOut(at, Look(text + at), out);
+    if (at < end)
+        out = TakeOut(at, LookAtRest(at), out);
+    std::fill_n(out, 3, end);
+}
+
+// A bit for each bracket. "<" and ">" differ in one bit.
+inline std::uint64_t MXmlTagMap::Look(const wchar_t* at)
+{
+    const __m128i differing = _mm_set1_epi8('<' ^ '>');
+    const __m128i either = _mm_set1_epi8('<' | '>');
+    std::uint64_t bits = 0;
+    for (int i = 0; i < BlockLength; i += 16) {
+        const __m128i bytes = _mm_or_si128(XmlBlocks::Narrow(at + i), differing);
+        bits |= std::uint64_t(XmlBlocks::Bits(_mm_cmpeq_epi8(bytes, either))) << i;
+    }
+    return bits;
+}
+
+// The text ends in this block.
+std::uint64_t MXmlTagMap::LookAtRest(std::int32_t at) const
+{
+    wchar_t rest[BlockLength] = {};
+    std::copy(text + at, text + end, rest);
+    return Look(rest);
+}
+
+// How many bits there are is not to be guessed, so some are taken out at a time, also those that are
+// not there; what comes next goes in their place.
+inline std::int32_t* MXmlTagMap::TakeOut(std::int32_t at, std::uint64_t bits, std::int32_t* out)
+{
+    constexpr std::uint64_t guard = std::uint64_t(1) << 63;
+    std::int32_t* const behind = out + XmlBlocks::Count(bits);
+    do {
+        for (int i = 0; i < Together; ++i) {
+            *out++ = at + XmlBlocks::First(bits | guard);
+            bits &= bits - 1;
+        }
+    } while (bits != 0);
+    return behind;
+}
