@@ -8,8 +8,6 @@
 #include "tests/support/ProcessHandles.h"
 
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -25,40 +23,38 @@ const wchar_t prefix[] = L"C:\\Temp\\crash test";
 
 std::string ReadAndDelete(const wchar_t* path)
 {
-    char narrow[MAX_PATH] = {};
-    WideCharToMultiByte(CP_ACP, 0, path, -1, narrow, MAX_PATH, nullptr, nullptr);
-    std::ifstream file(narrow, std::ios::binary);
-    const std::string content(std::istreambuf_iterator<char>(file), {});
-    file.close();
-    DeleteFileW(path);
+    const HANDLE file = CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    std::string content(GetFileSize(file, nullptr), '\0');
+    DWORD read = 0;
+    ReadFile(file, &content[0], static_cast<DWORD>(content.size()), &read, nullptr);
+    CloseHandle(file);
     return content;
 }
 
 /// A reader of minidumps that knows of a recorder what its description says, and nothing else.
-class RecorderInMinidump
-{
-public:
-    explicit RecorderInMinidump(const std::string& dump) : dump(dump)
+struct Reader {
+    explicit Reader(const std::string& dump)
     {
         const auto header = At<MINIDUMP_HEADER>(dump, 0);
         for (ULONG i = 0; i < header.NumberOfStreams; ++i) {
-            const auto entry = At<MINIDUMP_DIRECTORY>(dump, header.StreamDirectoryRva +
-                                                                i * sizeof(MINIDUMP_DIRECTORY));
+            const auto entry = At<MINIDUMP_DIRECTORY>(dump, header.StreamDirectoryRva + 12 * i);
             streams[entry.StreamType] = dump.substr(entry.Location.Rva, entry.Location.DataSize);
         }
         const std::string& list = streams[RecorderBlocksStream];
-        for (std::uint32_t i = 0; i < list.size() / sizeof(RecorderBlock); ++i)
-            blocks[At<RecorderBlock>(list, i * sizeof(RecorderBlock)).address] =
-                streams[RecorderFirstBlockStream + i];
-        for (const auto& block : blocks)
-            if (block.second.compare(0, 16, "Varek recorder\x1A", 16) == 0)
-                description = At<RecorderDescription>(block.second, 0);
+        for (std::uint32_t i = 0; i < list.size() / sizeof(RecorderBlock); ++i) {
+            const std::string& bytes = streams[RecorderFirstBlockStream + i];
+            blocks[At<RecorderBlock>(list, i * sizeof(RecorderBlock)).address] = &bytes;
+            if (bytes.compare(0, 16, "Varek recorder\x1A", 16) == 0)
+                told = At<RecorderDescription>(bytes, 0);
+        }
+        core = reinterpret_cast<std::uintptr_t>(told.core);
     }
 
     std::string Memory(std::uint64_t address, std::size_t size) const
     {
         const auto block = std::prev(blocks.upper_bound(address));
-        return block->second.substr(address - block->first, size);
+        return block->second->substr(address - block->first, size);
     }
 
     template <class Value>
@@ -67,25 +63,15 @@ public:
         return At<Value>(Memory(address, sizeof(Value)), 0);
     }
 
-    std::uint64_t Core(std::uint32_t offset) const
+    std::string Name(std::uint32_t table, std::uint64_t key) const
     {
-        return reinterpret_cast<std::uintptr_t>(description.core) + offset;
+        auto name = Read<std::uint64_t>(core + table + told.newestName);
+        while (name && Read<std::uint64_t>(name + told.nameKey) != key)
+            name = Read<std::uint64_t>(name + told.olderName);
+        return name ? Memory(name + told.nameText, Read<std::uint64_t>(name + told.nameLength))
+                    : "";
     }
 
-    std::map<std::uint64_t, std::string> Names(std::uint32_t table) const
-    {
-        std::map<std::uint64_t, std::string> names;
-        auto name = Read<std::uint64_t>(Core(table) + description.newestName);
-        for (; name; name = Read<std::uint64_t>(name + description.olderName))
-            names[Read<std::uint64_t>(name + description.nameKey)] = Memory(
-                name + description.nameText, Read<std::uint64_t>(name + description.nameLength));
-        return names;
-    }
-
-    RecorderDescription description = {};
-    std::map<std::uint32_t, std::string> streams;
-
-private:
     template <class Value>
     static Value At(const std::string& bytes, std::size_t offset)
     {
@@ -94,8 +80,10 @@ private:
         return value;
     }
 
-    const std::string dump;
-    std::map<std::uint64_t, std::string> blocks;
+    std::map<std::uint32_t, std::string> streams;
+    std::map<std::uint64_t, const std::string*> blocks;
+    RecorderDescription told = {};
+    std::uint64_t core;
 };
 
 /// Faults, and has `crashDump` write in the filter, as a host does, with no memory left.
@@ -115,11 +103,10 @@ void Fault(CrashDump& crashDump)
 
 TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
 {
+    EXPECT_THROW(CrashDump(std::wstring(901, L'x').c_str()), std::length_error);
     CreateDirectoryA("C:\\Temp", nullptr);
     CrashDump crashDump(prefix), nowhere(L"C:\\no such folder\\x");
-    EXPECT_THROW(CrashDump(std::wstring(901, L'x').c_str()), std::length_error);
     EXPECT_STREQ(L"", crashDump.GetPath());
-    ReadAndDelete((crashDump.WriteText(), crashDump.GetPath()));
     const ExpectSameHandles handles;
     std::map<std::wstring, int> paths;
     for (int i = 0; i < 3; ++i) {
@@ -144,35 +131,28 @@ TEST(CrashDump, MinidumpOfAFaultHoldsTheRecorderAsItsDescriptionSays)
     log.SetThreadName("tester");
     for (std::uint32_t i = 0; i < 0x20000 + 10; ++i)
         log.AddRecord(-25, 2, i, 7, 7, &log);
-    CreateDirectoryA("C:\\Temp", nullptr);
     CrashDump crashDump(prefix);
     Fault(crashDump);
     const std::string dump = ReadAndDelete(crashDump.GetPath());
     EXPECT_GT(6500000u, dump.size());
 
-    RecorderInMinidump reader(dump);
-    EXPECT_EQ(EXCEPTION_ACCESS_VIOLATION, reinterpret_cast<const MINIDUMP_EXCEPTION_STREAM*>(
-                                              reader.streams[ExceptionStream].data())
-                                              ->ExceptionRecord.ExceptionCode);
-    EXPECT_FALSE(reader.streams[ThreadListStream].empty() ||
-                 reader.streams[ModuleListStream].empty());
-    const RecorderDescription& told = reader.description;
-    ASSERT_EQ(1u, told.version);
+    Reader reader(dump);
+    const RecorderDescription& told = reader.told;
+    EXPECT_EQ(EXCEPTION_ACCESS_VIOLATION, Reader::At<DWORD>(reader.streams[ExceptionStream], 8));
+    EXPECT_FALSE(reader.streams[ThreadListStream].empty());
+    EXPECT_FALSE(reader.streams[ModuleListStream].empty());
     ASSERT_EQ(&log, told.core);
-    const auto capacity = reader.Read<std::uint32_t>(reader.Core(told.capacity));
-    const auto latest = reader.Read<std::uint32_t>(reader.Core(told.writeIndex));
-    const auto ring = reader.Read<std::uint64_t>(reader.Core(told.records));
-    const std::uint64_t record = ring + std::uint64_t{latest % capacity} * told.recordSize;
-    EXPECT_EQ(0x20000u + 9, reader.Read<std::uint32_t>(record + told.param2));
-    EXPECT_EQ(-25, reader.Read<std::int32_t>(record + told.kind));
+    const auto capacity = reader.Read<std::uint32_t>(reader.core + told.capacity);
+    const auto slot = reader.Read<std::uint32_t>(reader.core + told.writeIndex) % capacity;
+    const auto ring = reader.Read<std::uint64_t>(reader.core + told.records);
     const std::size_t size = std::size_t{capacity} * told.recordSize;
     EXPECT_EQ(0,
               std::memcmp(reinterpret_cast<void*>(ring), reader.Memory(ring, size).data(), size));
-
-    const auto own = reinterpret_cast<std::uintptr_t>(&log);
-    EXPECT_EQ("Pump", reader.Names(told.idNames)[7]);
-    EXPECT_EQ(std::string(0x5000, 'x'), reader.Names(told.stateNames)[703]);
-    EXPECT_EQ("the pump", reader.Names(told.objectNames)[own]);
-    EXPECT_EQ("tester", reader.Names(told.threadNames)[GetCurrentThreadId()]);
-    EXPECT_EQ("Scope_push", reader.Names(told.kindNames)[0xFFFFFFF9]);
+    EXPECT_EQ(0x20000u + 9,
+              reader.Read<std::uint32_t>(ring + slot * told.recordSize + told.param2));
+    EXPECT_EQ("Pump", reader.Name(told.idNames, 7));
+    EXPECT_EQ(std::string(0x5000, 'x'), reader.Name(told.stateNames, 703));
+    EXPECT_EQ("the pump", reader.Name(told.objectNames, reader.core));
+    EXPECT_EQ("tester", reader.Name(told.threadNames, GetCurrentThreadId()));
+    EXPECT_EQ("Scope_push", reader.Name(told.kindNames, 0xFFFFFFF9));
 }

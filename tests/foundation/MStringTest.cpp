@@ -6,13 +6,12 @@
 #include <random>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace
 {
 
-/// What a string is told to be: its text, the room for it, and whether it has a buffer.
-struct Model {
+/// A string, and what it is told to be.
+struct Told {
     void Assign(const std::wstring& newText)
     {
         text = newText;
@@ -23,193 +22,142 @@ struct Model {
         text += more;
         capacity = std::max(capacity, text.size());
     }
+    bool IsTrue() const
+    {
+        return text == string.c_str() && text.size() == std::size_t(string.GetLength()) &&
+               capacity == std::size_t(string.GetCapacity()) && text.empty() == string.IsEmpty();
+    }
 
+    MString string;
     std::wstring text;
     std::size_t capacity = 0;
 };
 
-/// A string and its model, driven at random. Now and then memory is short, and nothing may change.
-class Strings
+std::mt19937 random;
+
+std::wstring RandomText()
 {
-public:
-    void Step()
-    {
-        static void (Strings::*const operations[])() = {
-            &Strings::AssignText, &Strings::AssignCopy, &Strings::AssignMoved, &Strings::Append,
-            &Strings::AppendText, &Strings::Reserve,    &Strings::Format,      &Strings::Part,
-            &Strings::FillBuffer, &Strings::Look};
-        a = Below(count);
-        b = Below(count);
-        (this->*operations[Below(sizeof operations / sizeof *operations)])();
-        Compare();
-    }
+    std::wstring text(random() % 6, L'a');
+    for (wchar_t& character : text)
+        character = L"ab\xFFFF"[random() % 3];
+    return text;
+}
 
-private:
-    static const int count = 4;
+/// Whether `operation` on `told` had the memory it needed; if not, it has changed nothing.
+template <class Operation>
+bool Done(const Told& told, Operation operation)
+{
+    const wchar_t* const before = told.string.c_str();
+    const int nth = random() % 5 == 0 ? 1 : 1000;
+    const auto outcome = RunShortOfMemory(AllocationFailure::Throws, nth, operation);
+    EXPECT_TRUE(outcome == ShortageOutcome::NotMet ||
+                (outcome == ShortageOutcome::RaisedBadAlloc && before == told.string.c_str()));
+    return outcome == ShortageOutcome::NotMet;
+}
 
-    int Below(std::size_t limit) { return static_cast<int>(random() % limit); }
+void AssignOrAppend(Told& a, Told& b)
+{
+    const std::wstring text = RandomText();
+    const MString& source = b.string;
+    const wchar_t* const before = a.string.c_str();
+    switch (random() % 6) {
+    case 0:
+        if (Done(a, [&] { a.string = text.c_str(); }))
+            a.Assign(text);
+        break;
+    case 1:
+        if (!Done(a, [&] { a.string = source; }))
+            break;
+        EXPECT_TRUE(&a == &b || b.text.empty() || a.string.c_str() != before);
+        if (&a != &b)
+            a.Assign(b.text);
+        break;
+    case 2:
+        if (&a == &b)
+            break;
+        a.string = std::move(b.string);
+        a.Assign(b.text);
+        a.capacity = b.capacity;
+        b.Assign(L"");
+        break;
+    case 3:
+        if (Done(a, [&] { a.string += text.c_str(); }))
+            a.Append(text);
+        break;
+    case 4:
+        if (a.text.size() < 100 && Done(a, [&] { a.string += source; }))
+            a.Append(std::wstring(b.text));
+        break;
+    default:
+        if (a.text.size() < 100 &&
+            Done(a, [&] { a.string.Format(L"%ls%ls", a.string.c_str(), source.c_str()); }))
+            a.Assign(a.text + b.text);
+    }
+}
 
-    /// Whether `operation` had the memory it needed; if not, it has changed nothing.
-    template <class Operation>
-    bool Done(Operation operation)
-    {
-        const wchar_t* const before = strings[a].c_str();
-        const auto outcome =
-            RunShortOfMemory(AllocationFailure::Throws, Below(5) == 0 ? 1 : 1000, operation);
-        if (outcome == ShortageOutcome::NotMet)
-            return true;
-        EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, outcome);
-        EXPECT_EQ(before, strings[a].c_str());
-        return false;
-    }
+/// The old text stays in a buffer that is left alone, its length too; another is filled.
+void MakeRoom(Told& a)
+{
+    const std::uint32_t extra = random() % 6;
+    if (Done(a, [&] { a.string.Reserve(extra); }))
+        a.capacity = std::max(a.capacity, a.text.size() + extra);
 
-    std::wstring RandomText()
-    {
-        std::wstring text(random() % 6, L'a');
-        for (wchar_t& character : text)
-            character = L"ab\xFFFF"[Below(3)];
-        return text;
-    }
+    const int asked = static_cast<int>(random() % 12) - 2;
+    const std::size_t wanted = std::size_t(std::max(asked, 0));
+    const bool shrink = random() % 2;
+    const bool kept = a.string.c_str() != MString().c_str() && a.capacity >= wanted &&
+                      (a.capacity == wanted || !shrink);
+    wchar_t* buffer = nullptr;
+    if (!Done(a, [&] { buffer = a.string.GetBuffer(asked, shrink); }) || kept)
+        return;
+    EXPECT_EQ(a.text.substr(0, wanted), std::wstring(buffer, std::min(wanted, a.text.size())));
+    a.Assign(std::wstring(wanted, L'b'));
+    *std::fill_n(buffer, wanted, L'b') = L'\0';
+}
 
-    void AssignText()
-    {
-        const std::wstring text = RandomText();
-        if (Done([&] { strings[a] = text.c_str(); }))
-            models[a].Assign(text);
-    }
-    void AssignCopy()
-    {
-        const wchar_t* const before = strings[a].c_str();
-        const MString& source = strings[b];
-        if (!Done([&] { strings[a] = source; }) || a == b)
-            return;
-        EXPECT_TRUE(before != strings[a].c_str() || models[b].text.empty());
-        models[a].Assign(models[b].text);
-    }
-    void AssignMoved()
-    {
-        if (a == b)
-            return;
-        const wchar_t* const moved = strings[b].c_str();
-        strings[a] = std::move(strings[b]);
-        EXPECT_EQ(moved, strings[a].c_str());
-        models[a] = models[b];
-        models[b] = Model();
-    }
-    void Append()
-    {
-        if (models[a].text.size() < 100 && Done([&] { strings[a] += strings[b]; }))
-            models[a].Append(std::wstring(models[b].text));
-    }
-    void AppendText()
-    {
-        const std::wstring text = RandomText();
-        if (Done([&] { strings[a] += text.c_str(); }))
-            models[a].Append(text);
-    }
-    void Reserve()
-    {
-        const std::uint32_t extra = random() % 6;
-        if (Done([&] { strings[a].Reserve(extra); }))
-            models[a].capacity = std::max(models[a].capacity, models[a].text.size() + extra);
-    }
-    void Format()
-    {
-        if (models[a].text.size() < 100 &&
-            Done([&] { strings[a].Format(L"%ls%ls", strings[a].c_str(), strings[b].c_str()); }))
-            models[a].Assign(models[a].text + models[b].text);
-    }
-    void Part()
-    {
-        const std::wstring& text = models[b].text;
-        const int start = Below(text.size() + 2);
-        const int counts[] = {-1, 0, 1, 2, MString::toEnd};
-        const int taken = counts[Below(5)];
-        if (!Done([&] { strings[a] = strings[b].Mid(start, taken); }))
-            return;
-        models[a].Assign(
-            static_cast<std::size_t>(start) < text.size() && taken > 0
-                ? text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(taken))
-                : L"");
-    }
-
-    // Keeps its own text in a buffer that stays; the length of that stays too.
-    void FillBuffer()
-    {
-        Model& model = models[a];
-        const int asked = Below(12) - 2;
-        const auto wanted = static_cast<std::size_t>(std::max(asked, 0));
-        const bool shrink = Below(2) != 0;
-        const bool hasBuffer = strings[a].c_str() != MString().c_str();
-        wchar_t* buffer = nullptr;
-        if (!Done([&] { buffer = strings[a].GetBuffer(asked, shrink); }))
-            return;
-        EXPECT_EQ(buffer, strings[a].c_str());
-        if (hasBuffer && model.capacity >= wanted && (model.capacity == wanted || !shrink))
-            return;
-        EXPECT_EQ(0, std::wcsncmp(model.text.c_str(), buffer, std::min(wanted, model.text.size())));
-        model.Assign(std::wstring(wanted, L'b'));
-        std::fill_n(buffer, wanted, L'b');
-        buffer[wanted] = L'\0';
-    }
-
-    void Look()
-    {
-        const std::wstring& text = models[a].text;
-        const std::wstring& other = models[b].text;
-        const int order = text.compare(other);
-        EXPECT_EQ((order > 0) - (order < 0), MString::Compare(strings[a], strings[b]));
-        const std::wstring needle = RandomText();
-        const std::size_t start = random() % (text.size() + 1);
-        const std::size_t found = needle.empty() ? std::wstring::npos : text.find(needle, start);
-        const MString asked(needle.c_str());
-        EXPECT_EQ(static_cast<std::int32_t>(found),
-                  strings[a].Find(asked, static_cast<std::int32_t>(start)));
-    }
-
-    void Compare()
-    {
-        for (int i = 0; i < count; ++i) {
-            const MString& string = strings[i];
-            EXPECT_EQ(models[i].text, std::wstring(string.c_str()));
-            EXPECT_EQ(models[i].text.size(), static_cast<std::size_t>(string.GetLength()));
-            EXPECT_EQ(models[i].capacity, static_cast<std::size_t>(string.GetCapacity()));
-            EXPECT_EQ(models[i].text.empty(), string.IsEmpty());
-        }
-    }
-
-    std::mt19937 random;
-    MString strings[count];
-    Model models[count];
-    int a = 0, b = 0;
-};
+void Look(const Told& a, const Told& b)
+{
+    const int order = a.text.compare(b.text);
+    EXPECT_EQ((order > 0) - (order < 0), MString::Compare(a.string, b.string));
+    const std::wstring needle = RandomText();
+    const std::size_t start = random() % (a.text.size() + 1);
+    const std::size_t found = needle.empty() ? std::wstring::npos : a.text.find(needle, start);
+    EXPECT_EQ(int(found), a.string.Find(needle.c_str(), int(start)));
+    for (const int taken : {-1, 0, 1, 2, int(MString::toEnd)})
+        EXPECT_EQ(taken > 0 ? a.text.substr(start, std::size_t(taken)) : L"",
+                  a.string.Mid(int(start), taken).c_str());
+    EXPECT_EQ(0, a.string.Mid(int(a.text.size()) + 1).GetLength());
+}
 
 } // namespace
 
-TEST(MString, DoesWhatItsModelDoesAndNothingWhereMemoryIsShort)
+TEST(MString, DoesWhatItIsToldAndNothingWhereMemoryIsShort)
 {
-    Strings strings;
-    for (int step = 0; step < 20000 && !testing::Test::HasFailure(); ++step) {
-        SCOPED_TRACE(step);
-        strings.Step();
+    Told strings[4];
+    for (int step = 0; step < 20000; ++step) {
+        Told &a = strings[random() % 4], &b = strings[random() % 4];
+        AssignOrAppend(a, b);
+        ASSERT_TRUE(a.IsTrue() && b.IsTrue()) << step;
+        MakeRoom(b);
+        ASSERT_TRUE(b.IsTrue()) << step;
+        Look(a, b);
     }
 }
 
 TEST(MString, NullTextIsEmptyAndANullAnswerIsRaisedByConstructorsAndABadAllocElsewhere)
 {
     const wchar_t* const none = nullptr;
-    MString text(none), longText(L"longer");
+    MString text(none), source(L"longer");
     EXPECT_STREQ(L"", (text += none).c_str());
     const auto outcome = [](auto operation) {
         return RunShortOfMemory(AllocationFailure::AnswersNull, 1, operation);
     };
-    EXPECT_EQ(ShortageOutcome::RaisedMException, outcome([] { MString(L"x"); }));
-    EXPECT_EQ(ShortageOutcome::RaisedMException, outcome([&] { MString copy(longText); }));
-    EXPECT_EQ(ShortageOutcome::RaisedBadAlloc,
-              outcome([&] { text = static_cast<const MString&>(longText); }));
-    EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, outcome([&] { text.Reserve(1); }));
-    EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, outcome([&] { text.GetBuffer(1, false); }));
-    EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, outcome([&] { text.Format(L"%d", 1); }));
-    EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, outcome([&] { longText.Mid(1); }));
-    EXPECT_THROW(longText.Reserve(MString::toEnd), std::length_error);
+    for (const auto raised : {outcome([] { MString(L"x"); }), outcome([&] { MString x(source); })})
+        EXPECT_EQ(ShortageOutcome::RaisedMException, raised);
+    for (const auto raised :
+         {outcome([&] { text = static_cast<const MString&>(source); }),
+          outcome([&] { text.Reserve(1); }), outcome([&] { text.GetBuffer(1, false); }),
+          outcome([&] { text.Format(L"%d", 1); }), outcome([&] { source.Mid(1); })})
+        EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, raised);
+    EXPECT_THROW(source.Reserve(MString::toEnd), std::length_error);
 }

@@ -2,7 +2,6 @@
 
 #include "tests/support/Allocations.h"
 
-#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -12,126 +11,86 @@ namespace
 
 typedef MTypedPtrArray<MString, const MString&> StringArray;
 
-/// An array and the slots that it is told to have, driven at random.
-class Arrays
-{
-public:
-    void Step()
-    {
-        static void (Arrays::*const operations[])() = {
-            &Arrays::Add,    &Arrays::Add,  &Arrays::GetAt,  &Arrays::RemoveAt,
-            &Arrays::Remove, &Arrays::Grow, &Arrays::Resize, &Arrays::SetFactor};
-        (this->*operations[Below(sizeof operations / sizeof *operations)])();
-        Compare();
-    }
+const wchar_t emptySlot[] = L"no element";
 
-private:
-    static const std::size_t most = 40;
-
-    std::size_t Below(std::size_t limit) { return random() % limit; }
-
-    /// Whether `operation` had the memory it needed; if not, it has changed nothing.
-    template <class Operation>
-    bool Done(Operation operation)
-    {
-        const auto how = Below(2) ? AllocationFailure::Throws : AllocationFailure::AnswersNull;
-        const auto outcome = RunShortOfMemory(how, Below(8) == 0 ? 1 : 1000, operation);
-        EXPECT_TRUE(outcome == ShortageOutcome::NotMet ||
-                    outcome == ShortageOutcome::RaisedMException);
-        return outcome == ShortageOutcome::NotMet;
-    }
-
+/// An array, and the slots that it is told to have.
+struct Told {
     std::size_t Grown(std::size_t minimum) const
     {
         const auto step = static_cast<std::size_t>(static_cast<float>(slots.size()) * factor);
         return std::max({minimum, slots.size() + 1, factor > 1 ? step : 0});
     }
-
-    void Add()
+    void Resize(std::size_t size)
     {
-        const bool full = count == slots.size();
-        const std::wstring text(Below(3), L'x');
-        const MString value(text.c_str());
-        std::int32_t index = 0;
-        if (count == most || !Done([&] { index = array.Add(value); }))
-            return;
-        if (full)
-            slots.resize(Grown(0));
-        EXPECT_EQ(static_cast<std::int32_t>(count), index);
-        slots[count++] = std::make_shared<std::wstring>(text);
-    }
-    void GetAt()
-    {
-        if (slots.empty())
-            return;
-        const std::size_t index = Below(slots.size());
-        if (!Done([&] { array.GetAt(static_cast<std::int32_t>(index)); }))
-            return;
-        if (!slots[index])
-            slots[index] = std::make_shared<std::wstring>();
-        EXPECT_EQ(*slots[index], array.GetAt(static_cast<std::int32_t>(index)).c_str());
-    }
-    void RemoveAt()
-    {
-        if (count == 0)
-            return;
-        const auto index = static_cast<std::ptrdiff_t>(Below(count));
-        array.RemoveAt(static_cast<std::int32_t>(index));
-        slots.insert(slots.begin() + static_cast<std::ptrdiff_t>(count), nullptr);
-        slots.erase(slots.begin() + index);
-        --count;
-    }
-    void Remove()
-    {
-        if (Below(4) != 0)
-            return;
-        array.RemoveAll();
-        if (count > 0)
-            slots.assign(slots.size(), nullptr);
-        count = 0;
-    }
-    void Grow()
-    {
-        const std::size_t minimum = Below(most);
-        if (slots.size() < most && Done([&] { array.Grow(static_cast<std::int32_t>(minimum)); }))
-            slots.resize(Grown(minimum));
-    }
-    void Resize()
-    {
-        const std::size_t size = Below(most);
-        if (!Done([&] { array.Resize(static_cast<std::int32_t>(size)); }))
-            return;
-        slots.resize(size);
+        slots.resize(size, emptySlot);
         count = std::min(count, size);
     }
-    void SetFactor()
-    {
-        factor = static_cast<float>(Below(7)) / 4;
-        array.SetGrowFactor(factor);
-    }
+    std::ptrdiff_t Anywhere(std::size_t limit) { return std::ptrdiff_t(random() % limit); }
 
-    void Compare()
-    {
-        ASSERT_EQ(static_cast<std::int32_t>(count), array.GetCount());
-        ASSERT_EQ(static_cast<std::int32_t>(slots.size()), array.GetAllocated());
-        for (std::size_t i = 0; i < count; ++i)
-            ASSERT_EQ(*slots[i], array.GetAt(static_cast<std::int32_t>(i)).c_str());
-    }
+    void Change(int operation);
+    bool IsTrue();
 
     std::mt19937 random;
     StringArray array;
-    std::vector<std::shared_ptr<std::wstring>> slots;
+    std::vector<std::wstring> slots;
     std::size_t count = 0;
     float factor = 0;
 };
 
+void Told::Change(int operation)
+{
+    const auto how = random() % 2 ? AllocationFailure::Throws : AllocationFailure::AnswersNull;
+    const auto done = [&](auto change) { // or else nothing is changed
+        const auto outcome = RunShortOfMemory(how, random() % 8 == 0 ? 1 : 1000, change);
+        EXPECT_NE(ShortageOutcome::RaisedBadAlloc, outcome);
+        return outcome == ShortageOutcome::NotMet;
+    };
+    const std::wstring text(random() % 3, L'x');
+    const MString value(text.c_str());
+    const int size = int(random() % 40);
+    if (operation == 0 && done([&] { array.Resize(size); })) {
+        Resize(std::size_t(size));
+    } else if (operation == 1 && slots.size() < 40 && done([&] { array.Grow(size); })) {
+        Resize(Grown(std::size_t(size)));
+    } else if (operation == 2 && !slots.empty()) {
+        const std::ptrdiff_t index = Anywhere(slots.size());
+        std::wstring& slot = slots[std::size_t(index)];
+        if (done([&] { array.GetAt(int(index)); }) && slot == emptySlot)
+            slot.clear();
+    } else if (operation == 3 && count > 0) {
+        const std::ptrdiff_t index = Anywhere(count);
+        array.RemoveAt(int(index));
+        slots.insert(slots.begin() + std::ptrdiff_t(count--), emptySlot);
+        slots.erase(slots.begin() + index);
+    } else if (operation == 4 && random() % 4 == 0) {
+        array.RemoveAll();
+        Resize(count > 0 ? 0 : slots.size());
+        Resize(std::size_t(array.GetAllocated()));
+    } else if (operation == 5) {
+        factor = static_cast<float>(size % 7) / 4;
+        array.SetGrowFactor(factor);
+    } else if (operation > 5 && count < 40 && done([&] { array.Add(value); })) {
+        if (count == slots.size())
+            Resize(Grown(0));
+        slots[count++] = text;
+    }
+}
+
+bool Told::IsTrue()
+{
+    bool alike = array.GetCount() == int(count) && array.GetAllocated() == int(slots.size());
+    for (std::size_t i = 0; alike && i < slots.size(); ++i)
+        alike = slots[i] == emptySlot || slots[i] == array.GetAt(int(i)).c_str();
+    return alike;
+}
+
 } // namespace
 
-TEST(MTypedPtrArray, DoesWhatItsModelDoesAndRaisesWhereMemoryIsShort)
+TEST(MTypedPtrArray, DoesWhatItIsToldAndRaisesWhereMemoryIsShort)
 {
-    Arrays arrays;
-    for (int step = 0; step < 20000 && !testing::Test::HasFailure(); ++step) {
-        SCOPED_TRACE(step);
-        arrays.Step();
+    Told told;
+    for (int step = 0; step < 20000; ++step) {
+        told.Change(int(told.random() % 10));
+        ASSERT_TRUE(told.IsTrue()) << step;
     }
 }
