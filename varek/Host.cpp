@@ -35,10 +35,12 @@ TracedLocation& Location()
 void Tell(const wchar_t* text)
 {
     char bytes[2048];
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, bytes, sizeof bytes, nullptr, nullptr);
+    const int size =
+        WideCharToMultiByte(CP_UTF8, 0, text, -1, bytes, sizeof bytes, nullptr, nullptr);
     DWORD written = 0;
     if (size > 1)
-        WriteFile(GetStdHandle(STD_ERROR_HANDLE), bytes, static_cast<DWORD>(size - 1), &written, nullptr);
+        WriteFile(GetStdHandle(STD_ERROR_HANDLE), bytes, static_cast<DWORD>(size - 1), &written,
+                  nullptr);
     OutputDebugStringW(text);
 }
 
@@ -154,9 +156,14 @@ void Host::Check(const std::wstring& module) const
 {
     for (const char* name : {attachName, registerName, shutdownName})
         if (!GetProcAddress(static_cast<HMODULE>(library.get()), name))
-            Raise(Location(), L"NotAModule").With(L"module", module).With(L"function", name).Throw();
-    const std::wstring version = VersionString(static_cast<HMODULE>(library.get()), L"VarekVersion");
-    const std::wstring toolchain = VersionString(static_cast<HMODULE>(library.get()), L"VarekToolchain");
+            Raise(Location(), L"NotAModule")
+                .With(L"module", module)
+                .With(L"function", name)
+                .Throw();
+    const std::wstring version =
+        VersionString(static_cast<HMODULE>(library.get()), L"VarekVersion");
+    const std::wstring toolchain =
+        VersionString(static_cast<HMODULE>(library.get()), L"VarekToolchain");
     if (MinorVersion(version) != MinorVersion(VAREK_VERSION) || toolchain != VAREK_TOOLCHAIN)
         Raise(Location(), L"DoesNotFit")
             .With(L"module", module)

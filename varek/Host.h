@@ -32,9 +32,9 @@ struct HostOptions {
 ///     const auto drain = host.Find<int(int)>("Drain"); // exported as extern "C"
 ///     drain(80);
 ///
-/// The constructor loads the module, sees that it fits, joins its log to the host's own, so that the
-/// host's dumps show both, and starts it. When one of its threads faults, a minidump that holds the
-/// flight recorders and their text are written, as `CrashDump` tells, for example
+/// The constructor loads the module, sees that it fits, joins its log to the host's own, so that
+/// the host's dumps show both, and starts it. When one of its threads faults, a minidump that holds
+/// the flight recorders and their text are written, as `CrashDump` tells, for example
 /// pumps-20261121-231805-042-4711.dmp and .log, and the fault goes on. The destructor shuts the
 /// module down and lets go of it; nothing of the module may be used any more.
 ///
@@ -46,17 +46,18 @@ struct HostOptions {
 /// | function | exported as |
 /// |---|---|
 /// | AttachMFlowLogger | _ZN5Varek7Runtime17AttachMFlowLoggerEP11MFlowLogger |
-/// | RegisterFatalErrorHandlers | _ZN5Varek7Runtime26RegisterFatalErrorHandlersESt8auto_ptrINS0_21CallbackFunctor1ParamIRKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEEEEES1_INS2_IP19_EXCEPTION_POINTERSEEE |
-/// | Shutdown | _ZN5Varek7Runtime8ShutdownEv |
+/// | RegisterFatalErrorHandlers |
+/// _ZN5Varek7Runtime26RegisterFatalErrorHandlersESt8auto_ptrINS0_21CallbackFunctor1ParamIRKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEEEEES1_INS2_IP19_EXCEPTION_POINTERSEEE
+/// | | Shutdown | _ZN5Varek7Runtime8ShutdownEv |
 ///
 /// Threads: make and destroy it on one thread, none of the module's own.
 class Host
 {
 public:
-    /// Loads `module`, found as `LoadLibrary` finds it, and starts it. Raises "varek.Host:CannotLoad"
-    /// with "module" and "winErrorCode", "NotAModule" with "module" and "function" when a function is
-    /// missing, "DoesNotFit" with "module", "moduleSdk" and "hostSdk", and the `MException` of a
-    /// failed start; nothing is loaded then.
+    /// Loads `module`, found as `LoadLibrary` finds it, and starts it. Raises
+    /// "varek.Host:CannotLoad" with "module" and "winErrorCode", "NotAModule" with "module" and
+    /// "function" when a function is missing, "DoesNotFit" with "module", "moduleSdk" and
+    /// "hostSdk", and the `MException` of a failed start; nothing is loaded then.
     explicit Host(const std::wstring& module, const HostOptions& options = HostOptions());
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
@@ -73,7 +74,8 @@ public:
         return reinterpret_cast<Function*>(FindAddress(name));
     }
 
-    /// Stops the module for good, ahead of the destructor. Raises the `MException` of a failed stop.
+    /// Stops the module for good, ahead of the destructor. Raises the `MException` of a failed
+    /// stop.
     void Shutdown();
 
 private:

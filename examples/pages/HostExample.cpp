@@ -1,5 +1,6 @@
 // What docs/host.md and docs/reading-a-dump.md show, as a test: a host of varek.dll.
 
+#include "diagnostics/CrashDump.h"
 #include "diagnostics/MFlowLogger.h"
 #include "module/Runtime.h"
 #include "tests/support/LeakCheck.h"
@@ -18,7 +19,13 @@ class FatalTextPrinter : public Varek::Runtime::CallbackFunctor1Param<const std:
 
 class MiniDumpWriter : public Varek::Runtime::CallbackFunctor1Param<_EXCEPTION_POINTERS*>
 {
-    void operator()(_EXCEPTION_POINTERS*) override {}
+    void operator()(_EXCEPTION_POINTERS* pointers) override
+    {
+        crashDump.WriteMinidump(pointers); // C:\Dumps\pump-20261121-231805-042-4711.dmp
+        crashDump.WriteText();             // C:\Dumps\pump-20261121-231806-130-4711.log
+    }
+
+    CrashDump crashDump{L"C:\\Dumps\\pump"}; // made at the start of the host
 };
 
 void RunHost()

@@ -42,7 +42,8 @@ TEST(FailureTable, StartThatFailsForgetsItsThreadAndCanBeTriedAgain)
         CloseHandle(ended);
 
         AnswerNext(Import::BeginThread, answer);
-        EXPECT_EQ("MEngineThread.Start:BeginThread errno=" + std::to_string(static_cast<int>(answer)),
+        EXPECT_EQ("MEngineThread.Start:BeginThread errno=" +
+                      std::to_string(static_cast<int>(answer)),
                   Raised([&] { thread.Start(); }));
         thread.on.clear();
         thread.onStarted = [] {};
@@ -95,7 +96,7 @@ TEST(FailureTable, CallThatFailsIsRidOfItsCommandAndLeavesNoHandle)
     for (DWORD answer : answers) {
         const std::string number = " winErrorCode=" + std::to_string(answer);
         AnswerNext(Import::WaitForMultipleObjects, answer);
-        EXPECT_EQ(call + (answer == 1 ? "CommandProcessingAborted"
+        EXPECT_EQ(call + (answer == 1                      ? "CommandProcessingAborted"
                           : answer == 128 || answer == 129 ? "Abandoned"
                                                            : "WaitFailed" + number),
                   Raised(execute));

@@ -20,6 +20,6 @@ enum class Import {
 /// Waits are made before they answer wrong; the others are not made.
 void AnswerNext(Import import, DWORD answer);
 
-/// Has `action` done ahead of the next call of the calling thread. Not owned. One of either kind at a
-/// time in the process.
+/// Has `action` done ahead of the next call of the calling thread. Not owned. One of either kind at
+/// a time in the process.
 void DoAheadOfNext(Import import, const Action& action);

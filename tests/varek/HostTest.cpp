@@ -1,12 +1,12 @@
 // A host, and what a module does on threads of its own while it is in a host's hands.
 
+#include "varek/Host.h"
 #include "diagnostics/KLogger.h"
 #include "tests/engine/EngineFixtures.h"
 #include "tests/support/DumpedRecord.h"
 #include "tests/support/LeakCheck.h"
 #include "tests/varek/FaceModule.h"
 #include "varek/Errors.h"
-#include "varek/Host.h"
 
 #include <stdexcept>
 
@@ -68,9 +68,8 @@ TEST(Host, SaysInWordsWhatDoesNotFit)
     for (const auto& module : modules)
         EXPECT_EQ(0u, Raised([&] { varek::Host host(module.first); }).find(module.second))
             << Raised([&] { varek::Host host(module.first); });
-    EXPECT_NE(std::string::npos, Raised([] {
-                                     varek::Host host(L"unfit-module.dll");
-                                 }).find("moduleSdk=9.9"));
+    EXPECT_NE(std::string::npos,
+              Raised([] { varek::Host host(L"unfit-module.dll"); }).find("moduleSdk=9.9"));
     EXPECT_FALSE(GetModuleHandleW(L"unfit-module.dll"));
 }
 
