@@ -168,7 +168,10 @@ TEST(MFilerTaggedPair, AsksBothInOrderForGroupsAndOneForAValue)
     MFilerTaggedPair both(&in, &out), none(nullptr, nullptr);
     EXPECT_FALSE(both.BeginGroup(L"a"));
     EXPECT_FALSE(both.EndGroup());
-    EXPECT_TRUE(both.BeginGroup(L"a") && both.EndGroup());
+    in.failing = 2;
+    EXPECT_TRUE(both.BeginGroup(L"a"));
+    EXPECT_FALSE(both.EndGroup());
+    EXPECT_TRUE(both.EndGroup());
     for (const bool works : {true, false}) {
         in.failing = out.failing = works ? 0 : 1;
         EXPECT_EQ(works, both.ReadString(L"a", text, L"") && both.WriteString(L"a", text));
@@ -177,5 +180,5 @@ TEST(MFilerTaggedPair, AsksBothInOrderForGroupsAndOneForAValue)
     EXPECT_TRUE(none.BeginGroup(L"a") && none.EndGroup());
     EXPECT_FALSE(none.ReadString(L"a", text, L"") || none.WriteString(L"a", text));
     EXPECT_FALSE(none.ReadUInt32(L"a", &value, 0) || none.WriteUInt32(L"a", value));
-    EXPECT_EQ("[(])[(])s=u#su#", told);
+    EXPECT_EQ("[(])[(])])s=u#su#", told);
 }
