@@ -34,6 +34,11 @@ void HeapCount::ResetPeak()
     peakBytes = baseBytes;
 }
 
+std::size_t HeapCount::LiveBytes()
+{
+    return liveBytes - baseBytes;
+}
+
 std::size_t HeapCount::PeakBytes()
 {
     return peakBytes - baseBytes;

@@ -10,8 +10,11 @@ public:
     /// Number of allocations so far.
     static std::size_t Allocations();
 
-    /// Begins a new observation of the peak, at what is live now.
+    /// Begins a new observation, at what is live now.
     static void ResetPeak();
+
+    /// What is live now beyond what was live at `ResetPeak`; in bytes.
+    static std::size_t LiveBytes();
 
     /// The most that has been live at once since `ResetPeak`, beyond what was live then; in bytes.
     static std::size_t PeakBytes();

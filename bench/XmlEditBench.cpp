@@ -1,0 +1,176 @@
+#include "bench/XmlEditBench.h"
+
+#include "bench/support/Comparison.h"
+#include "bench/support/Report.h"
+#include "bench/support/Sample.h"
+#include "bench/support/TickClock.h"
+#include "xml/MXmlMarkup.h"
+
+#include <boost/property_tree/ptree.hpp>
+#include <boost/property_tree/xml_parser.hpp>
+
+#include <functional>
+#include <random>
+#include <sstream>
+
+namespace
+{
+
+using boost::property_tree::wptree;
+
+const int editCount = 10000;
+const std::size_t groupCount = 1000;
+const int valuesOfAGroup = 99;
+
+void Append(MXmlMarkup& document, int depth, int elements)
+{
+    document.LoadText(nullptr);
+    for (int i = 0; i < depth; ++i) {
+        document.AddElement(L"Level", nullptr, 0);
+        document.EnterElement();
+    }
+    for (int i = 0; i < elements; ++i) {
+        document.AddElement(L"Count", L"42", 0);
+        document.SetAttribute(document.GetMainIndex(), L"type", L"int");
+    }
+}
+
+std::wstring MakeGroups()
+{
+    std::wstring text = L"<Groups>\n";
+    for (std::size_t i = 0; i < groupCount; ++i) {
+        text += L"<Group>\n";
+        for (int j = 0; j < valuesOfAGroup; ++j)
+            text += L"<Count type=\"int\">" + std::to_wstring(j) + L"</Count>\n";
+        text += L"</Group>\n";
+    }
+    return text + L"</Groups>\n";
+}
+
+/// The groups, each of which can be gone to at once.
+class EditedDocument
+{
+public:
+    explicit EditedDocument(const std::wstring& text)
+    {
+        document.LoadText(text.c_str());
+        document.FindElement();
+        document.EnterElement();
+        while (document.FindElement()) {
+            groups.push_back(std::to_wstring(groups.size()));
+            document.SavePosition(groups.back().c_str());
+        }
+    }
+
+    void SetAttribute(std::uint32_t place)
+    {
+        const std::uint32_t elements = groupCount * (valuesOfAGroup + 1);
+        document.SetAttribute(static_cast<std::int32_t>(2 + place % elements), L"type",
+                              L"a longer one");
+    }
+
+    void AddElement(std::uint32_t place)
+    {
+        document.RestorePosition(groups[place % groups.size()].c_str());
+        document.AddElement(L"Title", L"new", XmlAddChild);
+    }
+
+private:
+    MXmlMarkup document;
+    std::vector<std::wstring> groups;
+};
+
+class EditedTree
+{
+public:
+    explicit EditedTree(const std::wstring& text)
+    {
+        std::wistringstream stream(text);
+        boost::property_tree::read_xml(stream, tree,
+                                       boost::property_tree::xml_parser::trim_whitespace);
+        for (auto& group : tree.get_child(L"Groups")) {
+            groups.push_back(&group.second);
+            elements.push_back(&group.second);
+            for (auto& value : group.second)
+                elements.push_back(&value.second);
+        }
+    }
+
+    void SetAttribute(std::uint32_t place)
+    {
+        elements[place % elements.size()]->put(L"<xmlattr>.type", L"a longer one");
+    }
+
+    void AddElement(std::uint32_t place)
+    {
+        groups[place % groups.size()]->push_back({L"Title", wptree(L"new")});
+    }
+
+private:
+    wptree tree;
+    std::vector<wptree*> groups;
+    std::vector<wptree*> elements;
+};
+
+/// Nanoseconds an edit, at the same places in every round.
+template <class Edited>
+double Measure(const std::wstring& text, void (Edited::*edit)(std::uint32_t))
+{
+    Edited edited(text);
+    std::mt19937 random;
+    const std::uint64_t begin = TickClock::Now();
+    for (int i = 0; i < editCount; ++i)
+        (edited.*edit)(static_cast<std::uint32_t>(random()));
+    return TickClock::Nanoseconds(TickClock::Now() - begin) / editCount;
+}
+
+void CompareEdits(const char* what, void (EditedDocument::*ours)(std::uint32_t),
+                  void (EditedTree::*theirs)(std::uint32_t))
+{
+    const std::wstring text = MakeGroups();
+    Sample ourTimes;
+    Sample theirTimes;
+    Sample ratios;
+    for (int round = 0; round < 3; ++round) {
+        const double our = Measure(text, ours);
+        const double their = Measure(text, theirs);
+        ourTimes.Add(our);
+        theirTimes.Add(their);
+        ratios.Add(our / their);
+    }
+    Report::Ratio(what, ourTimes, theirTimes, ratios, 0);
+}
+
+} // namespace
+
+void XmlEditBench::CompareAppends()
+{
+    Report::Columns("AddElement and SetAttribute : the same, a tenth of the elements");
+    for (int depth : {1, 100}) {
+        const std::string what = "100,000 elements at depth " + std::to_string(depth);
+        MXmlMarkup document;
+        const auto appendAgain = [&](int rounds) {
+            return [&document, depth, rounds](unsigned) {
+                for (int i = 0; i < rounds; ++i)
+                    Append(document, depth, 100000 / rounds);
+            };
+        };
+        Comparison(what.c_str(), 1, appendAgain(1), appendAgain(10)).AtMost(1.2);
+        const auto appendAnew = [&](int rounds) {
+            return [depth, rounds](unsigned) {
+                for (int i = 0; i < rounds; ++i) {
+                    MXmlMarkup fresh;
+                    Append(fresh, depth, 100000 / rounds);
+                }
+            };
+        };
+        Comparison((what + ", new memory").c_str(), 1, appendAnew(1), appendAnew(10)).Show();
+    }
+}
+
+void XmlEditBench::CompareScatteredEdits()
+{
+    Report::Columns("10,000 edits all over 100,000 elements, each : PropertyTree");
+    CompareEdits("SetAttribute", &EditedDocument::SetAttribute, &EditedTree::SetAttribute);
+    CompareEdits("AddElement", &EditedDocument::AddElement, &EditedTree::AddElement);
+}
