@@ -18,13 +18,14 @@ void MXmlRecordStore::Grow(std::int64_t count)
         throw std::length_error("MXmlRecordStore: too many elements");
 
     const std::int32_t last = static_cast<std::int32_t>(newLast);
-    const std::int32_t held = recordCapacity - oldLast * SegmentRecords;
+    std::int32_t held = recordCapacity - oldLast * SegmentRecords;
     if (segmentSlots <= last)
         GrowSlots(last);
-    if (last > oldLast && held < SegmentRecords)
-        ReallocateSegment(oldLast, held, SegmentRecords);
-    ReallocateSegment(last, last == oldLast ? held : 0,
-                      static_cast<std::int32_t>(count - newLast * SegmentRecords));
+    if (last > oldLast) {
+        MakeRoom(oldLast, held, SegmentRecords);
+        held = 0;
+    }
+    MakeRoom(last, held, static_cast<std::int32_t>(count - newLast * SegmentRecords));
     recordCapacity = static_cast<std::int32_t>(count);
 }
 
@@ -37,10 +38,13 @@ void MXmlRecordStore::GrowSlots(std::int32_t lastSegment)
     segmentSlots = slots;
 }
 
-void MXmlRecordStore::ReallocateSegment(std::int32_t segment, std::int32_t used,
-                                        std::int32_t wanted)
+void MXmlRecordStore::MakeRoom(std::int32_t segment, std::int32_t used, std::int32_t wanted)
 {
-    Segment grown(new MXmlElementRecord[static_cast<std::size_t>(wanted)]);
+    if (segments[segment] && lastRoom >= wanted)
+        return;
+    const std::int32_t room = wanted < LongestShort ? wanted : SegmentRecords;
+    Segment grown(new MXmlElementRecord[static_cast<std::size_t>(room)]);
     std::copy_n(segments[segment].get(), used, grown.get());
     segments[segment] = std::move(grown);
+    lastRoom = room;
 }

@@ -4,9 +4,11 @@
 #include <memory>
 
 /// The element records of one document, in segments of 65,536 records (2 MiB), so that growth never
-/// copies more than one segment. Only the last segment is ever short.
+/// copies more than one segment. Only the last segment is ever short, and only in a small document:
+/// from 4,096 records on it has the memory of a whole one from the first, whatever the capacity, so
+/// that nothing is copied to grow. Memory to which nothing was written is the system's own still.
 ///
-/// Growth moves the records of the last segment: keep no reference to a record across `Grow`.
+/// Growth may move the records of the last segment: keep no reference to a record across `Grow`.
 /// Records of a new place are not initialised. Not for several threads at once.
 class MXmlRecordStore
 {
@@ -31,7 +33,7 @@ public:
     }
     /// @}
 
-    /// Number of records that the store can hold.
+    /// Number of records that the store can hold before it is told to grow.
     std::int32_t Capacity() const { return recordCapacity; }
 
     /// Length of the array of segments.
@@ -47,11 +49,14 @@ private:
 
     static constexpr int SegmentShift = 16;
     static constexpr std::int32_t SegmentMask = SegmentRecords - 1;
+    static constexpr std::int32_t LongestShort = 4096;
 
     void GrowSlots(std::int32_t lastSegment);
-    void ReallocateSegment(std::int32_t segment, std::int32_t used, std::int32_t wanted);
+    void MakeRoom(std::int32_t segment, std::int32_t used, std::int32_t wanted);
 
     std::unique_ptr<Segment[]> segments;
     std::int32_t recordCapacity = 0;
+    // Records for which the last segment has memory.
+    std::int32_t lastRoom = 0;
     std::int32_t segmentSlots = 0;
 };

@@ -37,8 +37,8 @@ std::uint64_t MXmlTagMap::LookAtRest(std::int32_t at) const
     return Look(rest);
 }
 
-// How many bits there are is not to be guessed, so some are taken out at a time, also those that are
-// not there; what comes next goes in their place.
+// How many bits there are is not to be guessed, so some are taken out at a time, also those that
+// are not there; what comes next goes in their place.
 inline std::int32_t* MXmlTagMap::TakeOut(std::int32_t at, std::uint64_t bits, std::int32_t* out)
 {
     constexpr std::uint64_t guard = std::uint64_t(1) << 63;

@@ -12,7 +12,8 @@ public:
     static constexpr std::int32_t Stretch = 4096;
 
     /// For a text that must outlive the map.
-    MXmlTagMap(const wchar_t* source, std::int32_t sourceLength) : text(source), length(sourceLength)
+    MXmlTagMap(const wchar_t* source, std::int32_t sourceLength)
+        : text(source), length(sourceLength)
     {
     }
 

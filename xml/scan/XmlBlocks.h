@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <emmintrin.h>
 
-/// Neighbouring characters looked at all at once, with what every 64-bit x86 has. Answers are sets of
-/// bits, the lowest one for the first character.
+/// Neighbouring characters looked at all at once, with what every 64-bit x86 has. Answers are sets
+/// of bits, the lowest one for the first character.
 namespace XmlBlocks
 {
 
