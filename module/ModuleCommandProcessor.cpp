@@ -74,8 +74,13 @@ void Replace(Callback& stored, Callback fresh)
 
 ModuleCommandProcessor& ModuleCommandProcessor::GetInstance()
 {
+    GetSingleton().Start();
+    return GetSingleton();
+}
+
+ModuleCommandProcessor& ModuleCommandProcessor::GetSingleton()
+{
     static ModuleCommandProcessor instance;
-    instance.Start();
     return instance;
 }
 
@@ -188,6 +193,11 @@ void ModuleCommandProcessor::DropReferenceOnceEnded()
 }
 
 void ModuleCommandProcessor::OnShutdown(MCallbackFunctorPtr functor)
+{
+    GetSingleton().AddShutdownFunctor(std::move(functor));
+}
+
+void ModuleCommandProcessor::AddShutdownFunctor(MCallbackFunctorPtr functor)
 {
     MFlowLocation& location = Locations::Get().onShutdown;
     MMutexLock lock(shutdownMutex);

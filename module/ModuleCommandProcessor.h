@@ -77,9 +77,10 @@ public:
     ///
     /// Owned from here on, whatever happens. Any thread. Raises "ModuleStopped" when the functors
     /// have been run already: register first, then start what is to be stopped. std::bad_alloc when
-    /// there is no memory to note it. A process that ends without a shutdown invokes none: its
-    /// threads are gone by then, and statics that were made later than the module too.
-    void OnShutdown(MCallbackFunctorPtr functor);
+    /// there is no memory to note it. It starts nothing, so a static may call it from its
+    /// constructor. A process that ends without a shutdown invokes none: its threads are gone by
+    /// then, and statics that were made later than the module too.
+    static void OnShutdown(MCallbackFunctorPtr functor);
 
     /// Stays after `Stop`, and refuses commands then. Owned by this object.
     MCommandProcessor* GetCommandProcessor() { return commandProcessor.get(); }
@@ -90,8 +91,11 @@ public:
 private:
     struct Locations;
 
+    static ModuleCommandProcessor& GetSingleton();
+
     ModuleCommandProcessor();
 
+    void AddShutdownFunctor(MCallbackFunctorPtr functor);
     void StartScheduler();
     void StartProcessor();
     void Dismantle();

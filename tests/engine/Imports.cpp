@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <cerrno>
-#include <cstdint>
 
 #include <process.h>
 
@@ -28,91 +27,70 @@ void Adopt(const Plan& fresh)
 
 bool Meets(Import import)
 {
-    if (planned != GetCurrentThreadId() || plan.import != import)
-        return false;
-    planned = 0;
-    return true;
+    return planned == GetCurrentThreadId() && plan.import == import;
 }
 
-/// Does what is to be done ahead of this call, if anything is.
-void Ahead(Import import)
+void DoAhead(Import import)
 {
-    if (plan.ahead && Meets(import))
+    if (Meets(import) && plan.ahead) {
+        planned = 0;
         (*plan.ahead)();
+    }
 }
 
 /// Whether this call is to be answered wrong, the last error set for it.
 bool Lies(Import import)
 {
-    if (plan.ahead || !Meets(import))
+    if (!Meets(import) || plan.ahead)
         return false;
+    planned = 0;
     errno = static_cast<int>(plan.answer);
     SetLastError(plan.answer);
     return true;
 }
 
 template <class Function>
-Function Real(const wchar_t* library, const char* name)
+Function* Real(Import import)
 {
+    const char* const names[] = {"WaitForMultipleObjects",
+                                 "WaitForSingleObject",
+                                 "_beginthreadex",
+                                 "CreateEventW",
+                                 "SetEvent",
+                                 "ResetEvent"};
+    const wchar_t* const library = import == Import::BeginThread ? L"msvcrt" : L"kernel32";
+    const auto name = names[static_cast<int>(import)];
     const auto address = GetProcAddress(GetModuleHandleW(library), name);
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(address));
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(address));
 }
 
-DWORD WINAPI WaitForMany(DWORD count, const HANDLE* handles, BOOL all, DWORD timeout)
+template <Import import, class... Arguments>
+DWORD Wait(Arguments... arguments)
 {
-    static const auto real =
-        Real<decltype(&WaitForMultipleObjects)>(L"kernel32", "WaitForMultipleObjects");
-    Ahead(Import::WaitForMultipleObjects);
-    const DWORD answer = real(count, handles, all, timeout);
-    return Lies(Import::WaitForMultipleObjects) ? plan.answer : answer;
+    static const auto real = Real<DWORD(Arguments...)>(import);
+    DoAhead(import);
+    const DWORD answer = real(arguments...);
+    return Lies(import) ? plan.answer : answer;
 }
 
-DWORD WINAPI WaitForOne(HANDLE handle, DWORD timeout)
+template <Import import, class Result, class... Arguments>
+Result Make(Arguments... arguments)
 {
-    static const auto real =
-        Real<decltype(&WaitForSingleObject)>(L"kernel32", "WaitForSingleObject");
-    Ahead(Import::WaitForSingleObject);
-    const DWORD answer = real(handle, timeout);
-    return Lies(Import::WaitForSingleObject) ? plan.answer : answer;
-}
-
-std::uintptr_t __cdecl BeginThread(void* security, unsigned stack, _beginthreadex_proc_type entry,
-                                   void* argument, unsigned flags, unsigned* id)
-{
-    static const auto real = Real<decltype(&_beginthreadex)>(L"msvcrt", "_beginthreadex");
-    return Lies(Import::BeginThread) ? 0 : real(security, stack, entry, argument, flags, id);
-}
-
-HANDLE WINAPI MakeEvent(SECURITY_ATTRIBUTES* security, BOOL manual, BOOL set, const wchar_t* name)
-{
-    static const auto real = Real<decltype(&CreateEventW)>(L"kernel32", "CreateEventW");
-    Ahead(Import::CreateEvent);
-    return Lies(Import::CreateEvent) ? nullptr : real(security, manual, set, name);
-}
-
-BOOL WINAPI Set(HANDLE event)
-{
-    static const auto real = Real<decltype(&SetEvent)>(L"kernel32", "SetEvent");
-    Ahead(Import::SetEvent);
-    return real(event);
-}
-
-BOOL WINAPI Reset(HANDLE event)
-{
-    static const auto real = Real<decltype(&ResetEvent)>(L"kernel32", "ResetEvent");
-    Ahead(Import::ResetEvent);
-    return real(event);
+    static const auto real = Real<Result(Arguments...)>(import);
+    DoAhead(import);
+    return Lies(import) ? Result() : real(arguments...);
 }
 
 } // namespace
 
 extern "C" {
-decltype(&WaitForMultipleObjects) __imp_WaitForMultipleObjects = WaitForMany;
-decltype(&WaitForSingleObject) __imp_WaitForSingleObject = WaitForOne;
-decltype(&_beginthreadex) __imp__beginthreadex = BeginThread;
-decltype(&CreateEventW) __imp_CreateEventW = MakeEvent;
-decltype(&SetEvent) __imp_SetEvent = Set;
-decltype(&ResetEvent) __imp_ResetEvent = Reset;
+decltype(&WaitForMultipleObjects) __imp_WaitForMultipleObjects =
+    Wait<Import::WaitForMultipleObjects>;
+decltype(&WaitForSingleObject) __imp_WaitForSingleObject = Wait<Import::WaitForSingleObject>;
+decltype(&_beginthreadex) __imp__beginthreadex = Make<Import::BeginThread>;
+decltype(&CreateEventW) __imp_CreateEventW = Make<Import::CreateEvent>;
+decltype(&SetEvent) __imp_SetEvent = Make<Import::SetEvent>;
+decltype(&ResetEvent) __imp_ResetEvent = Make<Import::ResetEvent>;
 }
 
 void AnswerNext(Import import, DWORD answer)

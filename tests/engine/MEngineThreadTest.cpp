@@ -3,6 +3,8 @@
 #include "tests/engine/EngineFixtures.h"
 #include "tests/engine/Imports.h"
 
+#include <future>
+
 const char diedInFlush[] = "MEngineThread.Flush:ThreadExitedUnexpectedly";
 
 TEST(MEngineThread, EachLifeServesItsFlushesAndItsStopOnce)
@@ -50,19 +52,16 @@ TEST(MEngineThread, StartFlushAndStopExcludeOneAnother)
             ScriptedThread thread;
             if (first.first != &ScriptedThread::Start)
                 thread.Start();
-            std::atomic<bool> done{false};
-            std::thread other;
+            std::future<std::string> other;
             const Action ahead = [&] {
-                other = std::thread([&] {
-                    Raised([&] { (thread.*second.first)(); });
-                    done = true;
-                });
-                Sleep(5);
-                EXPECT_FALSE(done);
+                other = std::async(std::launch::async,
+                                   [&] { return Raised([&] { (thread.*second.first)(); }); });
+                EXPECT_EQ(std::future_status::timeout,
+                          other.wait_for(std::chrono::milliseconds(5)));
             };
             DoAheadOfNext(first.second, ahead);
             (thread.*first.first)();
-            other.join();
+            other.wait();
         }
 }
 
@@ -111,29 +110,4 @@ TEST(MEngineThread, TableTakes62EventsAndWithoutMemoryOrRoomTheFunctorStaysTheCa
     thread.Start();
     SetEvent(last);
     served.Pass(); // handles and functors stand side by side
-}
-
-TEST(MEngineThread, ForceStopWaitsForNobodyWhileStartingAndGivesUpWhenTheStopFails)
-{
-    ScriptedThread thread;
-    Gate go;
-    HANDLE ended = nullptr;
-    thread.on["start"] = [&] {
-        go.Pass();
-        ended = OpenThread(SYNCHRONIZE, FALSE, GetCurrentThreadId());
-    };
-    std::thread starter([&] { thread.Start(); });
-    while (!thread.IsThreadActive())
-        Sleep(1);
-    Sleep(20); // until it is waited for
-    thread.ForceStop();
-    EXPECT_FALSE(thread.IsThreadActive());
-    go.Open();
-    starter.join(); // the thread runs, its handle lost
-
-    EXPECT_EQ("MEngineThread.Flush:WaitFailed winErrorCode=6", Raised([&] { thread.Flush(); }));
-    thread.ForceStop();
-    EXPECT_FALSE(thread.IsThreadActive());
-    WaitForSingleObject(ended, INFINITE);
-    CloseHandle(ended);
 }

@@ -82,7 +82,7 @@ void LeaveCom()
 
 void OnShutdown(const Action& action)
 {
-    ModuleCommandProcessor::GetInstance().OnShutdown(FunctorFor([&action] { action(); }));
+    ModuleCommandProcessor::OnShutdown(FunctorFor([&action] { action(); }));
 }
 
 } // namespace
