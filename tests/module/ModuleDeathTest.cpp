@@ -30,82 +30,66 @@ int Overflow(int depth)
     return depth < 0 ? 0 : Overflow<bytes>(depth + 1) + frame[0];
 }
 
-struct Death {
-    const char* name;
-    Action die;
-    DWORD code; ///< of the fault, 0 when it is an `MException`
-};
-
-const Death deaths[] = {
-    {"access violation", AccessViolation, EXCEPTION_ACCESS_VIOLATION},
-    {"division",
+/// What ends a thread: a fault by its code, or an `MException` by 0.
+const std::pair<DWORD, Action> deaths[] = {
+    {EXCEPTION_ACCESS_VIOLATION, AccessViolation},
+    {EXCEPTION_INT_DIVIDE_BY_ZERO,
      [] {
-         asm volatile("xor %%ecx, %%ecx\n\tdivl %%ecx" ::: "eax", "ecx", "edx");
-     },
-     EXCEPTION_INT_DIVIDE_BY_ZERO},
-    {"illegal instruction", [] { asm volatile("ud2"); }, EXCEPTION_ILLEGAL_INSTRUCTION},
-    {"break point", [] { asm volatile("int3"); }, EXCEPTION_BREAKPOINT},
-    {"stack, small frames", [] { Overflow<100>(0); }, EXCEPTION_STACK_OVERFLOW},
-    {"stack, large frames", [] { Overflow<8192>(0); }, EXCEPTION_STACK_OVERFLOW},
-    {"exception", [] { throw std::runtime_error("nobody's"); }, ownException},
-    {"no memory", [] { throw std::bad_alloc(); }, ownException},
-    {"foreign exception",
-     [] { RaiseException(foreignException, EXCEPTION_NONCONTINUABLE, 0, nullptr); },
-     foreignException},
-    {"MException", [] { Raise("Host.Told:Why"); }, 0}};
+         asm volatile("xor %%ecx, %%ecx; divl %%ecx" ::: "ecx");
+     }},
+    {EXCEPTION_ILLEGAL_INSTRUCTION, [] { asm volatile("ud2"); }},
+    {EXCEPTION_BREAKPOINT, [] { asm volatile("int3"); }},
+    {EXCEPTION_STACK_OVERFLOW, [] { Overflow<100>(0); }},
+    {EXCEPTION_STACK_OVERFLOW, [] { Overflow<8192>(0); }},
+    {ownException, [] { throw std::runtime_error("nobody's"); }},
+    {ownException, [] { throw std::bad_alloc(); }},
+    {foreignException, [] { RaiseException(foreignException, 1, 0, nullptr); }},
+    {0, [] { Raise("Host.Told:Why"); }}};
 
-/// What else goes wrong: each is nothing if it does not.
-struct Trouble {
-    const char* name;
-    bool noMemory;
-    Action inLastAct, inCallback;
-};
-
+const Action nothing = [] {};
 const Action throws = [] { throw std::runtime_error("another"); };
 
-// The first sees to it that nothing is made ready by an earlier death.
-const Trouble troubles[] = {{"no memory", true, nullptr, nullptr},
-                            {"healthy", false, nullptr, nullptr},
-                            {"last act faults", false, AccessViolation, nullptr},
-                            {"last act throws", false, throws, nullptr},
-                            {"last act raises", false, [] { Raise("dismissed"); }, nullptr},
-                            {"callback faults", false, nullptr, AccessViolation},
-                            {"callback throws", false, nullptr, throws},
-                            {"nothing works", true, AccessViolation, AccessViolation}};
+/// What else goes wrong. The first sees to it that nothing is made ready by an earlier death.
+const struct Trouble {
+    bool noMemory;
+    Action inLastAct, inCallback;
+    bool inCallbackIsFault;
+} troubles[] = {{true, nothing, nothing, false},
+                {false, nothing, nothing, false},
+                {false, AccessViolation, nothing, false},
+                {false, throws, nothing, false},
+                {false, [] { Raise("dismissed"); }, nothing, false},
+                {false, nothing, AccessViolation, true},
+                {false, nothing, throws, false},
+                {true, AccessViolation, AccessViolation, true}};
 
 std::string diary;
 
-void Note(const char* what, DWORD code)
+std::string Line(const char* what, DWORD code)
 {
-    char text[40];
-    std::snprintf(text, sizeof(text), "%s %lx;", what, code);
-    diary += text;
+    return what + std::string(" ") + std::to_string(code) + ";";
 }
 
 /// Stands where the system ends the process: the thread ends instead.
 LONG WINAPI EndThread(_EXCEPTION_POINTERS* pointers)
 {
-    Note("unhandled", pointers->ExceptionRecord->ExceptionCode);
+    diary += Line("unhandled", pointers->ExceptionRecord->ExceptionCode);
     ExitThread(0);
 }
 
-std::string Expected(const Death& death, const Trouble& trouble)
+// A fault in the callback for text is one like any other, told by the other callback.
+std::string Expected(DWORD code, const Trouble& trouble)
 {
-    char fault[60];
-    const char* const form = "last act 0;callback %lx;unhandled %lx;";
-    std::snprintf(fault, sizeof(fault), form, death.code, death.code);
-    if (death.code != 0)
-        return fault;
-    // A fault in the text callback is one like any other, told by the other callback.
-    const bool faults = trouble.inCallback && trouble.name != std::string("callback throws");
-    return std::string("last act 0;text ") + (trouble.noMemory ? "0;" : "1;") +
-           (faults ? "callback c0000005;unhandled c0000005;" : "");
+    const std::string words = code == 0 ? Line("text", !trouble.noMemory) : "";
+    if (code == 0 && trouble.inCallbackIsFault)
+        code = EXCEPTION_ACCESS_VIOLATION;
+    const std::string fault = Line("callback", code) + Line("unhandled", code);
+    return "last act;" + words + (code != 0 ? fault : "");
 }
 
 void PrintFault(_EXCEPTION_POINTERS* pointers)
 {
-    const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
-    std::fprintf(stderr, "%08lx;", record.ExceptionCode);
+    std::fprintf(stderr, "%08lx;", pointers->ExceptionRecord->ExceptionCode);
     std::fflush(stderr);
 }
 
@@ -127,32 +111,30 @@ TEST(ModuleDeath, IsToldOnceAndGoesOnAfterTheLastActOfTheThreadWhateverElseGoesW
     const auto before = SetUnhandledExceptionFilter(EndThread);
     LoadedModule module;
     for (auto die : {module.DieOnProcessor, module.DieOnScheduler})
-        for (const Death& death : deaths)
+        for (const auto& death : deaths)
             for (const Trouble& trouble : troubles) {
-                SCOPED_TRACE(std::string(death.name) + ", " + trouble.name);
-                const auto perhaps = [](const Action& action) { action ? action() : void(); };
                 diary.clear();
                 module.Register(
                     [&](const std::wstring& text) {
-                        Note("text", !text.empty());
-                        perhaps(trouble.inCallback);
+                        diary += Line("text", !text.empty());
+                        trouble.inCallback();
                     },
                     [&](_EXCEPTION_POINTERS* pointers) {
-                        Note("callback", pointers->ExceptionRecord->ExceptionCode);
-                        perhaps(trouble.inCallback);
+                        diary += Line("callback", pointers->ExceptionRecord->ExceptionCode);
+                        trouble.inCallback();
                     });
                 const Action action = [&] {
                     if (trouble.noMemory)
                         module.ArmAllocationFailure(AllocationFailure::ThrowsForGood, 1);
-                    death.die();
+                    death.second();
                 };
                 const Action lastAct = [&] {
-                    Note("last act", 0);
-                    perhaps(trouble.inLastAct);
+                    diary += "last act;";
+                    trouble.inLastAct();
                 };
                 EXPECT_EQ("MEngineThread.Flush:ThreadExitedUnexpectedly", die(action, lastAct));
                 module.DisarmAllocationFailure();
-                EXPECT_EQ(Expected(death, trouble), diary);
+                EXPECT_EQ(Expected(death.first, trouble), diary) << &trouble - troubles;
             }
     module.Shutdown();
     EXPECT_TRUE(module.Free());
@@ -163,25 +145,23 @@ TEST(ModuleDeath, IsToldInWordsOnceWhicheverAllocationFails)
 {
     LeakCheck::Skip(); // the module frees what is raised here
     LoadedModule module;
+    std::vector<std::wstring> told;
     bool met = true;
-    for (int nth = 1; met; ++nth) {
-        int told = 0;
-        std::wstring words;
-        module.Register(
-            [&](const std::wstring& text) {
-                ++told;
-                words = text;
-            },
-            nullptr);
+    for (int nth = 0; met; ++nth) {
+        told.clear();
         const Action action = [&] {
             module.ArmAllocationFailure(AllocationFailure::Throws, nth);
             Raise("Host.Told:Why");
         };
-        module.DieOnProcessor(action, [] {});
+        module.DieOnProcessor(action, nothing); // told to nobody the first time
         met = module.DisarmAllocationFailure();
-        EXPECT_EQ(1, told) << "allocation " << nth;
-        EXPECT_EQ(met, words.empty()) << "allocation " << nth;
+        ASSERT_EQ(nth > 0, told.size()) << nth;
+        module.Register([&](const std::wstring& text) { told.push_back(text); }, nullptr);
+        EXPECT_EQ(nth > 0 && met, !told.empty() && told[0].empty()) << nth;
     }
+    const wchar_t chain[] = L"<ExceptionChain>\n<Exception>\n<Error>\n"
+                            L"<Code type=\"string\">Host.Told:Why</Code>";
+    EXPECT_NE(std::wstring::npos, told[0].find(chain));
     module.Shutdown();
 }
 
@@ -204,7 +184,7 @@ TEST(ModuleDeathTest, HostThatLeavesWithoutShutdownEndsWithItsOwnExitCode)
         Sleep(200);
         std::exit(ownExitCode);
     };
-    EXPECT_EXIT(Host(&TestModule::DoOnProcessor, [] {}), testing::ExitedWithCode(ownExitCode),
+    EXPECT_EXIT(Host(&TestModule::DoOnProcessor, nothing), testing::ExitedWithCode(ownExitCode),
                 "^$");
     EXPECT_EXIT(leaveHanging(), testing::ExitedWithCode(ownExitCode), "^$");
 }
