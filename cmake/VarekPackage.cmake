@@ -40,8 +40,8 @@ install(PROGRAMS cmake/wine-run DESTINATION bin)
 # where these are installed; what is not installed goes without a link.
 install(FILES CHANGELOG.md DESTINATION share/doc/varek)
 foreach(name IN ITEMS
-        building-on-windows debugging document-engine filing host reading-a-dump security tutorial
-        varek-log)
+        building-on-windows debugging document-engine filing host own-threads reading-a-dump security
+        tutorial varek-log)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS docs/${name}.md)
     file(READ docs/${name}.md page)
     string(REGEX REPLACE "\\]\\(\\.\\./([a-z/]+/[A-Za-z0-9]+\\.h)\\)"

@@ -42,7 +42,9 @@ TEST(MCommandProcessor, QueuedCommandsRunOnStopAndFlushAndAreDroppedWhenTheStopF
         processor.Start();
         Gate held, go;
         std::atomic<int> executed{0};
+        std::size_t handles = 0;
         const Action hold = [&] {
+            handles = ListHandles().size();
             held.Open();
             go.Pass();
             while (ending != "flush" && !processor.IsStopRequested())
@@ -50,19 +52,23 @@ TEST(MCommandProcessor, QueuedCommandsRunOnStopAndFlushAndAreDroppedWhenTheStopF
             Sleep(20); // until the flush is asked for
         };
         const Action count = [&] { ++executed; };
-        std::thread first([&] { EXPECT_EQ("", processor.Execute(hold)); });
-        held.Pass();
-        std::thread others([&] {
-            RunOnThreads(3, [&](int) {
-                EXPECT_EQ(fails ? call + "CommandProcessingAborted" : "", processor.Execute(count));
+        std::thread callers([&] {
+            RunOnThreads(4, [&](int number) {
+                if (number > 0)
+                    held.Pass();
+                EXPECT_EQ(fails && number > 0 ? call + "CommandProcessingAborted" : "",
+                          processor.Execute(number > 0 ? count : hold));
             });
         });
-        Sleep(60); // until they are queued
+        held.Pass();
+        // A call opens its completion event just before it queues its command.
+        while (ListHandles().size() < handles + 3)
+            Sleep(1);
+        Sleep(30);
         go.Open();
         ending == "flush" ? processor.Flush() : processor.Stop();
         EXPECT_EQ(fails ? 0 : 3, executed);
-        first.join();
-        others.join();
+        callers.join();
         EXPECT_EQ("", processor.failures);
         EXPECT_EQ(ending == "flush" ? "" : call + "ProcessorStopped", processor.Execute([] {}));
     }
