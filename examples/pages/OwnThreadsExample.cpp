@@ -36,7 +36,8 @@ public:
     void Start(HANDLE folderChanged)
     {
         ModuleCommandProcessor::OnShutdown(MakeFunctor(this, &Watcher::Stop)); // first
-        thread.RegisterSchedulerEvent(folderChanged, MakeFunctor(this, &Watcher::OnFolder).release());
+        thread.RegisterSchedulerEvent(folderChanged,
+                                      MakeFunctor(this, &Watcher::OnFolder).release());
         LARGE_INTEGER now = {};
         SetWaitableTimer(timer, &now, 60 * 1000, nullptr, nullptr, FALSE);
         thread.Start();

@@ -27,6 +27,29 @@ std::string History(const std::string& dump)
     return std::regex_replace(dump, change, "$2 $1, ", std::regex_constants::format_no_copy);
 }
 
+/// Has the first, second, third ... allocation of a start fail, up to `limit` or until it starts,
+/// and answers which allocation that was. What is made once stays: after some attempts with the
+/// same allocation failing nothing more is held after one than before it.
+int FailToStart(LoadedModule& module, AllocationFailure how, int limit)
+{
+    const auto holds = [&] { return module.CountBlocks() + int(ListHandles().size()); };
+    int nth = 1;
+    for (int attempts = 0; nth < limit; ++attempts) {
+        EXPECT_GT(20 * nth, attempts) << "allocation " << nth;
+        const std::int64_t held = holds();
+        module.ArmAllocationFailure(how, nth);
+        try {
+            module.Register(nullptr, nullptr);
+            EXPECT_FALSE(module.DisarmAllocationFailure());
+            return nth;
+        } catch (...) {
+            EXPECT_TRUE(module.DisarmAllocationFailure());
+        }
+        nth += held == holds() || attempts > 20 * nth;
+    }
+    return nth;
+}
+
 } // namespace
 
 TEST(Module, StartsWithTheFirstCallStopsForGoodAndIsSeenByTheAttachedLogger)
@@ -130,28 +153,17 @@ TEST(Module, StartWithoutMemoryLeavesNothingTheNextBeginsAfreshAndShutdownNeedsN
     LeakCheck::Skip(); // the module makes what is caught here
     for (AllocationFailure how : {AllocationFailure::Throws, AllocationFailure::ThrowsForGood}) {
         LoadedModule module;
-        const auto holds = [&] { return module.CountBlocks() + int(ListHandles().size()); };
-        // What is made once stays: after some attempts with the same allocation failing nothing
-        // more is held after one than before it.
-        bool started = false;
-        for (int nth = 1, attempts = 0; !started; ++attempts) {
-            ASSERT_GT(20 * nth, attempts) << "allocation " << nth;
-            const std::int64_t held = holds();
-            module.ArmAllocationFailure(how, nth);
-            try {
-                module.Register(nullptr, nullptr);
-                started = true;
-            } catch (...) {
-            }
-            EXPECT_NE(started, module.DisarmAllocationFailure());
-            nth += held == holds();
-        }
+        const int last = FailToStart(module, how, 1000);
         module.DoOnProcessor([] {});
         module.DoOnScheduler([] {});
         module.ArmAllocationFailure(AllocationFailure::ThrowsForGood, 1);
         module.Shutdown();
         EXPECT_FALSE(module.DisarmAllocationFailure());
         EXPECT_TRUE(module.Free());
+
+        LoadedModule never;
+        FailToStart(never, how, last);
+        EXPECT_TRUE(never.Free()); // nothing runs in it
     }
 }
 
