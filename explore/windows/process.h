@@ -1,0 +1,6 @@
+#pragma once
+
+#include <cstdint>
+
+std::uintptr_t _beginthreadex(void* security, unsigned stackSize, unsigned (*routine)(void*),
+                              void* argument, unsigned flags, unsigned* threadId);

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+
+// As much of <windows.h> as the rooms include it for, on the build machine. explore/kernel answers
+// the calls, as they are documented.
+
+typedef std::int32_t BOOL;
+typedef std::uint32_t DWORD;
+typedef std::int32_t LONG;
+typedef void* HANDLE;
+typedef void* HMODULE;
+
+const BOOL FALSE = 0;
+const BOOL TRUE = 1;
+
+const DWORD INFINITE = 0xFFFFFFFF;
+const DWORD WAIT_OBJECT_0 = 0;
+const DWORD WAIT_ABANDONED = 128;
+const DWORD WAIT_ABANDONED_0 = 128;
+const DWORD WAIT_TIMEOUT = 258;
+const DWORD WAIT_FAILED = 0xFFFFFFFF;
+const DWORD MAXIMUM_WAIT_OBJECTS = 64;
+
+const DWORD ERROR_INVALID_HANDLE = 6;
+const DWORD ERROR_INVALID_PARAMETER = 87;
+
+const DWORD SYNCHRONIZE = 0x00100000;
+
+HANDLE CreateEventW(void* security, BOOL manualReset, BOOL initialState, const wchar_t* name);
+HANDLE CreateMutexW(void* security, BOOL initialOwner, const wchar_t* name);
+HANDLE OpenThread(DWORD access, BOOL inherit, DWORD threadId);
+BOOL SetEvent(HANDLE event);
+BOOL ResetEvent(HANDLE event);
+BOOL CloseHandle(HANDLE handle);
+DWORD WaitForSingleObject(HANDLE handle, DWORD timeoutMs);
+DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL all, DWORD timeoutMs);
+
+struct CRITICAL_SECTION {
+    DWORD owner;
+    DWORD depth;
+};
+
+void InitializeCriticalSection(CRITICAL_SECTION* section);
+void EnterCriticalSection(CRITICAL_SECTION* section);
+BOOL TryEnterCriticalSection(CRITICAL_SECTION* section);
+void LeaveCriticalSection(CRITICAL_SECTION* section);
+void DeleteCriticalSection(CRITICAL_SECTION* section);
+
+DWORD GetCurrentThreadId();
+DWORD GetLastError();
+void SetLastError(DWORD error);
+void Sleep(DWORD milliseconds);
+BOOL SwitchToThread();
+
+union LARGE_INTEGER {
+    std::int64_t QuadPart;
+};
+
+BOOL QueryPerformanceCounter(LARGE_INTEGER* ticks);
+BOOL QueryPerformanceFrequency(LARGE_INTEGER* ticksPerSecond);
+
+const DWORD GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS = 4;
+
+BOOL GetModuleHandleExW(DWORD flags, const wchar_t* address, HMODULE* module);
+BOOL FreeLibrary(HMODULE module);
+
+struct EXCEPTION_RECORD {
+    DWORD ExceptionCode;
+};
+
+struct _EXCEPTION_POINTERS {
+    EXCEPTION_RECORD* ExceptionRecord;
+};
+
+typedef _EXCEPTION_POINTERS EXCEPTION_POINTERS;
+
+const DWORD EXCEPTION_ACCESS_VIOLATION = 0xC0000005;
+
+void RaiseException(DWORD code, DWORD flags, DWORD count, const void* arguments);
