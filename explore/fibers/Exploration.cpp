@@ -3,8 +3,13 @@
 #include "explore/fibers/Orders.h"
 #include "explore/fibers/Run.h"
 
+#include <cstdlib>
 #include <iomanip>
 #include <iostream>
+
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace
 {
@@ -14,16 +19,32 @@ const unsigned alwaysAll = 1;             // preemptions whose orders are run ho
 
 } // namespace
 
+Exploration::Exploration(double secondsEach)
+    : secondsEach(secondsEach),
+      orders(static_cast<std::uint64_t*>(mmap(nullptr, sizeof *orders, PROT_READ | PROT_WRITE,
+                                              MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
+{
+}
+
 void Exploration::Explore(const Scenario& scenario)
 {
-    std::cout << std::left << std::setw(32) << scenario.name << std::flush;
-    ToldOrder first("");
-    RunOnce(scenario.run, first); // names what is kept for good
+    std::cout << std::left << std::setw(32) << scenario.name << std::right << std::flush;
     begin = std::chrono::steady_clock::now();
-    const bool held = RunAll(scenario, 0) && RunAll(scenario, 1) && RunAll(scenario, 2) &&
-                      RunRandom(scenario);
+    const bool held = scenario.onceAProcess ? ExploreOnce(scenario) : ExploreOften(scenario);
     failures += held ? 0 : 1;
     std::cout << std::endl;
+}
+
+bool Exploration::ExploreOften(const Scenario& scenario)
+{
+    ToldOrder first("");
+    RunOnce(scenario.run, first); // names what is kept for good
+    return RunAll(scenario, 0) && RunAll(scenario, 1) && RunAll(scenario, 2) && RunRandom(scenario);
+}
+
+bool Exploration::ExploreOnce(const Scenario& scenario)
+{
+    return RunAllOnce(scenario, 0) && RunAllOnce(scenario, 1);
 }
 
 bool Exploration::IsTimeUp() const
@@ -34,11 +55,11 @@ bool Exploration::IsTimeUp() const
 bool Exploration::Run(const Scenario& scenario, Order& order)
 {
     WrittenOrder written(order);
-    ++orders;
     const std::string failure = RunOnce(scenario.run, written);
+    ++*orders;
     if (!failure.empty())
         std::cout << " FAILED: " << failure << "\n  varek-explore " << scenario.name << " \""
-                  << written.Text() << "\"";
+                  << written.Text() << "\"" << std::flush;
     return failure.empty();
 }
 
@@ -57,11 +78,26 @@ bool Exploration::RunAll(const Scenario& scenario, unsigned preemptions)
     return true;
 }
 
+bool Exploration::RunAllOnce(const Scenario& scenario, unsigned preemptions)
+{
+    const std::uint64_t before = *orders;
+    const pid_t child = fork();
+    if (child == 0) {
+        EveryOrderOnce every(preemptions);
+        std::_Exit(Run(scenario, every) && std::cout.flush() ? 0 : 1);
+    }
+    int status = 1;
+    waitpid(child, &status, 0);
+    if (status == 0)
+        std::cout << std::setw(9) << *orders - before << " all" << std::flush;
+    return status == 0;
+}
+
 bool Exploration::RunRandom(const Scenario& scenario)
 {
     std::uint64_t run = 0;
     for (; !IsTimeUp(); ++run) {
-        RandomOrder random(orders);
+        RandomOrder random(*orders);
         if (!Run(scenario, random))
             return false;
     }

@@ -1,6 +1,29 @@
 #include "explore/fibers/Orders.h"
 
+#include <cstdlib>
 #include <sstream>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+/// Goes on as two processes: true in the new one, and false in the old one when that has ended
+/// well. If it has not, the old one ends too.
+bool IsBranch()
+{
+    const pid_t branch = fork();
+    if (branch == 0)
+        return true;
+    int status = 1;
+    waitpid(branch, &status, 0);
+    if (status != 0)
+        std::_Exit(1);
+    return false;
+}
+
+} // namespace
 
 EveryOrder::EveryOrder(unsigned preemptions)
     : preemptions(preemptions), preemptionsLeft(preemptions)
@@ -43,6 +66,19 @@ bool EveryOrder::Next()
                 return true;
     }
     return false;
+}
+
+// The parent takes the last one itself.
+std::size_t EveryOrderOnce::Choose(const std::vector<Candidate>& candidates)
+{
+    std::size_t allowed = candidates.size();
+    while (preemptionsLeft == 0 && candidates[allowed - 1].preempts)
+        --allowed;
+    std::size_t taken = 0;
+    while (taken + 1 < allowed && !IsBranch())
+        ++taken;
+    preemptionsLeft -= candidates[taken].preempts;
+    return taken;
 }
 
 std::size_t RandomOrder::Random(std::size_t below)

@@ -51,6 +51,19 @@ private:
     bool astray = false;
 };
 
+/// All orders too, each in a process of its own that branches off at its last choice: for what a
+/// process does once. The processes end as leaves; the one that began tells what became of them.
+class EveryOrderOnce final : public Order
+{
+public:
+    explicit EveryOrderOnce(unsigned preemptions) : preemptionsLeft(preemptions) {}
+
+    std::size_t Choose(const std::vector<Candidate>& candidates) override;
+
+private:
+    unsigned preemptionsLeft;
+};
+
 /// Made up as it goes along, with a preemption at one in so many choices.
 class RandomOrder final : public Order
 {

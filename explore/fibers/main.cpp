@@ -17,7 +17,8 @@ namespace
 std::vector<Scenario> AllScenarios()
 {
     std::vector<Scenario> all;
-    for (const auto& some : {ProcessorScenarios(), SchedulerScenarios()})
+    for (const auto& some : {ProcessorScenarios(), SchedulerScenarios(), RecorderScenarios(),
+                             ModuleScenarios()})
         all.insert(all.end(), some.begin(), some.end());
     return all;
 }
@@ -25,7 +26,8 @@ std::vector<Scenario> AllScenarios()
 int Replay(const Scenario& scenario, const std::string& order)
 {
     ToldOrder first(""), told(order);
-    RunOnce(scenario.run, first);
+    if (!scenario.onceAProcess)
+        RunOnce(scenario.run, first);
     const std::string failure =
         RunOnce(scenario.run, told, [](const std::string& call) { std::cout << call << "\n"; });
     std::cout << (failure.empty() ? "all holds" : failure) << std::endl;

@@ -148,15 +148,15 @@ void CommandStopsItsProcessor()
 std::vector<Scenario> ProcessorScenarios()
 {
     return {
-        {"CallersShareAProcessor", CallersShareAProcessor},
-        {"CommandFailsBesideAnother", CommandFailsBesideAnother},
-        {"FlushWaitsForWhatWasQueued", FlushWaitsForWhatWasQueued},
-        {"StopMeetsCallers", StopMeetsCallers},
-        {"NothingRunsAfterAnAbort", NothingRunsAfterAnAbort},
-        {"StopMeetsStop", StopMeetsStop},
-        {"StopMeetsFlush", StopMeetsFlush},
-        {"StartMeetsStart", StartMeetsStart},
-        {"IdleMeetsStop", IdleMeetsStop},
-        {"CommandStopsItsProcessor", CommandStopsItsProcessor},
+        {"CallersShareAProcessor", CallersShareAProcessor, false},
+        {"CommandFailsBesideAnother", CommandFailsBesideAnother, false},
+        {"FlushWaitsForWhatWasQueued", FlushWaitsForWhatWasQueued, false},
+        {"StopMeetsCallers", StopMeetsCallers, false},
+        {"NothingRunsAfterAnAbort", NothingRunsAfterAnAbort, false},
+        {"StopMeetsStop", StopMeetsStop, false},
+        {"StopMeetsFlush", StopMeetsFlush, false},
+        {"StartMeetsStart", StartMeetsStart, false},
+        {"IdleMeetsStop", IdleMeetsStop, false},
+        {"CommandStopsItsProcessor", CommandStopsItsProcessor, false},
     };
 }

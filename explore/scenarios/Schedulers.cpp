@@ -104,9 +104,9 @@ void EventDisablesItsScheduler()
 std::vector<Scenario> SchedulerScenarios()
 {
     return {
-        {"EventsKeepTheirOrder", EventsKeepTheirOrder},
-        {"EventsWaitWhileDisabled", EventsWaitWhileDisabled},
-        {"SchedulerGoesWithEventsQueued", SchedulerGoesWithEventsQueued},
-        {"EventDisablesItsScheduler", EventDisablesItsScheduler},
+        {"EventsKeepTheirOrder", EventsKeepTheirOrder, false},
+        {"EventsWaitWhileDisabled", EventsWaitWhileDisabled, false},
+        {"SchedulerGoesWithEventsQueued", SchedulerGoesWithEventsQueued, false},
+        {"EventDisablesItsScheduler", EventDisablesItsScheduler, false},
     };
 }

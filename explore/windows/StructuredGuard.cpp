@@ -85,8 +85,3 @@ void RaiseException(DWORD code, DWORD, DWORD, const void*)
         }
     std::abort();
 }
-
-bool IsCppException(const _EXCEPTION_POINTERS* pointers)
-{
-    return pointers->ExceptionRecord->ExceptionCode == cppException;
-}
