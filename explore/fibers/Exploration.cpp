@@ -21,8 +21,8 @@ const unsigned alwaysAll = 1;             // preemptions whose orders are run ho
 
 Exploration::Exploration(double secondsEach)
     : secondsEach(secondsEach),
-      orders(static_cast<std::uint64_t*>(mmap(nullptr, sizeof *orders, PROT_READ | PROT_WRITE,
-                                              MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
+      orders(static_cast<std::uint64_t*>(
+          mmap(nullptr, sizeof *orders, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
 {
 }
 

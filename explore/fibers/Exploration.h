@@ -14,9 +14,9 @@ public:
     /// Stops looking after so long at a scenario, its orders without and with one preemption aside.
     explicit Exploration(double secondsEach);
 
-    /// Runs all orders without a preemption, with one, with two where they are fewer than a million,
-    /// then random ones. The first that fails is printed as it can be told to the program, and ends
-    /// it.
+    /// Runs all orders without a preemption, with one, with two where they are fewer than a
+    /// million, then random ones. The first that fails is printed as it can be told to the program,
+    /// and ends it.
     void Explore(const Scenario& scenario);
 
     std::uint64_t Orders() const { return *orders; }

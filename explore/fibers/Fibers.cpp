@@ -16,8 +16,8 @@
 namespace
 {
 
-const unsigned longestRun = 20000;   // turns
-const unsigned patience = 12;        // times that only time runs out
+const unsigned longestRun = 20000; // turns
+const unsigned patience = 12;      // times that only time runs out
 
 struct Thread {
     explicit Thread(std::uint32_t id, std::function<void()> body)
@@ -122,8 +122,7 @@ void PassOn()
     MarkBlocks(false);
     FindCandidates();
     CheckPatience();
-    const std::size_t chosen =
-        run.candidates.size() == 1 ? 0 : run.order->Choose(run.candidates);
+    const std::size_t chosen = run.candidates.size() == 1 ? 0 : run.order->Choose(run.candidates);
     Thread& next = *run.threads[run.candidates[chosen].thread];
     Thread& leaving = *run.current;
     Tell(next);

@@ -1,6 +1,10 @@
-// varek-explore [SECONDS]             runs all scenarios in all orders, and random ones for the rest
+// varek-explore [SECONDS]             runs all scenarios in all orders, and random ones for the
+// rest
 //                                     of the time, a minute if not told otherwise
-// varek-explore SCENARIO [ORDER]      runs one once, in that order, and tells its calls of the kernel
+// varek-explore --scenario SCENARIO [SECONDS]
+//                                     explores one
+// varek-explore SCENARIO [ORDER]      runs one once, in that order, and tells its calls of the
+// kernel
 
 #include "explore/fibers/Exploration.h"
 #include "explore/fibers/Orders.h"
@@ -8,7 +12,6 @@
 #include "explore/scenarios/Scenario.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <iostream>
 
 namespace
@@ -17,8 +20,8 @@ namespace
 std::vector<Scenario> AllScenarios()
 {
     std::vector<Scenario> all;
-    for (const auto& some : {ProcessorScenarios(), SchedulerScenarios(), RecorderScenarios(),
-                             ModuleScenarios()})
+    for (const auto& some :
+         {ProcessorScenarios(), SchedulerScenarios(), RecorderScenarios(), ModuleScenarios()})
         all.insert(all.end(), some.begin(), some.end());
     return all;
 }
@@ -34,9 +37,8 @@ int Replay(const Scenario& scenario, const std::string& order)
     return failure.empty() ? 0 : 1;
 }
 
-int ExploreAll(double seconds)
+int ExploreAll(const std::vector<Scenario>& all, double seconds)
 {
-    const std::vector<Scenario> all = AllScenarios();
     Exploration exploration(seconds / static_cast<double>(all.size()));
     for (const Scenario& scenario : all)
         exploration.Explore(scenario);
@@ -45,19 +47,31 @@ int ExploreAll(double seconds)
     return exploration.Failures() == 0 ? 0 : 1;
 }
 
+double Seconds(const std::string& word)
+{
+    return word.empty() ? 60 : std::atof(word.c_str());
+}
+
+int ListScenarios()
+{
+    std::cerr << "A number of seconds, or one of the scenarios:\n";
+    for (const Scenario& scenario : AllScenarios())
+        std::cerr << "    " << scenario.name << "\n";
+    return 2;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const std::string first = argc > 1 ? argv[1] : "60";
+    std::vector<std::string> words(argv + 1, argv + argc);
+    const bool one = !words.empty() && words[0] == "--scenario";
+    words.erase(words.begin(), words.begin() + one);
+    words.resize(2);
     for (const Scenario& scenario : AllScenarios())
-        if (first == scenario.name)
-            return Replay(scenario, argc > 2 ? argv[2] : "");
-    const double seconds = std::atof(first.c_str());
-    if (seconds > 0)
-        return ExploreAll(seconds);
-    std::cerr << "There is no scenario " << first << ". There are:\n";
-    for (const Scenario& scenario : AllScenarios())
-        std::cerr << "    " << scenario.name << "\n";
-    return 2;
+        if (words[0] == scenario.name)
+            return one ? ExploreAll({scenario}, Seconds(words[1])) : Replay(scenario, words[1]);
+    if (!one && Seconds(words[0]) > 0)
+        return ExploreAll(AllScenarios(), Seconds(words[0]));
+    return ListScenarios();
 }

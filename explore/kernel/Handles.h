@@ -8,11 +8,11 @@
 /// a wait that they end leaves of it.
 struct Object {
     bool signalled;
-    bool stays;          ///< set until it is reset by hand
-    bool abandoned;      ///< a mutex whose owner has ended
-    bool isMutex;        ///< set while nobody owns it
+    bool stays;           ///< set until it is reset by hand
+    bool abandoned;       ///< a mutex whose owner has ended
+    bool isMutex;         ///< set while nobody owns it
     std::uint32_t thread; ///< the thread that it is, or its owner
-    int references;      ///< handles, waits, and the thread itself
+    int references;       ///< handles, waits, and the thread itself
 };
 
 /// A new object of one reference, from memory of the kernel's own; the suites count the other.

@@ -275,6 +275,17 @@ BOOL FreeLibrary(HMODULE)
     return TRUE;
 }
 
+// There are no files.
+HANDLE CreateFileW(const wchar_t*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE)
+{
+    return INVALID_HANDLE_VALUE;
+}
+
+BOOL WriteFile(HANDLE, const void*, DWORD, DWORD*, void*)
+{
+    return FALSE;
+}
+
 LONG CoInitializeEx(void*, DWORD)
 {
     CurrentThread().inApartment = true;

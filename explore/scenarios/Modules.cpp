@@ -45,9 +45,8 @@ void ShutdownMeetsANewFunctor()
     std::string told;
     module.OnShutdown(FunctorFor([&early] { ++early; }));
     {
-        const Caller other([&] {
-            told = Failure([&] { module.OnShutdown(FunctorFor([&late] { ++late; })); });
-        });
+        const Caller other(
+            [&] { told = Failure([&] { module.OnShutdown(FunctorFor([&late] { ++late; })); }); });
         Varek::Runtime::Shutdown();
     }
     Expect(early == 1, "a functor ran " + std::to_string(early) + " times");

@@ -32,7 +32,8 @@ class Call
 {
 public:
     /// Executes a command that does `action`, and waits for the answer.
-    void Make(MCommandProcessor& processor, const std::function<void()>& action = [] {});
+    void Make(
+        MCommandProcessor& processor, const std::function<void()>& action = [] {});
 
     /// Whether the command was executed, rather than refused. It was once, or never and its caller
     /// has been told so.

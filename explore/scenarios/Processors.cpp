@@ -12,7 +12,10 @@ void CallersShareAProcessor()
     Processor processor;
     processor.Start();
     int inside = 0;
-    const auto alone = [&] { Expect(++inside == 1, "two commands at once"); --inside; };
+    const auto alone = [&] {
+        Expect(++inside == 1, "two commands at once");
+        --inside;
+    };
     Call here, there;
     {
         const Caller other([&] { there.Make(processor, alone); });

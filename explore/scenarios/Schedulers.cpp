@@ -33,7 +33,6 @@ struct Diary {
     MDesyncEventScheduler scheduler{nullptr};
 };
 
-
 void EventsKeepTheirOrder()
 {
     Diary diary;

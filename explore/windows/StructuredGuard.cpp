@@ -1,6 +1,6 @@
-// The structured exceptions of Windows, as far as the guards need them: a fault asks the guards from
-// the inside out where it happens, and goes on at the one that accepts. C++ exceptions, which are
-// none of the system's here, ask each guard as they pass it.
+// The structured exceptions of Windows, as far as the guards need them: a fault asks the guards
+// from the inside out where it happens, and goes on at the one that accepts. C++ exceptions, which
+// are none of the system's here, ask each guard as they pass it.
 
 #include "diagnostics/StructuredGuard.h"
 

@@ -65,6 +65,17 @@ const DWORD GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS = 4;
 BOOL GetModuleHandleExW(DWORD flags, const wchar_t* address, HMODULE* module);
 BOOL FreeLibrary(HMODULE module);
 
+#define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(-1))
+const DWORD GENERIC_WRITE = 0x40000000;
+const DWORD FILE_SHARE_READ = 1;
+const DWORD FILE_SHARE_WRITE = 2;
+const DWORD CREATE_ALWAYS = 2;
+const DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+
+HANDLE CreateFileW(const wchar_t* path, DWORD access, DWORD share, void* security, DWORD creation,
+                   DWORD attributes, HANDLE likeness);
+BOOL WriteFile(HANDLE file, const void* bytes, DWORD count, DWORD* written, void* overlapped);
+
 struct EXCEPTION_RECORD {
     DWORD ExceptionCode;
 };

@@ -1,0 +1,12 @@
+# The same target by the second compiler: clang, with the headers and the linker of mingw-w64. Not
+# with clang's own linker, which loses unwind data out of the archives of the other compiler.
+include(${CMAKE_CURRENT_LIST_DIR}/mingw-w64.cmake)
+
+set(CMAKE_C_COMPILER clang-19)
+set(CMAKE_CXX_COMPILER clang++-19)
+set(CMAKE_C_COMPILER_TARGET x86_64-w64-windows-gnu)
+set(CMAKE_CXX_COMPILER_TARGET x86_64-w64-windows-gnu)
+set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
+set(CMAKE_DLLTOOL x86_64-w64-mingw32-dlltool)
+set(CMAKE_EXE_LINKER_FLAGS_INIT -pthread)
+set(CMAKE_SHARED_LINKER_FLAGS_INIT -pthread)
