@@ -275,7 +275,8 @@ BOOL FreeLibrary(HMODULE)
     return TRUE;
 }
 
-// There are no files.
+// There are no files, and the registry is empty and takes nothing.
+
 HANDLE CreateFileW(const wchar_t*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE)
 {
     return INVALID_HANDLE_VALUE;
@@ -284,6 +285,31 @@ HANDLE CreateFileW(const wchar_t*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE)
 BOOL WriteFile(HANDLE, const void*, DWORD, DWORD*, void*)
 {
     return FALSE;
+}
+
+LSTATUS RegOpenKeyExW(HKEY, const wchar_t*, DWORD, REGSAM, HKEY*)
+{
+    return ERROR_FILE_NOT_FOUND;
+}
+
+LSTATUS RegCreateKeyExW(HKEY, const wchar_t*, DWORD, wchar_t*, DWORD, REGSAM, void*, HKEY*, DWORD*)
+{
+    return ERROR_FILE_NOT_FOUND;
+}
+
+LSTATUS RegSetValueExW(HKEY, const wchar_t*, DWORD, DWORD, const BYTE*, DWORD)
+{
+    return ERROR_FILE_NOT_FOUND;
+}
+
+LSTATUS RegQueryValueExW(HKEY, const wchar_t*, DWORD*, DWORD*, BYTE*, DWORD*)
+{
+    return ERROR_FILE_NOT_FOUND;
+}
+
+LSTATUS RegCloseKey(HKEY)
+{
+    return ERROR_SUCCESS;
 }
 
 LONG CoInitializeEx(void*, DWORD)

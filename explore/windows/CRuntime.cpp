@@ -93,6 +93,15 @@ double _wcstod_l(const wchar_t* text, wchar_t** end, _locale_t)
     return value;
 }
 
+int _swscanf_s_l(const wchar_t* text, const wchar_t* format, _locale_t locale, ...)
+{
+    std::va_list arguments;
+    va_start(arguments, locale);
+    const int read = std::vswscanf(text, format, arguments);
+    va_end(arguments);
+    return read;
+}
+
 int _wtoi_l(const wchar_t* text, _locale_t)
 {
     return static_cast<int>(std::wcstol(text, nullptr, 10));

@@ -40,6 +40,7 @@ int _vscwprintf_l(const wchar_t* format, _locale_t locale, std::va_list argument
 int _vswprintf_s_l(wchar_t* text, std::size_t size, const wchar_t* format, _locale_t locale,
                    std::va_list arguments);
 double _wcstod_l(const wchar_t* text, wchar_t** end, _locale_t locale);
+int _swscanf_s_l(const wchar_t* text, const wchar_t* format, _locale_t locale, ...);
 int _wtoi_l(const wchar_t* text, _locale_t locale);
 
 std::size_t _msize(void* block);

@@ -89,3 +89,32 @@ typedef _EXCEPTION_POINTERS EXCEPTION_POINTERS;
 const DWORD EXCEPTION_ACCESS_VIOLATION = 0xC0000005;
 
 void RaiseException(DWORD code, DWORD flags, DWORD count, const void* arguments);
+
+struct HKEY__;
+typedef HKEY__* HKEY;
+typedef DWORD REGSAM;
+typedef LONG LSTATUS;
+typedef unsigned char BYTE;
+
+const LSTATUS ERROR_SUCCESS = 0;
+const LSTATUS ERROR_FILE_NOT_FOUND = 2;
+const LSTATUS ERROR_MORE_DATA = 234;
+const REGSAM KEY_READ = 0x20019;
+const REGSAM KEY_WRITE = 0x20006;
+const DWORD REG_NONE = 0;
+const DWORD REG_SZ = 1;
+const DWORD REG_DWORD = 4;
+const DWORD REG_OPTION_NON_VOLATILE = 0;
+
+#define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(0x80000001))
+#define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(0x80000002))
+
+LSTATUS RegOpenKeyExW(HKEY parent, const wchar_t* path, DWORD options, REGSAM access, HKEY* key);
+LSTATUS RegCreateKeyExW(HKEY parent, const wchar_t* path, DWORD reserved, wchar_t* keyClass,
+                        DWORD options, REGSAM access, void* security, HKEY* key,
+                        DWORD* disposition);
+LSTATUS RegSetValueExW(HKEY key, const wchar_t* name, DWORD reserved, DWORD type, const BYTE* data,
+                       DWORD size);
+LSTATUS RegQueryValueExW(HKEY key, const wchar_t* name, DWORD* reserved, DWORD* type, BYTE* data,
+                         DWORD* size);
+LSTATUS RegCloseKey(HKEY key);
