@@ -22,11 +22,13 @@ target_compile_options(varek_language INTERFACE
     "$<$<COMPILE_LANGUAGE:CXX>:-fno-delete-null-pointer-checks;-fcheck-new;-Wno-deprecated-declarations>"
     "$<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-tautological-undefined-compare;-Wno-undefined-bool-conversion>"
     "$<$<AND:$<PLATFORM_ID:Windows>,$<COMPILE_LANG_AND_ID:CXX,Clang>>:-fms-extensions>")
-# On Windows the compiler's run time is linked in, so that what is built imports system DLLs only.
+# On Windows the compiler's run time is linked in, so that what is built imports system DLLs only. The
+# same sources make the same file, which a build id names for those who keep its debug information.
 if(WIN32)
     target_compile_definitions(varek_language INTERFACE
         _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
-    target_link_options(varek_language INTERFACE -static)
+    target_link_options(varek_language INTERFACE
+        -static LINKER:--no-insert-timestamp LINKER:--build-id)
 endif()
 
 # In the framework itself a function-local static stands behind a plain guard. Its users keep theirs.
@@ -47,6 +49,7 @@ set(clang_warnings -Wno-tautological-undefined-compare -Wno-undefined-bool-conve
 list(JOIN clang_warnings " " clang_warnings)
 add_library(varek_warnings INTERFACE)
 target_compile_options(varek_warnings INTERFACE
-    "$<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wconversion>"
+    "$<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic>"
     "$<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wshadow=local>"
+    "$<$<COMPILE_LANGUAGE:CXX>:-Wconversion>"
     "$<$<COMPILE_LANG_AND_ID:CXX,Clang>:SHELL:${clang_warnings}>")
