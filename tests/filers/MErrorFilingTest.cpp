@@ -138,6 +138,7 @@ TEST(ErrorFiling, RegistryKeepsAChainOrAnErrorAsOneText)
     MException chain;
     MError error;
     MString text;
+    error.AddParameter(L"from before", 1);
     EXPECT_TRUE(exception.Write(filer, name) && exception.GetError(0)->Write(filer, L"error"));
     EXPECT_TRUE(chain.Read(filer, name, chain) && error.Read(filer, L"error", error));
     EXPECT_TRUE(in.ReadString(name, text, MString()));

@@ -103,6 +103,7 @@ TEST(MInFilerTaggedXml, ReadsInOrderByTheRulesOfEachType)
         {L"<v type='int'>-70000</v>", "iv", L"(-32768);"},
         {L"<v type='uint'>70000</v>", "uv", L"(65535);"},
         {L"<v type='byte'>300</v><v type='byte'>70000</v>", "yv;yv", L"44;(255);"},
+        {L"<v type='byte'>2</v>", "bv;cv;Uv;yv", L"(1);(1);(1);2;"},
         {L"<v type='bool'>2</v><v type='bool'>true</v>", "bv;bv", L"1;(0);"},
         {L"<v type='char'> </v><v type='char'> &#x141;b</v>", "cv;cv", L"(1);65;"},
         {L"<v type='float'>Infinity</v><v type='float'>-1e999</v>", "dv;dv", L"(1);-inf;"},
