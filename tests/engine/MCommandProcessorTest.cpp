@@ -10,54 +10,63 @@ namespace
 
 struct Processor : Script, MCommandProcessor {
     explicit Processor(std::uint32_t idleTimeoutMs = 0)
-        : MCommandProcessor(this, FunctorFor([this] { Call("start"); }).release(),
-                            FunctorFor([this] { Call("stop"); }).release(),
-                            FunctorFor([this] { Call("idle"); }).release(), idleTimeoutMs)
+        : MCommandProcessor(this, Calling("start"), Calling("stop"), Calling("idle"), idleTimeoutMs)
     {
     }
     ~Processor() override { ForceStop(); }
 
+    MCallbackFunctor* Calling(const char* name)
+    {
+        return FunctorFor([this, name] { Call(name); }).release();
+    }
     void OnFlush() override
     {
         Call("flush");
         MCommandProcessor::OnFlush();
+        flushed();
     }
     std::string Execute(const Action& action)
     {
         return Raised([&] { ExecuteSynchronously(NewCommand(action)); });
     }
     using MCommandProcessor::IsStopRequested;
+
+    Action flushed = [] {};
 };
+
+const std::string call = "MCommandProcessor.ExecuteSynchronously:";
 
 } // namespace
 
-TEST(MCommandProcessor, QueuedCommandsRunOnStopAndFlushAndAreDroppedWhenTheStopFails)
+// Callers that go on calling never let the queue become empty by themselves; they give up to let a
+// failing test end.
+TEST(MCommandProcessor, FlushAndStopExecuteWhatIsQueuedAndNoMoreAndAFailingStopDropsIt)
 {
-    const std::string call = "MCommandProcessor.ExecuteSynchronously:";
     for (const std::string ending : {"flush", "stop", "failing stop"}) {
         const bool fails = ending == "failing stop";
         Processor processor;
+        Gate held, go;
+        std::size_t handles = 0;
+        std::atomic<int> executed{0};
+        int inFlush = 0;
+        processor.flushed = [&] { inFlush = executed; };
         if (fails)
             processor.on["flush"] = [] { Raise("dismissed"); };
-        processor.Start();
-        Gate held, go;
-        std::atomic<int> executed{0};
-        std::size_t handles = 0;
         const Action hold = [&] {
             handles = ListHandles().size();
             held.Open();
             go.Pass();
-            while (ending != "flush" && !processor.IsStopRequested())
-                Sleep(1);
-            Sleep(20); // until the flush is asked for
         };
-        const Action count = [&] { ++executed; };
+        processor.Start();
         std::thread callers([&] {
             RunOnThreads(4, [&](int number) {
+                const auto count = [&] { return processor.Execute([&] { ++executed; }); };
                 if (number > 0)
                     held.Pass();
                 EXPECT_EQ(fails && number > 0 ? call + "CommandProcessingAborted" : "",
-                          processor.Execute(number > 0 ? count : hold));
+                          number > 0 ? count() : processor.Execute(hold));
+                while (number > 0 && executed < 1000 && count() == "")
+                    continue;
             });
         });
         held.Pass();
@@ -65,12 +74,16 @@ TEST(MCommandProcessor, QueuedCommandsRunOnStopAndFlushAndAreDroppedWhenTheStopF
         while (ListHandles().size() < handles + 3)
             Sleep(1);
         Sleep(30);
-        go.Open();
+        const Action letGo = [&] { go.Open(); }; // once the request is made
+        DoAheadOfNext(ending == "flush" ? Import::WaitForMultipleObjects
+                                        : Import::WaitForSingleObject,
+                      letGo);
         ending == "flush" ? processor.Flush() : processor.Stop();
-        EXPECT_EQ(fails ? 0 : 3, executed);
+        EXPECT_EQ(fails ? 0 : 3, inFlush);
+        processor.Stop();
         callers.join();
         EXPECT_EQ("", processor.failures);
-        EXPECT_EQ(ending == "flush" ? "" : call + "ProcessorStopped", processor.Execute([] {}));
+        EXPECT_EQ(call + "ProcessorStopped", processor.Execute([] {}));
     }
 }
 
@@ -116,40 +129,9 @@ TEST(MCommandProcessor, CommandThatComesTooLateIsNotEvenExecutedAfterANewStart)
     // Between the question whether the processor is stopped and the queue.
     const Action ahead = [&] { processor.Stop(); };
     DoAheadOfNext(Import::CreateEvent, ahead);
-    EXPECT_EQ("MCommandProcessor.ExecuteSynchronously:CommandProcessingAborted",
-              processor.Execute([] { ADD_FAILURE(); }));
+    EXPECT_EQ(call + "CommandProcessingAborted", processor.Execute([] { ADD_FAILURE(); }));
     processor.Start();
     processor.Flush();
-}
-
-// Two callers never let the queue become empty by themselves; they give up to let a failing test
-// end.
-TEST(MCommandProcessor, FlushAndStopEndUnderSteadyCallers)
-{
-    Processor processor;
-    processor.Start();
-    std::atomic<int> executed{0};
-    std::thread callers([&] {
-        RunOnThreads(2, [&](int) {
-            const Action command = [&] {
-                ++executed;
-                Sleep(2);
-            };
-            while (executed < 1000 && processor.Execute(command) == "")
-                continue;
-        });
-    });
-    const auto bounded = [&](void (MEngineThread::*wait)()) {
-        while (executed < 10)
-            Sleep(1);
-        const int before = executed;
-        (processor.*wait)();
-        EXPECT_GE(before + 4, executed);
-    };
-    bounded(&MEngineThread::Flush);
-    bounded(&MEngineThread::Flush);
-    bounded(&MEngineThread::Stop);
-    callers.join();
 }
 
 TEST(MCommandProcessor, WithoutMemoryTheCommandIsDeletedAndTheProcessorWorks)

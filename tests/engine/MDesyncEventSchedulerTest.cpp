@@ -2,6 +2,8 @@
 
 #include "tests/engine/EngineFixtures.h"
 
+#include <objbase.h>
+
 // That fired events are freed is seen by the check for leaks.
 
 TEST(MDesyncEventScheduler, EventsWaitForEnableKeepTheirOrderPassAFailureAndAreWaitedFor)
@@ -36,12 +38,23 @@ TEST(MDesyncEventScheduler, EventsWaitForEnableKeepTheirOrderPassAFailureAndAreW
     ::operator delete(dropped);
 }
 
-TEST(MDesyncEventScheduler, WithoutMemoryTheEventStaysTheCallers)
+// That its end leaves the apartment is seen by the module's deaths.
+TEST(MSchedulerThread, CallsInTheMultithreadedApartmentWhatIsRegisteredBeforeItRuns)
 {
-    MDesyncEventScheduler scheduler(nullptr);
-    MDesyncEvent* const event = NewEvent([] {});
-    const auto schedule = [&] { scheduler.ScheduleDesyncEvent(event); };
-    EXPECT_EQ(ShortageOutcome::RaisedMException,
-              RunShortOfMemory(AllocationFailure::Throws, 1, schedule));
-    ::operator delete(event);
+    Gate called;
+    APTTYPE type = APTTYPE_CURRENT;
+    const auto functor = [&] {
+        APTTYPEQUALIFIER qualifier;
+        CoGetApartmentType(&type, &qualifier);
+        called.Open();
+    };
+    const PlatformEvent event(EventReset::Automatic);
+    MSchedulerThread thread(nullptr); // stops itself
+    thread.RegisterSchedulerEvent(event, FunctorFor(functor).release());
+    SetEvent(event);
+    thread.Start();
+    called.Pass();
+    EXPECT_EQ(APTTYPE_MTA, type);
+    EXPECT_EQ("MSchedulerThread.RegisterSchedulerEvent:ThreadRunning",
+              Raised([&] { thread.RegisterSchedulerEvent(event, nullptr); }));
 }

@@ -49,15 +49,12 @@ TEST(MThreadSafeFifo, GivesInOrderWithItsEventSetWhileItHoldsAnything)
 
 TEST(MThreadSafeFifo, OnlyGrowthTakesMemoryAndWithoutItLeavesTheQueueAndFreesTheLock)
 {
-    for (AllocationFailure how : {AllocationFailure::Throws, AllocationFailure::AnswersNull,
-                                  AllocationFailure::ThrowsForGood}) {
+    for (AllocationFailure how : {AllocationFailure::Throws, AllocationFailure::AnswersNull}) {
         Fifo fifo;
         MDesyncEvent* element = nullptr;
         const auto put = [&] { fifo.Put(Element(7)); };
         put();
-        EXPECT_EQ(how == AllocationFailure::ThrowsForGood ? ShortageOutcome::RaisedBadAlloc
-                                                          : ShortageOutcome::RaisedMException,
-                  RunShortOfMemory(how, 1, put));
+        EXPECT_EQ(ShortageOutcome::RaisedMException, RunShortOfMemory(how, 1, put));
         EXPECT_TRUE(fifo.Get(element) && fifo.IsEmpty());
         EXPECT_EQ(ShortageOutcome::NotMet, RunShortOfMemory(how, 1, put));
         RunOnThreads(1, [=](int) { put(); });

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -110,7 +111,10 @@ TEST(ModuleDeath, IsToldOnceAndGoesOnAfterTheLastActOfTheThreadWhateverElseGoesW
     LeakCheck::Skip(); // what a fault leaves on its stack is lost
     const auto before = SetUnhandledExceptionFilter(EndThread);
     LoadedModule module;
-    for (auto die : {module.DieOnProcessor, module.DieOnScheduler})
+    for (auto die : {module.DieOnProcessor, module.DieOnScheduler}) {
+        diary.clear();
+        EXPECT_EQ("", die(nothing, [] { diary += "last act;"; })); // a stop
+        EXPECT_EQ("last act;", diary);
         for (const auto& death : deaths)
             for (const Trouble& trouble : troubles) {
                 diary.clear();
@@ -136,6 +140,7 @@ TEST(ModuleDeath, IsToldOnceAndGoesOnAfterTheLastActOfTheThreadWhateverElseGoesW
                 module.DisarmAllocationFailure();
                 EXPECT_EQ(Expected(death.first, trouble), diary) << &trouble - troubles;
             }
+    }
     module.Shutdown();
     EXPECT_TRUE(module.Free());
     SetUnhandledExceptionFilter(before);
@@ -146,22 +151,20 @@ TEST(ModuleDeath, IsToldInWordsOnceWhicheverAllocationFails)
     LeakCheck::Skip(); // the module frees what is raised here
     LoadedModule module;
     std::vector<std::wstring> told;
-    bool met = true;
-    for (int nth = 0; met; ++nth) {
-        told.clear();
+    module.Register([&](const std::wstring& text) { told.push_back(text); }, nullptr);
+    std::size_t nth = 0;
+    do {
         const Action action = [&] {
-            module.ArmAllocationFailure(AllocationFailure::Throws, nth);
+            module.ArmAllocationFailure(AllocationFailure::Throws, static_cast<int>(nth));
             Raise("Host.Told:Why");
         };
-        module.DieOnProcessor(action, nothing); // told to nobody the first time
-        met = module.DisarmAllocationFailure();
-        ASSERT_EQ(nth > 0, told.size()) << nth;
-        module.Register([&](const std::wstring& text) { told.push_back(text); }, nullptr);
-        EXPECT_EQ(nth > 0 && met, !told.empty() && told[0].empty()) << nth;
-    }
-    const wchar_t chain[] = L"<ExceptionChain>\n<Exception>\n<Error>\n"
-                            L"<Code type=\"string\">Host.Told:Why</Code>";
-    EXPECT_NE(std::wstring::npos, told[0].find(chain));
+        module.DieOnProcessor(action, nothing);
+        ASSERT_EQ(++nth, told.size());
+    } while (module.DisarmAllocationFailure());
+    EXPECT_NE(std::wstring::npos, told.back().find(L"<ExceptionChain>\n<Exception>\n<Error>\n"
+                                                   L"<Code type=\"string\">Host.Told:Why</Code>"));
+    EXPECT_EQ(told[0], told.back()); // no allocation was to fail
+    EXPECT_EQ(2, std::count_if(told.begin(), told.end(), [](auto& text) { return !text.empty(); }));
     module.Shutdown();
 }
 
