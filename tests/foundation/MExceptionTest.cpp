@@ -7,6 +7,7 @@
 #include "tests/support/DumpedRecord.h"
 #include "tests/support/Raised.h"
 
+#include <functional>
 #include <memory>
 
 namespace

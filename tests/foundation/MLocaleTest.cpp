@@ -34,11 +34,9 @@ TEST(MLocale, NumbersHaveTheDecimalPointOfTheLocaleWhateverThatOfTheProcess)
         const char* name;
         const char* reported;
         const wchar_t* number;
-    } cases[] = {
-        {"C", "C", L"12345.5"},
-        {"German", "German_Germany.1252", L"12345,5"},
-        {mixed, mixed, L"12345,5"},
-    };
+    } cases[] = {{"C", "C", L"12345.5"},
+                 {"German", "German_Germany.1252", L"12345,5"},
+                 {mixed, mixed, L"12345,5"}};
     const std::string before = setlocale(LC_ALL, nullptr);
     ASSERT_NE(nullptr, setlocale(LC_ALL, "French"));
     for (const auto& one : cases) {
@@ -111,27 +109,25 @@ TEST(MLocale, NumbersAreReadInAllTheirForms)
         const wchar_t* text;
         double value;
         int read;
-    } cases[] = {
-        {L"", 0, 0},
-        {L" -2.5e-3abc", -2.5e-3, 8},
-        {L"0x10", 0, 1},
-        {L"-1e999", -infinity, 6}, // out of range is a number too
-        {L"-1.#INF00e+005", -infinity, 14},
-        {L"1.#INF7", infinity, 6},
-        {L"1.#QNAN00", nan, 9},
-        {L"1.#SNAN", nan, 7},
-        {L"1.#NAN0", nan, 7},
-        {L"-1.#IND", nan, 7},
-        {L"1.#inf", 1, 2},
-        {L"2.#INF", 2, 2},
-        {L" -infinity", -infinity, 10},
-        {L"+INFINITY", infinity, 9},
-        {L"infINITY", infinity, 3},
-        {L"Infinity", 0, 0},
-        {L"nan", nan, 3},
-        {L"NAN", nan, 3},
-        {L"+-inf", 0, 0},
-    };
+    } cases[] = {{L"", 0, 0},
+                 {L" -2.5e-3abc", -2.5e-3, 8},
+                 {L"0x10", 0, 1},
+                 {L"-1e999", -infinity, 6},
+                 {L"-1.#INF00e+005", -infinity, 14},
+                 {L"1.#INF7", infinity, 6},
+                 {L"1.#QNAN00", nan, 9},
+                 {L"1.#SNAN", nan, 7},
+                 {L"1.#NAN0", nan, 7},
+                 {L"-1.#IND", nan, 7},
+                 {L"1.#inf", 1, 2},
+                 {L"2.#INF", 2, 2},
+                 {L" -infinity", -infinity, 10},
+                 {L"+INFINITY", infinity, 9},
+                 {L"infINITY", infinity, 3},
+                 {L"Infinity", 0, 0},
+                 {L"nan", nan, 3},
+                 {L"NAN", nan, 3},
+                 {L"+-inf", 0, 0}};
     const MLocale& classic = MLocale::GetClassicLocale();
     for (const auto& one : cases) {
         double value = 7;

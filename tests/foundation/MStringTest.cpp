@@ -3,6 +3,7 @@
 #include "tests/support/Allocations.h"
 
 #include <algorithm>
+#include <functional>
 #include <random>
 #include <string>
 #include <utility>
@@ -12,15 +13,13 @@ namespace
 
 /// A string, and what it is told to be.
 struct Told {
-    void Assign(const std::wstring& newText)
+    void Assign(const std::wstring& newText) { capacity = (text = newText).size(); }
+    void Append(std::wstring more) { capacity = std::max(capacity, (text += more).size()); }
+    void TakeOver(Told& other)
     {
-        text = newText;
-        capacity = text.size();
-    }
-    void Append(const std::wstring& more)
-    {
-        text += more;
-        capacity = std::max(capacity, text.size());
+        text = std::move(other.text);
+        capacity = other.capacity;
+        other.Assign(L"");
     }
     bool IsTrue() const
     {
@@ -44,8 +43,7 @@ std::wstring RandomText()
 }
 
 /// Whether `operation` on `told` had the memory it needed; if not, it has changed nothing.
-template <class Operation>
-bool Done(const Told& told, Operation operation)
+bool Done(const Told& told, const std::function<void()>& operation)
 {
     const wchar_t* const before = told.string.c_str();
     const int nth = random() % 5 == 0 ? 1 : 1000;
@@ -59,40 +57,21 @@ void AssignOrAppend(Told& a, Told& b)
 {
     const std::wstring text = RandomText();
     const MString& source = b.string;
-    const wchar_t* const before = a.string.c_str();
-    switch (random() % 6) {
-    case 0:
-        if (Done(a, [&] { a.string = text.c_str(); }))
-            a.Assign(text);
-        break;
-    case 1:
-        if (!Done(a, [&] { a.string = source; }))
-            break;
-        EXPECT_TRUE(&a == &b || b.text.empty() || a.string.c_str() != before);
-        if (&a != &b)
-            a.Assign(b.text);
-        break;
-    case 2:
-        if (&a == &b)
-            break;
-        a.string = std::move(b.string);
-        a.Assign(b.text);
-        a.capacity = b.capacity;
-        b.Assign(L"");
-        break;
-    case 3:
-        if (Done(a, [&] { a.string += text.c_str(); }))
-            a.Append(text);
-        break;
-    case 4:
-        if (a.text.size() < 100 && Done(a, [&] { a.string += source; }))
-            a.Append(std::wstring(b.text));
-        break;
-    default:
-        if (a.text.size() < 100 &&
-            Done(a, [&] { a.string.Format(L"%ls%ls", a.string.c_str(), source.c_str()); }))
-            a.Assign(a.text + b.text);
-    }
+    const bool same = &a == &b;
+    const struct {
+        std::function<void()> change, told;
+    } operations[] = {
+        {[&] { a.string = text.c_str(); }, [&] { a.Assign(text); }},
+        {[&] { a.string = source; }, [&] { same ? void() : a.Assign(b.text); }},
+        {[&] { a.string = MString(source); }, [&] { a.Assign(b.text); }},
+        {[&] { a.string = std::move(b.string); }, [&] { same ? void() : a.TakeOver(b); }},
+        {[&] { a.string += text.c_str(); }, [&] { a.Append(text); }},
+        {[&] { a.string += source; }, [&] { a.Append(b.text); }},
+        {[&] { a.string.Format(L"%ls%ls", a.string.c_str(), source.c_str()); },
+         [&] { a.Assign(a.text + b.text); }}};
+    const auto& chosen = operations[random() % (a.text.size() < 100 ? 7 : 4)];
+    if (Done(a, chosen.change))
+        chosen.told();
 }
 
 /// The old text stays in a buffer that is left alone, its length too; another is filled.

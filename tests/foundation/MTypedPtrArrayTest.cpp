@@ -2,6 +2,7 @@
 
 #include "tests/support/Allocations.h"
 
+#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -11,7 +12,7 @@ namespace
 
 typedef MTypedPtrArray<MString, const MString&> StringArray;
 
-const wchar_t emptySlot[] = L"no element";
+const wchar_t none[] = L"no element";
 
 /// An array, and the slots that it is told to have.
 struct Told {
@@ -22,75 +23,67 @@ struct Told {
     }
     void Resize(std::size_t size)
     {
-        slots.resize(size, emptySlot);
+        slots.resize(size, none);
         count = std::min(count, size);
     }
-    std::ptrdiff_t Anywhere(std::size_t limit) { return std::ptrdiff_t(random() % limit); }
+    bool IsTrue()
+    {
+        bool alike = array.GetCount() == int(count) && array.GetAllocated() == int(slots.size());
+        for (std::size_t i = 0; alike && i < slots.size(); ++i)
+            alike = slots[i] == none || slots[i] == array.GetAt(int(i)).c_str();
+        return alike;
+    }
 
-    void Change(int operation);
-    bool IsTrue();
-
-    std::mt19937 random;
     StringArray array;
     std::vector<std::wstring> slots;
     std::size_t count = 0;
     float factor = 0;
 };
 
-void Told::Change(int operation)
-{
-    const auto how = random() % 2 ? AllocationFailure::Throws : AllocationFailure::AnswersNull;
-    const auto done = [&](auto change) { // or else nothing is changed
-        const auto outcome = RunShortOfMemory(how, random() % 8 == 0 ? 1 : 1000, change);
-        EXPECT_NE(ShortageOutcome::RaisedBadAlloc, outcome);
-        return outcome == ShortageOutcome::NotMet;
-    };
-    const std::wstring text(random() % 3, L'x');
-    const MString value(text.c_str());
-    const int size = int(random() % 40);
-    if (operation == 0 && done([&] { array.Resize(size); })) {
-        Resize(std::size_t(size));
-    } else if (operation == 1 && slots.size() < 40 && done([&] { array.Grow(size); })) {
-        Resize(Grown(std::size_t(size)));
-    } else if (operation == 2 && !slots.empty()) {
-        const std::ptrdiff_t index = Anywhere(slots.size());
-        std::wstring& slot = slots[std::size_t(index)];
-        if (done([&] { array.GetAt(int(index)); }) && slot == emptySlot)
-            slot.clear();
-    } else if (operation == 3 && count > 0) {
-        const std::ptrdiff_t index = Anywhere(count);
-        array.RemoveAt(int(index));
-        slots.insert(slots.begin() + std::ptrdiff_t(count--), emptySlot);
-        slots.erase(slots.begin() + index);
-    } else if (operation == 4 && random() % 4 == 0) {
-        array.RemoveAll();
-        Resize(count > 0 ? 0 : slots.size());
-        Resize(std::size_t(array.GetAllocated()));
-    } else if (operation == 5) {
-        factor = static_cast<float>(size % 7) / 4;
-        array.SetGrowFactor(factor);
-    } else if (operation > 5 && count < 40 && done([&] { array.Add(value); })) {
-        if (count == slots.size())
-            Resize(Grown(0));
-        slots[count++] = text;
-    }
-}
-
-bool Told::IsTrue()
-{
-    bool alike = array.GetCount() == int(count) && array.GetAllocated() == int(slots.size());
-    for (std::size_t i = 0; alike && i < slots.size(); ++i)
-        alike = slots[i] == emptySlot || slots[i] == array.GetAt(int(i)).c_str();
-    return alike;
-}
-
 } // namespace
 
-TEST(MTypedPtrArray, DoesWhatItIsToldAndRaisesWhereMemoryIsShort)
+TEST(MTypedPtrArray, DoesWhatItIsToldAndRaisesAndChangesNothingWhereMemoryIsShort)
 {
+    std::mt19937 random;
     Told told;
+    StringArray& array = told.array;
     for (int step = 0; step < 20000; ++step) {
-        told.Change(int(told.random() % 10));
+        const std::size_t size = random() % 40;
+        const std::size_t slot = random() % std::max<std::size_t>(told.slots.size(), 1);
+        const std::wstring text(random() % 3, L'x');
+        const MString value(text.c_str());
+        const auto add = [&] {
+            if (told.count == told.slots.size())
+                told.Resize(told.Grown(0));
+            told.slots[told.count++] = text;
+        };
+        const auto remove = [&] {
+            told.slots.insert(told.slots.begin() + int(told.count--), none);
+            told.slots.erase(told.slots.begin() + int(slot));
+        };
+        const struct {
+            bool possible;
+            std::function<void()> change, told;
+        } operations[] = {{true, [&] { array.Resize(int(size)); }, [&] { told.Resize(size); }},
+                          {told.slots.size() < 40, [&] { array.Grow(int(size)); },
+                           [&] { told.Resize(told.Grown(size)); }},
+                          {!told.slots.empty(), [&] { array.GetAt(int(slot)); },
+                           [&] { told.slots[slot] == none ? told.slots[slot].clear() : void(); }},
+                          {slot < told.count, [&] { array.RemoveAt(int(slot)); }, remove},
+                          {told.count > 0 && size < 9, [&] { array.RemoveAll(); },
+                           [&] { told.Resize(0), told.Resize(std::size_t(array.GetAllocated())); }},
+                          {true, [&] { array.SetGrowFactor(float(size % 7) / 4); },
+                           [&] { told.factor = float(size % 7) / 4; }},
+                          {told.count < 40, [&] { array.Add(value); }, add}};
+        const auto& chosen = operations[std::min<std::size_t>(random() % 10, 6)];
+        const auto how = random() % 2 ? AllocationFailure::Throws : AllocationFailure::AnswersNull;
+        const int nth = random() % 8 == 0 ? 1 : 1000;
+        if (chosen.possible) {
+            const auto outcome = RunShortOfMemory(how, nth, chosen.change);
+            ASSERT_NE(ShortageOutcome::RaisedBadAlloc, outcome);
+            if (outcome == ShortageOutcome::NotMet)
+                chosen.told();
+        }
         ASSERT_TRUE(told.IsTrue()) << step;
     }
 }
