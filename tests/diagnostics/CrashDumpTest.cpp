@@ -25,9 +25,9 @@ std::string ReadAndDelete(const wchar_t* path)
 {
     const HANDLE file = CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-    std::string content(GetFileSize(file, nullptr), '\0');
-    DWORD read = 0;
-    ReadFile(file, &content[0], static_cast<DWORD>(content.size()), &read, nullptr);
+    DWORD size = GetFileSize(file, nullptr);
+    std::string content(size, '\0');
+    ReadFile(file, &content[0], size, &size, nullptr);
     CloseHandle(file);
     return content;
 }
@@ -36,68 +36,43 @@ std::string ReadAndDelete(const wchar_t* path)
 struct Reader {
     explicit Reader(const std::string& dump)
     {
-        const auto header = At<MINIDUMP_HEADER>(dump, 0);
-        for (ULONG i = 0; i < header.NumberOfStreams; ++i) {
-            const auto entry = At<MINIDUMP_DIRECTORY>(dump, header.StreamDirectoryRva + 12 * i);
-            streams[entry.StreamType] = dump.substr(entry.Location.Rva, entry.Location.DataSize);
+        const auto& header = *reinterpret_cast<const MINIDUMP_HEADER*>(dump.data());
+        const auto* entry =
+            reinterpret_cast<const MINIDUMP_DIRECTORY*>(dump.data() + header.StreamDirectoryRva);
+        for (ULONG i = 0; i < header.NumberOfStreams; ++i, ++entry)
+            streams[entry->StreamType] = dump.data() + entry->Location.Rva;
+        const auto* block =
+            reinterpret_cast<const RecorderBlock*>(streams.at(RecorderBlocksStream));
+        for (std::uint32_t type = RecorderFirstBlockStream; streams.count(type); ++type, ++block) {
+            memory[block->address] = streams[type];
+            if (std::memcmp(streams[type], "Varek recorder\x1A", 16) == 0)
+                told = reinterpret_cast<const RecorderDescription*>(streams[type]);
         }
-        const std::string& list = streams[RecorderBlocksStream];
-        for (std::uint32_t i = 0; i < list.size() / sizeof(RecorderBlock); ++i) {
-            const std::string& bytes = streams[RecorderFirstBlockStream + i];
-            blocks[At<RecorderBlock>(list, i * sizeof(RecorderBlock)).address] = &bytes;
-            if (bytes.compare(0, 16, "Varek recorder\x1A", 16) == 0)
-                told = At<RecorderDescription>(bytes, 0);
-        }
-        core = reinterpret_cast<std::uintptr_t>(told.core);
+        core = reinterpret_cast<std::uintptr_t>(told->core);
     }
 
-    std::string Memory(std::uint64_t address, std::size_t size) const
+    const char* At(std::uint64_t address) const
     {
-        const auto block = std::prev(blocks.upper_bound(address));
-        return block->second->substr(address - block->first, size);
+        const auto block = std::prev(memory.upper_bound(address));
+        return block->second + (address - block->first);
     }
-
-    template <class Value>
-    Value Read(std::uint64_t address) const
+    std::uint64_t Read(std::uint64_t address) const
     {
-        return At<Value>(Memory(address, sizeof(Value)), 0);
+        return *reinterpret_cast<const std::uint64_t*>(At(address));
     }
-
     std::string Name(std::uint32_t table, std::uint64_t key) const
     {
-        auto name = Read<std::uint64_t>(core + table + told.newestName);
-        while (name && Read<std::uint64_t>(name + told.nameKey) != key)
-            name = Read<std::uint64_t>(name + told.olderName);
-        return name ? Memory(name + told.nameText, Read<std::uint64_t>(name + told.nameLength))
-                    : "";
+        std::uint64_t name = Read(core + table + told->newestName);
+        while (name && Read(name + told->nameKey) != key)
+            name = Read(name + told->olderName);
+        return name ? std::string(At(name + told->nameText), Read(name + told->nameLength)) : "";
     }
 
-    template <class Value>
-    static Value At(const std::string& bytes, std::size_t offset)
-    {
-        Value value = {};
-        std::memcpy(&value, bytes.substr(offset, sizeof value).data(), sizeof value);
-        return value;
-    }
-
-    std::map<std::uint32_t, std::string> streams;
-    std::map<std::uint64_t, const std::string*> blocks;
-    RecorderDescription told = {};
+    std::map<std::uint32_t, const char*> streams;
+    std::map<std::uint64_t, const char*> memory;
+    const RecorderDescription* told = nullptr;
     std::uint64_t core;
 };
-
-/// Faults, and has `crashDump` write in the filter, as a host does, with no memory left.
-void Fault(CrashDump& crashDump)
-{
-    const GuardedBody fault = [](void*) { *reinterpret_cast<volatile int*>(0x1234) = 1; };
-    const GuardFilter filter = [](void* context, _EXCEPTION_POINTERS* pointers) -> long {
-        ArmAllocationFailure(AllocationFailure::ThrowsForGood, 1);
-        EXPECT_TRUE(static_cast<CrashDump*>(context)->WriteMinidump(pointers));
-        EXPECT_FALSE(DisarmAllocationFailure());
-        return GuardAccept;
-    };
-    EXPECT_FALSE(RunGuarded(fault, filter, &crashDump));
-}
 
 } // namespace
 
@@ -132,24 +107,31 @@ TEST(CrashDump, MinidumpOfAFaultHoldsTheRecorderAsItsDescriptionSays)
     for (std::uint32_t i = 0; i < 0x20000 + 10; ++i)
         log.AddRecord(-25, 2, i, 7, 7, &log);
     CrashDump crashDump(prefix);
-    Fault(crashDump);
+    const GuardedBody fault = [](void*) { *reinterpret_cast<volatile int*>(0x1234) = 1; };
+    const GuardFilter write = [](void* context, _EXCEPTION_POINTERS* pointers) -> long {
+        ArmAllocationFailure(AllocationFailure::ThrowsForGood, 1);
+        EXPECT_TRUE(static_cast<CrashDump*>(context)->WriteMinidump(pointers));
+        EXPECT_FALSE(DisarmAllocationFailure());
+        return GuardAccept;
+    };
+    EXPECT_FALSE(RunGuarded(fault, write, &crashDump));
     const std::string dump = ReadAndDelete(crashDump.GetPath());
     EXPECT_GT(6500000u, dump.size());
 
-    Reader reader(dump);
-    const RecorderDescription& told = reader.told;
-    EXPECT_EQ(EXCEPTION_ACCESS_VIOLATION, Reader::At<DWORD>(reader.streams[ExceptionStream], 8));
-    EXPECT_FALSE(reader.streams[ThreadListStream].empty());
-    EXPECT_FALSE(reader.streams[ModuleListStream].empty());
+    const Reader reader(dump);
+    const RecorderDescription& told = *reader.told;
     ASSERT_EQ(&log, told.core);
-    const auto capacity = reader.Read<std::uint32_t>(reader.core + told.capacity);
-    const auto slot = reader.Read<std::uint32_t>(reader.core + told.writeIndex) % capacity;
-    const auto ring = reader.Read<std::uint64_t>(reader.core + told.records);
-    const std::size_t size = std::size_t{capacity} * told.recordSize;
-    EXPECT_EQ(0,
-              std::memcmp(reinterpret_cast<void*>(ring), reader.Memory(ring, size).data(), size));
-    EXPECT_EQ(0x20000u + 9,
-              reader.Read<std::uint32_t>(ring + slot * told.recordSize + told.param2));
+    EXPECT_EQ(EXCEPTION_ACCESS_VIOLATION,
+              reinterpret_cast<const MINIDUMP_EXCEPTION_STREAM*>(reader.streams.at(ExceptionStream))
+                  ->ExceptionRecord.ExceptionCode);
+    EXPECT_TRUE(reader.streams.count(ThreadListStream) && reader.streams.count(ModuleListStream));
+    const auto capacity = static_cast<std::uint32_t>(reader.Read(reader.core + told.capacity));
+    const auto latest = static_cast<std::uint32_t>(reader.Read(reader.core + told.writeIndex));
+    const std::uint64_t ring = reader.Read(reader.core + told.records);
+    const std::uint64_t newest = ring + latest % capacity * told.recordSize;
+    EXPECT_EQ(0x20000u + 9, static_cast<std::uint32_t>(reader.Read(newest + told.param2)));
+    EXPECT_EQ(0, std::memcmp(reinterpret_cast<void*>(ring), reader.At(ring),
+                             std::size_t{capacity} * told.recordSize));
     EXPECT_EQ("Pump", reader.Name(told.idNames, 7));
     EXPECT_EQ(std::string(0x5000, 'x'), reader.Name(told.stateNames, 703));
     EXPECT_EQ("the pump", reader.Name(told.objectNames, reader.core));

@@ -15,12 +15,10 @@ namespace
 
 typedef std::vector<std::int64_t> Numbers;
 
-/// A logger of another kind. It keeps nothing.
+/// A logger of another kind.
 struct ForeignLogger : MFlowLoggerImplementation {
-    void LogEvent(std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t,
-                  const void*) override
-    {
-    }
+    using Number = std::uint32_t;
+    void LogEvent(Number, Number, Number, Number, Number, const void*) override {}
     void DumpToStream(std::ostream&) override {}
     bool DumpToFile() override { return false; }
     void AttachLogger(MFlowLoggerImplementation*) override {}

@@ -18,20 +18,12 @@ class Uncloneable : public MError
     MDynObject* Clone() const override { return MDynObject::Clone(); }
 };
 
+int clones = 0;
+
 class Counted : public MError
 {
-public:
-    static int clones;
-
-private:
-    MDynObject* Clone() const override
-    {
-        ++clones;
-        return new Counted(*this);
-    }
+    MDynObject* Clone() const override { return ++clones, new Counted(*this); }
 };
-
-int Counted::clones = 0;
 
 DumpedRecord LatestRecord()
 {
@@ -74,7 +66,7 @@ TEST(MException, RaisingAndDismissingStandInTheLogAndCostTwoClones)
     EXPECT_EQ(99, raised.numbers[2]);
     error.AddParameter(L"n", 1);
     EXPECT_EQ("ExceptionTester.Raise:BrandNew n=1", Raised([&] { location.Throw(error); }));
-    EXPECT_EQ(2, Counted::clones);
+    EXPECT_EQ(2, clones);
     EXPECT_EQ("Out of memory", Raised(RaiseOutOfMemory));
 
     location.SetLine(12).DismissError(MException(error));
