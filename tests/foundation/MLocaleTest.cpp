@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <cmath>
-#include <limits>
 #include <sstream>
 
 #include <windows.h>
@@ -103,42 +102,30 @@ TEST(MLocale, LackOfMemoryLeavesNothingBehindAndHandlesAreFreed)
 
 TEST(MLocale, NumbersAreReadInAllTheirForms)
 {
-    const double infinity = std::numeric_limits<double>::infinity();
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const struct {
-        const wchar_t* text;
-        double value;
-        int read;
-    } cases[] = {{L"", 0, 0},
-                 {L" -2.5e-3abc", -2.5e-3, 8},
-                 {L"0x10", 0, 1},
-                 {L"-1e999", -infinity, 6},
-                 {L"-1.#INF00e+005", -infinity, 14},
-                 {L"1.#INF7", infinity, 6},
-                 {L"1.#QNAN00", nan, 9},
-                 {L"1.#SNAN", nan, 7},
-                 {L"1.#NAN0", nan, 7},
-                 {L"-1.#IND", nan, 7},
-                 {L"1.#inf", 1, 2},
-                 {L"2.#INF", 2, 2},
-                 {L" -infinity", -infinity, 10},
-                 {L"+INFINITY", infinity, 9},
-                 {L"infINITY", infinity, 3},
-                 {L"Infinity", 0, 0},
-                 {L"nan", nan, 3},
-                 {L"NAN", nan, 3},
-                 {L"+-inf", 0, 0}};
+    // Text, the number in it, and how far it reaches.
+    std::wistringstream cases(
+        L"-2.5e-3abc -0.0025 7  0x10 0 1  -1e999 -inf 6  -1.#INF00e+005 -inf 14  1.#INF7 inf 6 "
+        L"1.#QNAN00 nan 9  1.#SNAN nan 7  1.#NAN0 nan 7  -1.#IND nan 7  1.#inf 1 2  2.#INF 2 2 "
+        L"-infinity -inf 9  +INFINITY inf 9  infINITY inf 3  Infinity 0 0  nan nan 3  NAN nan 3 "
+        L"+-inf 0 0");
     const MLocale& classic = MLocale::GetClassicLocale();
-    for (const auto& one : cases) {
-        double value = 7;
-        errno = EINVAL; // of somebody else's
-        EXPECT_EQ(one.read > 0, classic.ToDouble(one.text, &value)) << one.text;
-        EXPECT_TRUE(std::isnan(one.value) ? std::isnan(value) : value == one.value) << one.text;
-        const wchar_t* end = nullptr;
-        classic.ParseDouble(one.text, &end);
-        EXPECT_EQ(one.read, end - one.text) << one.text;
+    std::wstring text, number;
+    for (std::ptrdiff_t reach = 0; cases >> text >> number >> reach;) {
+        const double expected = std::stod(number);
+        for (const std::wstring blanks : {L"", L" \t"}) {
+            const std::wstring blanked = blanks + text;
+            double value = 7;
+            errno = EINVAL; // of somebody else's
+            EXPECT_EQ(reach > 0, classic.ToDouble(blanked.c_str(), &value)) << blanked;
+            EXPECT_TRUE(std::isnan(expected) ? std::isnan(value) : value == expected) << blanked;
+            const wchar_t* end = nullptr;
+            classic.ParseDouble(blanked.c_str(), &end);
+            EXPECT_EQ(reach ? reach + int(blanks.size()) : 0, end - blanked.c_str()) << blanked;
+        }
     }
-    EXPECT_FALSE(classic.ToDouble(L"12", nullptr));
+    double value = 7;
+    EXPECT_FALSE(classic.ToDouble(L"12", nullptr) || classic.ToDouble(L"", &value));
+    EXPECT_EQ(0, value);
     EXPECT_EQ(-12, classic.ParseInt(L" -12x"));
     EXPECT_STREQ(L"1", classic.FormatText(L"%d%ls", 1, L"").c_str());
     EXPECT_EQ(0, classic.FormatText(L"%ls", L"").GetLength());

@@ -1,6 +1,7 @@
 #include "diagnostics/CrashDump.h"
 
 #include "diagnostics/KLogger.h"
+#include "diagnostics/MKLoggerAdapter.h"
 #include "diagnostics/RecorderDescription.h"
 #include "diagnostics/StructuredGuard.h"
 #include "tests/support/Allocations.h"
@@ -19,18 +20,31 @@
 namespace
 {
 
+const wchar_t dumpPath[] = L"C:\\Temp\\DebugDump.log";
 const wchar_t prefix[] = L"C:\\Temp\\crash test";
 
-std::string ReadAndDelete(const wchar_t* path)
+std::string Read(const wchar_t* path, DWORD flags = 0)
 {
-    const HANDLE file = CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    const HANDLE file = CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, flags, nullptr);
     DWORD size = GetFileSize(file, nullptr);
     std::string content(size, '\0');
     ReadFile(file, &content[0], size, &size, nullptr);
     CloseHandle(file);
     return content;
 }
+
+/// A log with a thousand records.
+struct Log {
+    Log()
+    {
+        CreateDirectoryA("C:\\Temp", nullptr);
+        for (std::uint32_t i = 0; i < 1000; ++i)
+            core.AddRecord(-7, i, 2, 3, 4, nullptr);
+    }
+
+    KLogger core;
+    MKLoggerAdapter adapter{&core};
+};
 
 /// A reader of minidumps that knows of a recorder what its description says, and nothing else.
 struct Reader {
@@ -76,6 +90,43 @@ struct Reader {
 
 } // namespace
 
+TEST(DumpToFile, ReplacesTheFileByLinesOfItsPlatformAndAnswersFalseWhereItCannot)
+{
+    Log log;
+    EXPECT_TRUE(log.adapter.DumpToFile());
+    const ExpectSameHandles handles;
+    EXPECT_TRUE(log.adapter.DumpToFile());
+    const std::string text = Read(dumpPath);
+    ArmAllocationFailure(AllocationFailure::ThrowsForGood, 1);
+    EXPECT_TRUE(log.adapter.DumpToFile());
+    EXPECT_FALSE(DisarmAllocationFailure()); // asked for no memory
+    EXPECT_EQ(text, Read(dumpPath));
+    EXPECT_EQ(0u, text.rfind("%% Reference time: "));
+    EXPECT_NE(std::string::npos, text.find("\r\n    0.000000, -7, 0, 2, 3, 4, 0, "));
+
+    const HANDLE taken = CreateFileW(dumpPath, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_FALSE(log.adapter.DumpToFile());
+    CloseHandle(taken);
+}
+
+TEST(DumpToFile, EndsAtAFaultOfAnyKindWithWhatWasWrittenAndNothingLeftOpen)
+{
+    Log log;
+    // The ring pointer is the first field of a core, for tools and for us.
+    KLogRecord* const ring = *reinterpret_cast<KLogRecord**>(&log.core);
+    const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(ring);
+    const std::uintptr_t page = (start + 500 * sizeof *ring) / 0x1000 * 0x1000;
+    const std::string last = std::to_string((page - start) / sizeof *ring - 1);
+    const ExpectSameHandles handles;
+    for (const DWORD access : {PAGE_NOACCESS, PAGE_READWRITE | PAGE_GUARD}) {
+        DWORD before = 0;
+        VirtualProtect(ring + 500, 1, access, &before);
+        EXPECT_FALSE(log.adapter.DumpToFile());
+        VirtualProtect(ring + 500, 1, PAGE_READWRITE, &before);
+        EXPECT_NE(std::string::npos, Read(dumpPath).find(", -7, " + last + ", 2, "));
+    }
+}
+
 TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
 {
     EXPECT_THROW(CrashDump(std::wstring(901, L'x').c_str()), std::length_error);
@@ -91,7 +142,8 @@ TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
     EXPECT_EQ(3u, paths.size());
     for (const auto& path : paths) {
         EXPECT_EQ(0u, path.first.find(prefix + std::wstring(L"-2")));
-        EXPECT_EQ(0u, ReadAndDelete(path.first.c_str()).find("%% Reference time: "));
+        EXPECT_EQ(0u,
+                  Read(path.first.c_str(), FILE_FLAG_DELETE_ON_CLOSE).find("%% Reference time: "));
     }
     EXPECT_FALSE(nowhere.WriteText() || nowhere.WriteMinidump(nullptr));
 }
@@ -115,7 +167,7 @@ TEST(CrashDump, MinidumpOfAFaultHoldsTheRecorderAsItsDescriptionSays)
         return GuardAccept;
     };
     EXPECT_FALSE(RunGuarded(fault, write, &crashDump));
-    const std::string dump = ReadAndDelete(crashDump.GetPath());
+    const std::string dump = Read(crashDump.GetPath(), FILE_FLAG_DELETE_ON_CLOSE);
     EXPECT_GT(6500000u, dump.size());
 
     const Reader reader(dump);
