@@ -235,7 +235,6 @@ private:
     std::wstring NodeData() const;
     std::wstring ContentData(std::int32_t start, std::int32_t end) const;
 
-    void GrowTag(std::int32_t record, std::int32_t delta);
     std::int32_t SpliceElement(std::int32_t sibling, MXmlInsertRequest& request,
                                MXmlElementRecord& element, const wchar_t* markup);
 

@@ -55,7 +55,7 @@ MXmlElementRecord BuildElement(const std::wstring& name, const std::wstring& att
 
 } // namespace
 
-// Every edit is: splice the text, link what is new, shift what lies behind. What may run out of
+// Every edit is: splice the text, shift what lies behind, link what is new. What may run out of
 // memory comes before the first change of the index.
 
 bool MXmlMarkup::SetAttribute(std::int32_t record, const wchar_t* name, const wchar_t* value)
@@ -74,20 +74,14 @@ bool MXmlMarkup::SetAttribute(std::int32_t record, const wchar_t* name, const wc
         text = AttributeText(name, value);
     }
     documentText.Replace(offset, count, text);
-    GrowTag(record, static_cast<std::int32_t>(text.size()) - count);
-    return true;
-}
-
-void MXmlMarkup::GrowTag(std::int32_t record, std::int32_t delta)
-{
+    const std::int32_t delta = LengthOf(text) - count;
     if (nodeType == XmlNodeInstruction) {
         index.ShiftOffsetsAfter(parentIndex, mainIndex, delta);
         nodeLength += delta;
-        return;
+    } else {
+        index.GrowTag(record, delta);
     }
-    index[record].SetStartTagLength(index[record].StartTagLength() + delta);
-    index[record].GrowBy(delta);
-    index.ShiftOffsets(record, delta, false);
+    return true;
 }
 
 bool MXmlMarkup::AddElement(const wchar_t* name, const wchar_t* data, std::uint32_t flags)
@@ -138,8 +132,8 @@ std::int32_t MXmlMarkup::SpliceElement(std::int32_t sibling, MXmlInsertRequest& 
     const std::int32_t delta = insertion.Splice();
     taken.Keep();
     element.start = request.offset;
+    index.ShiftOffsetsAfter(element.parent, insertion.Sibling(), delta);
     const std::int32_t added = index.LinkElement(element.parent, insertion.Sibling(), element);
-    index.ShiftOffsets(added, delta, false);
     if (fragment != 0)
         index.AdoptFragment(added, fragment, index[added].ContentStart());
     return added;
@@ -157,6 +151,7 @@ bool MXmlMarkup::AddNode(std::int32_t type, const wchar_t* text, std::uint32_t f
 
     MXmlInsertion insertion(documentText, index, parentIndex, mainIndex, request);
     const std::int32_t delta = insertion.Splice();
+    index.ShiftOffsetsAfter(parentIndex, insertion.Sibling(), delta);
     MoveTo(parentIndex, insertion.Sibling(), 0);
     if (type == XmlNodeElement) {
         MXmlElementRecord element = MXmlElementRecord();
@@ -169,7 +164,6 @@ bool MXmlMarkup::AddNode(std::int32_t type, const wchar_t* text, std::uint32_t f
         nodeOffset = request.offset;
         nodeLength = request.length;
     }
-    index.ShiftOffsetsAfter(parentIndex, mainIndex, delta);
     return true;
 }
 
@@ -196,9 +190,9 @@ int MXmlMarkup::ReplaceInnerMarkup(const wchar_t* markup)
     // it, until the next load.
     if (index[fragment].firstChild == 0)
         index[0].MoveBy(request.offset);
-    index.AdoptFragment(mainIndex, fragment, request.offset);
     index.ShiftOffsets(mainIndex, delta, true);
     index[mainIndex].GrowBy(delta);
+    index.AdoptFragment(mainIndex, fragment, request.offset);
     MoveTo(parentIndex, mainIndex, 0);
     return wellFormed ? 1 : 0;
 }
@@ -207,9 +201,7 @@ int MXmlMarkup::ReplaceInnerMarkup(const wchar_t* markup)
 // its front.
 std::int32_t MXmlMarkup::ParseFragment(const std::wstring& markup, std::uint32_t level)
 {
-    const std::int32_t fragment = index.TakeRecord();
-    index[fragment] = MXmlElementRecord();
-    index[fragment].SetLevel(level);
+    const std::int32_t fragment = index.TakeFragment(level);
     MXmlTokenCursor cursor(markup.c_str(), LengthOf(markup), documentFlags);
     MXmlElementParser(index, fragment, cursor, errorText).Run();
     return fragment;

@@ -11,6 +11,9 @@ void MXmlElementIndex::Clear(std::int32_t count)
 {
     nextFreeIndex = 1;
     deletedHead = 0;
+    inOrder = true;
+    parsedEnd = 1;
+    fragmentBegin = NoFragment;
     GrowRecords(count);
     records[0] = MXmlElementRecord();
 }
@@ -19,6 +22,20 @@ void MXmlElementIndex::GrowRecords(std::int32_t count)
 {
     const std::int64_t inUse = nextFreeIndex;
     records.Grow(count != 0 ? count : inUse + inUse / 2);
+}
+
+std::int32_t MXmlElementIndex::TakeFragment(std::uint32_t level)
+{
+    fragmentBegin = TakeRecord();
+    records[fragmentBegin] = MXmlElementRecord();
+    records[fragmentBegin].SetLevel(level);
+    return fragmentBegin;
+}
+
+void MXmlElementIndex::GiveBack(std::int32_t count)
+{
+    nextFreeIndex = count;
+    fragmentBegin = NoFragment;
 }
 
 void MXmlElementIndex::DeleteRecord(std::int32_t record)
@@ -37,6 +54,7 @@ void MXmlElementIndex::DeleteDescendants(std::int32_t record)
         DeleteRecord(at);
         at = sibling != 0 ? FirstLeaf(sibling) : parent;
     }
+    records[record].firstChild = 0;
 }
 
 std::int32_t MXmlElementIndex::FirstLeaf(std::int32_t record) const
@@ -68,6 +86,8 @@ std::int32_t MXmlElementIndex::LinkElement(std::int32_t parent, std::int32_t sib
     else
         LinkInFront(parent, added);
     records[added].SetLevel(LevelBelow(parent));
+    CheckOrder(added);
+    CheckOrder(NextBehind(added));
     return added;
 }
 
@@ -103,17 +123,129 @@ void MXmlElementIndex::AdoptFragment(std::int32_t parent, std::int32_t fragment,
     const std::int32_t first = records[fragment].firstChild;
     if (first != 0) {
         records[first].MoveBy(offset);
-        ShiftOffsets(first, offset, false);
+        WalkOffsets(first, offset, false);
     }
     records[parent].firstChild = first;
     for (std::int32_t child = first; child != 0; child = records[child].nextSibling)
         records[child].parent = parent;
     DeleteRecord(fragment);
+    fragmentBegin = NoFragment;
+    CheckOrder(first);
+    CheckOrder(NextBehind(parent));
+}
+
+void MXmlElementIndex::ShiftOffsets(std::int32_t record, std::int32_t delta, bool behindOnly)
+{
+    if (!inOrder)
+        return WalkOffsets(record, delta, behindOnly);
+    if (records[record].IsDocument())
+        return;
+    const std::int32_t child = behindOnly ? 0 : records[record].firstChild;
+    MoveFrom(child != 0 ? child : NextBehind(record), delta);
+    GrowAncestors(record, delta);
+}
+
+void MXmlElementIndex::ShiftOffsetsAfter(std::int32_t parent, std::int32_t sibling,
+                                         std::int32_t delta)
+{
+    if (sibling != 0) {
+        ShiftOffsets(sibling, delta, true);
+    } else if (records[parent].firstChild != 0) {
+        ShiftFrom(records[parent].firstChild, delta);
+    } else {
+        records[parent].GrowBy(delta);
+        ShiftOffsets(parent, delta, true);
+    }
+}
+
+void MXmlElementIndex::GrowTag(std::int32_t record, std::int32_t delta)
+{
+    MXmlElementRecord& element = records[record];
+    const std::int32_t length = element.StartTagLength() + delta;
+    element.SetStartTagLength(length);
+    element.GrowBy(delta);
+    if (element.StartTagLength() != length)
+        LoseOrder();
+    ShiftOffsets(record, delta, false);
+}
+
+// For a change right in front of an element.
+void MXmlElementIndex::ShiftFrom(std::int32_t first, std::int32_t delta)
+{
+    if (inOrder) {
+        MoveFrom(first, delta);
+        GrowAncestors(first, delta);
+    } else {
+        records[first].MoveBy(delta);
+        WalkOffsets(first, delta, false);
+    }
+}
+
+// Moves that element, unless it is 0, and all behind it.
+void MXmlElementIndex::MoveFrom(std::int32_t first, std::int32_t delta)
+{
+    if (first == 0)
+        return;
+    const std::int32_t end = nextFreeIndex < fragmentBegin ? nextFreeIndex : fragmentBegin;
+    const std::int32_t offset = records[first].start;
+    for (std::int32_t at = first < parsedEnd ? first : 1; at < end;) {
+        const std::int32_t behind = (at | (MXmlRecordStore::SegmentRecords - 1)) + 1;
+        MoveBehind(offset, delta, at, behind < end ? behind : end);
+        at = behind;
+    }
+    CheckOrder(first);
+}
+
+// Moves those of a run of records in one segment that begin at that offset or behind.
+void MXmlElementIndex::MoveBehind(std::int32_t offset, std::int32_t delta, std::int32_t from,
+                                  std::int32_t to)
+{
+    MXmlElementRecord* const begin = &records[from];
+    MXmlElementRecord* const end = begin + (to - from);
+    for (MXmlElementRecord* record = begin; record != end; ++record)
+        record->start += record->start >= offset && !record->Has(XmlElementDeleted) ? delta : 0;
+}
+
+void MXmlElementIndex::GrowAncestors(std::int32_t record, std::int32_t delta)
+{
+    do {
+        record = records[record].parent;
+        records[record].GrowBy(delta);
+    } while (record != 0);
+}
+
+// The one in front of it in the order of the document, 0 for the first.
+std::int32_t MXmlElementIndex::RecordBefore(std::int32_t record) const
+{
+    std::int32_t before = SiblingInFront(record);
+    if (before == 0)
+        return records[record].parent;
+    while (records[before].firstChild != 0)
+        before = LastChild(before);
+    return before;
+}
+
+// The next behind all that the element contains, 0 if there is none.
+std::int32_t MXmlElementIndex::NextBehind(std::int32_t record) const
+{
+    while (record != 0 && records[record].nextSibling == 0)
+        record = records[record].parent;
+    return record != 0 ? records[record].nextSibling : 0;
+}
+
+// What was put there may be no element of its own, or break one that there was.
+void MXmlElementIndex::CheckOrder(std::int32_t record)
+{
+    if (!inOrder || record == 0)
+        return;
+    const std::int32_t before = RecordBefore(record);
+    inOrder = !records[record].IsDocument() &&
+              (before == 0 || records[before].start < records[record].start);
 }
 
 // Walks through all records behind the change, in the order of the document: one that lies behind
 // it moves, one that contains it grows, and the document's own is the last.
-void MXmlElementIndex::ShiftOffsets(std::int32_t record, std::int32_t delta, bool behindOnly)
+void MXmlElementIndex::WalkOffsets(std::int32_t record, std::int32_t delta, bool behindOnly)
 {
     if (records[record].IsDocument())
         return;
@@ -143,19 +275,4 @@ std::int32_t MXmlElementIndex::NextInDocument(std::int32_t record, std::int32_t 
             return top;
     }
     return records[record].nextSibling;
-}
-
-void MXmlElementIndex::ShiftOffsetsAfter(std::int32_t parent, std::int32_t sibling,
-                                         std::int32_t delta)
-{
-    const std::int32_t first = records[parent].firstChild;
-    if (sibling != 0) {
-        ShiftOffsets(sibling, delta, true);
-    } else if (first != 0) {
-        records[first].MoveBy(delta);
-        ShiftOffsets(first, delta, false);
-    } else {
-        records[parent].GrowBy(delta);
-        ShiftOffsets(parent, delta, true);
-    }
 }

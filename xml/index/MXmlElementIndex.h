@@ -70,9 +70,13 @@ public:
         return nextFreeIndex++;
     }
 
-    /// Gives back the records from `count` on, which were taken last and lead nowhere from
-    /// elsewhere.
-    void GiveBack(std::int32_t count) { nextFreeIndex = count; }
+    /// A record that stands for a document by itself, whose elements have offsets of their own
+    /// until they are adopted. Takes marks and children of a parse; `level` is that of its
+    /// children.
+    std::int32_t TakeFragment(std::uint32_t level);
+
+    /// Gives back the records from `count` on, which were taken last and to which nothing leads.
+    void GiveBack(std::int32_t count);
 
     /// Puts a record on the list of deleted ones. Links that lead to it stay.
     void DeleteRecord(std::int32_t record);
@@ -104,7 +108,7 @@ public:
     /// those that it has, moves them all by `offset`, and deletes that record.
     void AdoptFragment(std::int32_t parent, std::int32_t fragment, std::int32_t offset);
 
-    // Offsets
+    // Offsets. A change of the text is followed before new elements are linked there.
 
     /// Follows a change of `delta` characters in the start tag of an element that has itself been
     /// put right already, or with `behindOnly` in its content or behind it: what lies behind the
@@ -115,8 +119,29 @@ public:
     /// The same for a change behind `sibling`, or with 0 at the front of the level.
     void ShiftOffsetsAfter(std::int32_t parent, std::int32_t sibling, std::int32_t delta);
 
+    /// Follows a change of `delta` characters in a start tag.
+    void GrowTag(std::int32_t record, std::int32_t delta);
+
+    // Order
+
+    /// All records so far come from one parse, and so are numbered in the order of the document.
+    void NoteParsed() { parsedEnd = nextFreeIndex; }
+
+    /// Offsets need not rise any more, until the next `Clear`.
+    void LoseOrder() { inOrder = false; }
+
 private:
+    static constexpr std::int32_t NoFragment = 0x7FFFFFFF;
+
     std::int32_t FirstLeaf(std::int32_t record) const;
+    std::int32_t RecordBefore(std::int32_t record) const;
+    std::int32_t NextBehind(std::int32_t record) const;
+    void CheckOrder(std::int32_t record);
+    void ShiftFrom(std::int32_t first, std::int32_t delta);
+    void MoveFrom(std::int32_t first, std::int32_t delta);
+    void MoveBehind(std::int32_t offset, std::int32_t delta, std::int32_t from, std::int32_t to);
+    void GrowAncestors(std::int32_t record, std::int32_t delta);
+    void WalkOffsets(std::int32_t record, std::int32_t delta, bool behindOnly);
     void LinkBehind(std::int32_t parent, std::int32_t sibling, std::int32_t added);
     void LinkInFront(std::int32_t parent, std::int32_t added);
     std::int32_t NextInDocument(std::int32_t record, std::int32_t top, bool enters) const;
@@ -124,4 +149,10 @@ private:
     MXmlRecordStore records;
     std::int32_t nextFreeIndex = 1;
     std::int32_t deletedHead = 0;
+    // The offsets of all elements that were not deleted rise in the order of the document.
+    bool inOrder = true;
+    // The records in front of it are numbered in the order of the document.
+    std::int32_t parsedEnd = 1;
+    // The first record of a fragment that is not adopted yet.
+    std::int32_t fragmentBegin = NoFragment;
 };

@@ -24,6 +24,8 @@ void MXmlElementParser::Run()
     }
     CopyUpTo(cursor.textLength);
     OnEndOfText();
+    if (open[0].record == 0)
+        index.NoteParsed();
 }
 
 void MXmlElementParser::CopyUpTo(std::int32_t offset)
@@ -163,6 +165,8 @@ void MXmlElementParser::OnStartTag()
     const std::int32_t added =
         AddElement(scan.start, scan.length,
                    static_cast<std::uint32_t>(scan.length) & MXmlElementRecord::StartTagMask);
+    if (Record(added).StartTagLength() != scan.length)
+        index.LoseOrder();
     if ((scan.flags & XmlScanEmptyElement) == 0)
         open.Push({added, cursor.start, 0, 0});
 }
@@ -250,6 +254,7 @@ void MXmlElementParser::Dissolve(std::int32_t depth)
 {
     if (!HasFinding())
         NoteUnclosed(depth);
+    index.LoseOrder();
     Record(open[0].record).Set(XmlElementDocumentIllFormed);
     MXmlElementRecord& parent = Record(open[depth].record);
     std::int32_t last = open[depth + 1].record;
