@@ -12,7 +12,9 @@ install(TARGETS varek varek_framework varek_language varek_module
     EXPORT VarekTargets
     OBJECTS DESTINATION lib
     INCLUDES DESTINATION include/varek)
-install(TARGETS varek-log)
+if(TARGET varek-log)
+    install(TARGETS varek-log)
+endif()
 install(EXPORT VarekTargets NAMESPACE Varek:: DESTINATION ${package_folder})
 
 install(DIRECTORY diagnostics engine filers foundation module varek xml
@@ -56,7 +58,10 @@ endforeach()
 install(DIRECTORY docs/images DESTINATION share/doc/varek/docs)
 install(DIRECTORY examples DESTINATION share/doc/varek)
 
-add_custom_target(sdk DEPENDS varek varek_framework varek_module varek-log)
+add_custom_target(sdk DEPENDS varek varek_framework varek_module)
+if(TARGET varek-log)
+    add_dependencies(sdk varek-log)
+endif()
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_FILE_NAME varek-${PROJECT_VERSION}-windows-x86_64)

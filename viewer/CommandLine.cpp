@@ -1,120 +1,119 @@
 #include "viewer/CommandLine.h"
 
+#include "viewer/forms/Utf8.h"
+
+#include <CLI/CLI.hpp>
+
 #include <charconv>
-#include <cmath>
-#include <cstdlib>
-
-const char CommandLine::help[] =
-    R"(usage: varek-log [OPTION...] [FILE]
-
-Reads a dump of the flight recorder from FILE, or from standard input when FILE is absent or "-",
-and prints a summary of it.
-
-  --tree           print the scopes of each thread instead, with what happened inside
-  --trace FILE     write trace events, which Perfetto and chrome://tracing open; "-" is standard
-                   output
-  --html FILE      write a page with the timeline, for a browser; "-" is standard output
-  --thread THREAD  only the thread with this id or name
-  --class CLASS    only the class of this name
-  --object OBJECT  only the object with this address, in hexadecimal, or name
-  --from SECONDS   only what happened from this time on
-  --to SECONDS     only what happened up to this time
-  --help           this text
-  --version        the version
-
-Times are those of the dump, where the oldest record is 0. Filters hold together and apply to all
-output. What they leave out goes without its place in the nesting: what it held moves up to the next
-scope that stays. A scope stays whole when any of it lies between --from and --to.
-
-Exit codes: 0 done, 1 the dump cannot be read or the output not be written, 2 the command line is
-wrong.
-)";
 
 namespace
 {
 
-/// The arguments that are still to be understood.
-class Arguments
-{
-public:
-    explicit Arguments(const std::vector<std::filesystem::path>& arguments)
-        : next(arguments.begin()), end(arguments.end())
-    {
-    }
+constexpr char purpose[] =
+    "Reads dumps of the flight recorder, texts or Windows minidumps, and prints what\n"
+    "is in them: first what was going on at the end. Several dumps are merged by the\n"
+    "wall clock.\n";
 
-    bool AtEnd() const { return next == end; }
+constexpr char remarks[] =
+    "\nTimes are seconds of the dump, where the oldest record is 0, or what the clock\n"
+    "on the wall showed: \"10:33:33.129\", also behind a date, \"2026-11-21 10:33\".\n"
+    "Filters hold together and apply to all output. A scope stays whole when any of\n"
+    "it lies between --from and --to.\n\n"
+    "Exit codes: 0 done, 1 a dump cannot be read or the output not be written, 2 the\n"
+    "command line is wrong.\n";
 
-    std::filesystem::path Take() { return *next++; }
-
-    std::filesystem::path TakeValueOf(const std::string& option)
-    {
-        if (AtEnd() || next->empty())
-            throw UsageError(option + " needs a value");
-        return Take();
-    }
-
-    std::string TakeTextOf(const std::string& option) { return TakeValueOf(option).u8string(); }
-
-    std::int64_t TakeMicrosecondsOf(const std::string& option)
-    {
-        const std::string text = TakeTextOf(option);
-        char* behind = nullptr;
-        const double seconds = std::strtod(text.c_str(), &behind);
-        const double mostSeconds = 9e12; // what its microseconds still hold
-        if (*behind != '\0' || !(std::abs(seconds) < mostSeconds))
-            throw UsageError(option + " takes a number of seconds, not \"" + text + "\"");
-        return std::llround(seconds * 1e6);
-    }
-
-private:
-    std::vector<std::filesystem::path>::const_iterator next;
-    const std::vector<std::filesystem::path>::const_iterator end;
+/// What CLI11 fills, before it is understood.
+struct Words {
+    std::vector<std::string> files;
+    std::string trace, page, by, object, from, to;
+    bool tree = false, list = false, stats = false, diff = false;
 };
 
-bool IsOption(const std::string& argument)
+void AddOutputs(CLI::App& app, Words& words, CommandLine& line)
 {
-    return argument.size() > 1 && argument[0] == '-';
+    app.add_flag("--tree", words.tree, "the scopes of each thread, nested");
+    app.add_flag("--list", words.list, "all records in order of time, one line each");
+    app.add_flag("--stats", words.stats, "how often and how long, by function");
+    app.add_flag("--diff", words.diff, "what differs between two dumps, the earlier first");
+    app.add_option("--html", words.page, "write a page with the timeline; - is standard output");
+    app.add_option("--trace", words.trace, "write trace events, as Perfetto opens; likewise");
+    app.add_option("--by", words.by, "statistics by function, class or object")
+        ->check(CLI::IsMember({"function", "class", "object"}));
+    app.add_option("--sort", line.sort, "statistics by a column, or by name")
+        ->check(CLI::IsMember(ScopeStatistics::SortColumns()));
+    app.add_option("--format", line.format, "statistics as text, csv or json")
+        ->check(CLI::IsMember({"text", "csv", "json"}));
 }
 
-/// What reads as an address may still be a name.
-void SetObject(RecordFilter& filter, const std::string& object)
+void AddFilters(CLI::App& app, Words& words, CommandLine& line)
 {
-    std::string_view digits = object;
-    if (digits.substr(0, 2) == "0x")
-        digits.remove_prefix(2);
+    app.add_option("--dump", line.dumpNumber, "which of several dumps in one file, from 1")
+        ->check(CLI::PositiveNumber);
+    app.add_option("--thread", line.filter.thread, "only the thread with this id or name");
+    app.add_option("--class", line.filter.className, "only the class of this name");
+    app.add_option("--object", words.object, "only the object with this address or name");
+    app.add_option("--from", words.from, "only what happened from this time on");
+    app.add_option("--to", words.to, "only what happened up to this time");
+}
+
+std::optional<std::uint64_t> AddressIn(std::string_view text)
+{
+    const std::string_view prefix = text.substr(0, 2);
+    if (prefix == "0x" || prefix == "0X")
+        text.remove_prefix(2);
     std::uint64_t address = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto [behind, error] = std::from_chars(digits.data(), end, address, 16);
-    filter.object = object;
-    filter.address.reset();
-    if (error == std::errc() && behind == end)
-        filter.address = address;
+    const auto [behind, error] =
+        std::from_chars(text.data(), text.data() + text.size(), address, 16);
+    if (error != std::errc() || behind != text.data() + text.size())
+        return std::nullopt;
+    return address;
 }
 
-void TakeOption(CommandLine& line, const std::string& option, Arguments& arguments)
+std::optional<Moment> MomentOf(const std::string& option, const std::string& text)
 {
-    if (option == "--tree")
-        line.showTree = true;
-    else if (option == "--trace")
-        line.trace = arguments.TakeValueOf(option);
-    else if (option == "--html")
-        line.page = arguments.TakeValueOf(option);
-    else if (option == "--thread")
-        line.filter.thread = arguments.TakeTextOf(option);
-    else if (option == "--class")
-        line.filter.className = arguments.TakeTextOf(option);
-    else if (option == "--object")
-        SetObject(line.filter, arguments.TakeTextOf(option));
-    else if (option == "--from")
-        line.filter.from = arguments.TakeMicrosecondsOf(option);
-    else if (option == "--to")
-        line.filter.to = arguments.TakeMicrosecondsOf(option);
-    else if (option == "--help")
-        line.showHelp = true;
-    else if (option == "--version")
-        line.showVersion = true;
-    else
-        throw UsageError("unknown option " + option);
+    if (text.empty())
+        return std::nullopt;
+    const std::optional<Moment> moment = Moment::Parse(text);
+    if (!moment)
+        throw UsageError(option + " takes seconds or a wall clock, not \"" + text + "\"");
+    return moment;
+}
+
+CommandLine::Show ShowOf(const Words& words)
+{
+    using Show = CommandLine::Show;
+    const bool printsFile = words.trace == "-" || words.page == "-";
+    if (words.tree + words.list + words.stats + words.diff + (words.trace == "-") +
+            (words.page == "-") >
+        1)
+        throw UsageError("standard output takes one text at a time");
+    if (words.diff && words.files.size() != 2)
+        throw UsageError("--diff takes two dumps");
+    if (words.tree || words.list)
+        return words.tree ? Show::Tree : Show::List;
+    if (words.stats || words.diff)
+        return words.stats ? Show::Stats : Show::Diff;
+    return printsFile || !words.trace.empty() || !words.page.empty() ? Show::Nothing
+                                                                     : Show::Summary;
+}
+
+void Understand(const Words& words, CommandLine& line)
+{
+    line.show = ShowOf(words);
+    line.trace = std::filesystem::u8path(words.trace);
+    line.page = std::filesystem::u8path(words.page);
+    if (!words.files.empty())
+        line.dumps.clear();
+    for (const std::string& file : words.files)
+        line.dumps.push_back(std::filesystem::u8path(file));
+    if (!words.by.empty())
+        line.by = words.by == "class"    ? ScopeStatistics::By::Class
+                  : words.by == "object" ? ScopeStatistics::By::Object
+                                         : ScopeStatistics::By::Function;
+    line.filter.object = words.object;
+    line.filter.address = AddressIn(words.object);
+    line.from = MomentOf("--from", words.from);
+    line.to = MomentOf("--to", words.to);
 }
 
 } // namespace
@@ -122,20 +121,48 @@ void TakeOption(CommandLine& line, const std::string& option, Arguments& argumen
 CommandLine CommandLine::Parse(const std::vector<std::filesystem::path>& arguments)
 {
     CommandLine line;
-    bool hasFile = false;
-    for (Arguments rest(arguments); !rest.AtEnd();) {
-        const std::filesystem::path argument = rest.Take();
-        const std::string text = argument.u8string();
-        if (IsOption(text)) {
-            TakeOption(line, text, rest);
-        } else if (hasFile) {
-            throw UsageError("one dump at a time, not also " + text);
-        } else {
-            line.dump = argument;
-            hasFile = true;
-        }
+    Words words;
+    CLI::App app(purpose, "varek-log");
+    app.get_formatter()->column_width(22);
+    app.get_formatter()->label("TEXT", "");
+    app.get_formatter()->label("UINT", "");
+    app.footer(remarks);
+    app.set_help_flag("--help", "this text");
+    app.set_version_flag("--version", "varek-log " VAREK_VERSION, "the version");
+    app.add_option("FILE", words.files, "dumps; - or none is standard input");
+    AddOutputs(app, words, line);
+    AddFilters(app, words, line);
+
+    std::vector<std::string> backward; // which is how CLI11 takes them
+    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument)
+        backward.push_back(argument->u8string());
+    try {
+        app.parse(backward);
+        Understand(words, line);
+    } catch (const CLI::CallForHelp&) {
+        line.answer = app.help();
+    } catch (const CLI::CallForVersion& version) {
+        line.answer = std::string(version.what()) + "\n";
+    } catch (const CLI::ParseError& error) {
+        throw UsageError(error.what());
     }
-    if (line.showTree + (line.trace == "-") + (line.page == "-") > 1)
-        throw UsageError("standard output takes one text at a time");
     return line;
+}
+
+std::string CommandLine::SourceOf(const std::filesystem::path& dump)
+{
+    return dump == "-" ? "standard input" : Utf8::FromName(dump.filename().u8string());
+}
+
+RecordFilter CommandLine::FilterFor(const Dump& dump) const
+{
+    const bool needsWallClock = (from && from->NeedsWallClock()) || (to && to->NeedsWallClock());
+    if (needsWallClock && !dump.start)
+        throw UsageError("the dump does not tell the wall clock: --from and --to take seconds");
+    RecordFilter wanted = filter;
+    if (from)
+        wanted.from = from->FirstIn(dump);
+    if (to)
+        wanted.to = to->LastIn(dump);
+    return wanted;
 }

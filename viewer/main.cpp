@@ -1,10 +1,13 @@
 #include "viewer/CommandLine.h"
-#include "viewer/forms/Utf8.h"
-#include "viewer/model/scopes/Timelines.h"
-#include "viewer/reading/text/DumpReader.h"
+#include "viewer/model/Merging.h"
+#include "viewer/reading/DumpFile.h"
 #include "viewer/reading/TextFile.h"
+#include "viewer/showing/data/StatisticsData.h"
 #include "viewer/showing/page/TimelinePage.h"
+#include "viewer/showing/text/DiffReport.h"
+#include "viewer/showing/text/RecordList.h"
 #include "viewer/showing/text/ScopeTree.h"
+#include "viewer/showing/text/StatisticsTable.h"
 #include "viewer/showing/text/Summary.h"
 #include "viewer/showing/trace/TraceEvents.h"
 
@@ -20,66 +23,126 @@ void Print(std::string_view text)
     TextFile::Write("-", text);
 }
 
-Dump ReadDump(const CommandLine& line)
+Dump ReadDump(const std::filesystem::path& file, std::size_t number)
 {
-    const std::string text = Utf8::FromFile(TextFile::Read(line.dump));
+    std::string bytes = TextFile::Read(file);
     try {
-        return DumpReader::Read(text);
-    } catch (const NotADump& error) {
-        throw std::runtime_error(line.Source() + ": " + error.what());
+        return DumpFile::Choose(DumpFile::Read(std::move(bytes)), number);
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(CommandLine::SourceOf(file) + ": " + error.what());
     }
 }
 
-void ShowFindings(const Findings& findings)
+Recording ReadRecording(const CommandLine& line, const std::filesystem::path& file)
 {
-    for (const std::string& sentence : findings.Sentences())
-        std::cerr << "varek-log: " << sentence << "\n";
+    Recording recording(ReadDump(file, line.dumpNumber), CommandLine::SourceOf(file));
+    recording.Keep(line.FilterFor(recording.dump));
+    return recording;
 }
 
-void WriteTrace(const CommandLine& line, const std::string& trace)
+/// Several are put on one axis before the filters are asked, whose times are on it.
+Recordings ReadAll(const CommandLine& line)
 {
+    std::vector<Dump> dumps;
+    std::vector<std::string> sources;
+    for (const std::filesystem::path& file : line.dumps) {
+        dumps.push_back(ReadDump(file, line.dumpNumber));
+        sources.push_back(CommandLine::SourceOf(file));
+    }
+    Recordings recordings = Merging::Merge(std::move(dumps), sources);
+    for (Recording& recording : recordings)
+        recording.Keep(line.FilterFor(recording.dump));
+    return recordings;
+}
+
+void ShowFindings(const Recordings& recordings)
+{
+    for (const Recording& recording : recordings) {
+        for (const std::string& sentence : recording.dump.findings.Sentences())
+            std::cerr << "varek-log: " << recording.label << sentence << "\n";
+    }
+}
+
+void WriteTrace(const CommandLine& line, const Recordings& recordings)
+{
+    if (line.trace.empty() && line.page.empty())
+        return;
+    const std::string trace = TraceEvents::Compose(recordings);
     if (!line.trace.empty())
         TextFile::Write(line.trace, trace);
     if (!line.page.empty())
         TextFile::Write(line.page, TimelinePage::Compose(trace));
 }
 
-void KeepDump(const CommandLine& line)
+std::string Statistics(const CommandLine& line, const Recordings& recordings)
 {
-    for (const std::filesystem::path& output : {line.trace, line.page}) {
-        std::error_code notBoth;
-        if (std::filesystem::equivalent(output, line.dump, notBoth))
-            throw std::runtime_error(output.u8string() + ": this is the dump itself");
+    std::vector<ScopeStatistics::Row> rows = ScopeStatistics::Of(recordings, line.by);
+    ScopeStatistics::Sort(rows, line.sort);
+    return line.format == "csv"    ? StatisticsData::ComposeCsv(rows)
+           : line.format == "json" ? StatisticsData::ComposeJson(rows)
+                                   : StatisticsTable::Compose(rows);
+}
+
+std::string TextOf(const CommandLine& line, const Recordings& recordings)
+{
+    using Show = CommandLine::Show;
+    switch (line.show) {
+    case Show::Tree:
+        return ScopeTree::Compose(recordings);
+    case Show::List:
+        return RecordList::Compose(recordings);
+    case Show::Stats:
+        return Statistics(line, recordings);
+    default:
+        return line.show == Show::Summary ? Summary::Compose(recordings) : "";
     }
 }
 
-void ShowDump(const CommandLine& line)
+void KeepDumps(const CommandLine& line)
 {
-    KeepDump(line);
-    Dump dump = ReadDump(line);
-    std::vector<Timeline> timelines = Timelines::Of(dump);
-    Timelines::Keep(line.filter, dump.names, timelines);
-    if (timelines.empty() && !dump.records.empty())
+    for (const std::filesystem::path& output : {line.trace, line.page}) {
+        for (const std::filesystem::path& dump : line.dumps) {
+            std::error_code notBoth;
+            if (std::filesystem::equivalent(output, dump, notBoth))
+                throw std::runtime_error(output.u8string() + ": this is the dump itself");
+        }
+    }
+}
+
+void ShowDumps(const CommandLine& line)
+{
+    KeepDumps(line);
+    const Recordings recordings = ReadAll(line);
+    bool nothingPasses = true;
+    for (const Recording& recording : recordings)
+        nothingPasses &= recording.timelines.empty() && !recording.dump.records.empty();
+    if (nothingPasses)
         std::cerr << "varek-log: nothing passes the filters\n";
 
-    if (line.showTree)
-        Print(ScopeTree::Compose(dump, timelines));
-    if (!line.trace.empty() || !line.page.empty())
-        WriteTrace(line, TraceEvents::Compose(dump, timelines, line.Source()));
-    if (line.ShowSummary())
-        Print(Summary::Compose(dump, line.filter));
-    else
-        ShowFindings(dump.findings);
+    WriteTrace(line, recordings);
+    Print(TextOf(line, recordings));
+    if (line.show != CommandLine::Show::Summary)
+        ShowFindings(recordings);
+}
+
+void ShowDifference(const CommandLine& line)
+{
+    Recordings both[2];
+    for (std::size_t i = 0; i < 2; ++i)
+        both[i].push_back(ReadRecording(line, line.dumps[i]));
+    Print(DiffReport::Compose(both[0], both[1]));
+    for (const Recordings& recordings : both)
+        ShowFindings(recordings);
 }
 
 void Obey(const CommandLine& line)
 {
-    if (line.showHelp)
-        Print(CommandLine::help);
-    else if (line.showVersion)
-        Print("varek-log " VAREK_VERSION "\n");
+    if (!line.answer.empty())
+        Print(line.answer);
+    else if (line.show == CommandLine::Show::Diff)
+        ShowDifference(line);
     else
-        ShowDump(line);
+        ShowDumps(line);
 }
 
 ExitCode Run(const std::vector<std::filesystem::path>& arguments)
@@ -88,7 +151,7 @@ ExitCode Run(const std::vector<std::filesystem::path>& arguments)
         Obey(CommandLine::Parse(arguments));
         return Done;
     } catch (const UsageError& error) {
-        std::cerr << "varek-log: " << error.what() << "\n" << CommandLine::help;
+        std::cerr << "varek-log: " << error.what() << "\nvarek-log --help tells more.\n";
         return Usage;
     } catch (const std::exception& error) {
         std::cerr << "varek-log: " << error.what() << "\n";

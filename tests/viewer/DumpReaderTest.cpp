@@ -1,9 +1,10 @@
-#include "viewer/reading/text/DumpReader.h"
+#include "viewer/reading/DumpFile.h"
 
 #include "tests/viewer/SampleDump.h"
 #include "viewer/forms/Utf8.h"
 #include "viewer/model/records/EventKind.h"
 #include "viewer/showing/text/Description.h"
+#include "viewer/showing/text/RecordList.h"
 
 #include <gtest/gtest.h>
 
@@ -15,26 +16,52 @@ namespace
 
 typedef std::vector<std::string> Sentences;
 
-std::string Utf16(const std::string& ascii)
+std::string Utf16(const std::string& ascii, bool isBigEndian = false)
 {
-    std::string bytes = "\xFF\xFE";
+    std::string bytes;
     for (const char letter : ascii)
-        bytes += {letter, '\0'};
+        bytes += isBigEndian ? std::string{'\0', letter} : std::string{letter, '\0'};
     return bytes;
+}
+
+std::string Replaced(const std::string& text, const char* what, const char* by)
+{
+    return std::regex_replace(text, std::regex(what), by);
+}
+
+/// Lines broken behind the last blank that fits, as mail does it, or in the middle of words.
+std::string Wrapped(const std::string& text, std::size_t width, bool atBlanks)
+{
+    std::string wrapped;
+    std::size_t begin = 0; // of the line
+    for (const char letter : text) {
+        wrapped += letter;
+        const std::size_t blank = wrapped.rfind(' ');
+        if (letter == '\n') {
+            begin = wrapped.size();
+        } else if (wrapped.size() - begin > width) {
+            const bool hasBlank = atBlanks && blank != std::string::npos && blank > begin + 4;
+            if (atBlanks && !hasBlank)
+                continue;
+            begin = hasBlank ? blank + 1 : wrapped.size() - 1;
+            hasBlank ? wrapped.replace(blank, 1, "\n") : wrapped.insert(begin++, "\n");
+        }
+    }
+    return wrapped;
 }
 
 std::string WithCarriageReturns(const std::string& text)
 {
-    return std::regex_replace(text, std::regex("\n"), "\r\n");
+    return Replaced(text, "\n", "\r\n");
 }
 
 } // namespace
 
 TEST(DumpReader, TakesALineEndInANameForPartOfIt)
 {
-    std::string lines = RecordLines(0, EventKind::ScopePush, 'f');
+    std::string lines = RecordLines(0, EventKind::ScopePush, "f");
     lines.replace(lines.find("(unknown)"), 9, "(two\nlines)");
-    const Dump dump = DumpReader::Read(lines);
+    const Dump dump = ReadText(lines);
     EXPECT_EQ("two\xEF\xBF\xBDlines", dump.names.Object(dump.records[0]));
     EXPECT_EQ(0u, dump.findings.foreignLines);
 }
@@ -43,26 +70,96 @@ TEST(DumpReader, PairsTimesWithTheWallClockOverMidnightAndLeapDays)
 {
     const std::string lead = "%% Reference time: 0.000000 is approximately 0ms past ";
     EXPECT_EQ("2028-02-29 00:00:00.001",
-              DumpReader::Read(lead + "Mon Feb 28 23:59:59 2028\n").WallClockAt(1001000));
+              ReadText(lead + "Mon Feb 28 23:59:59 2028\n").WallClockAt(1001000));
     EXPECT_EQ("2027-12-31 23:59:59.999",
-              DumpReader::Read(lead + "Sat Jan  1 00:00:00 2028\n").WallClockAt(-1));
+              ReadText(lead + "Sat Jan  1 00:00:00 2028\n").WallClockAt(-1));
 }
 
 TEST(DumpReader, ReadsWhatEditorsAndShellsMakeOfADump)
 {
     const std::string plain = sampleDump;
-    for (const std::string& text : {WithCarriageReturns(plain), Utf16(plain),
-                                    "\xEF\xBB\xBF" + plain, Utf16(WithCarriageReturns(plain))}) {
-        const Dump dump = DumpReader::Read(Utf8::FromFile(text));
-        EXPECT_EQ(9u, dump.records.size());
-        EXPECT_EQ(Sentences(), dump.findings.Sentences());
-        EXPECT_EQ("36 Host", Description::Thread(36, dump.names));
+    const std::string lines = WithCarriageReturns(plain);
+    for (const std::string& text : {lines, "\xFF\xFE" + Utf16(plain),
+                                    "\xFE\xFF" + Utf16(lines, true), "\xEF\xBB\xBF" + plain}) {
+        const Recordings recordings = RecordingsOf(text);
+        EXPECT_EQ(9u, recordings[0].dump.records.size());
+        EXPECT_EQ(Sentences(), recordings[0].dump.findings.Sentences());
+        EXPECT_EQ("36 Host", Description::Thread(36, recordings[0]));
     }
     EXPECT_EQ("\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80\xEF\xBF\xBD",
-              Utf8::FromFile(std::string("\xFF\xFE\xFC\0\xAC\x20\x3D\xD8\x00\xDE\x00\xD8", 12)));
+              Utf8::FromUtf16(std::string("\xFC\0\xAC\x20\x3D\xD8\x00\xDE\x00\xD8", 10), false));
     EXPECT_EQ("M\xC3\xBCll", Utf8::FromName("M\xFCll"));
     EXPECT_EQ("M\xC3\xBCll", Utf8::FromName("M\xC3\xBCll"));
     EXPECT_EQ("a\357\277\275b\357\277\275", Utf8::FromName("a\033b\n"));
+    EXPECT_EQ("\357\277\275\xC3\xBC", Utf8::FromName("\xC2\x9B\xC3\xBC")); // a C1 control
+}
+
+// All records, all names, and a sentence that says what was done.
+TEST(DumpReader, ReadsWhatMailMakesOfADumpAndSaysSo)
+{
+    const std::string plain = sampleDump;
+    const std::string mailed = "Lines had been quoted, indented, trimmed or wrapped; they were put "
+                               "back together.";
+    const std::string guessed = "The text was taken for UTF-16, though no mark says so.";
+    const struct {
+        const char* what;
+        std::string text;
+        std::string finding;
+    } cases[] = {
+        {"trimmed", Replaced(plain, "\n +", "\n"), mailed},
+        {"tabs", Replaced(plain, "\n    ", "\n\t"), mailed},
+        {"indented", Replaced(plain, "(^|\n)(?=.)", "$1    "), mailed},
+        {"quoted", Replaced(plain, "(^|\n)(?=.)", "$1> > "), mailed},
+        {"log", Replaced(plain, "(^|\n)(?=.)", "$012:00:00.123456 INFO [7] "), mailed},
+        {"wrapped", Wrapped(plain, 76, true), mailed},
+        {"wrapped in words", Wrapped(plain, 70, false), mailed},
+        {"quoted and wrapped", Replaced(Wrapped(plain, 72, true), "(^|\n)(?=.)", "$1> "), mailed},
+        {"blanks at ends", Replaced(plain, "\n", "  \n"), mailed},
+        {"UTF-16", Utf16(plain), guessed},
+        {"UTF-16, big-endian", Utf16(WithCarriageReturns(plain), true), guessed},
+    };
+    const Recordings wanted = RecordingsOf(plain);
+    for (const auto& [what, text, finding] : cases) {
+        const Recordings recordings = RecordingsOf(text);
+        EXPECT_EQ(Sentences{finding}, recordings[0].dump.findings.Sentences()) << what;
+        EXPECT_EQ(RecordList::Compose(wanted), RecordList::Compose(recordings)) << what;
+    }
+}
+
+TEST(DumpReader, KnowsAHeaderInANameFromAnotherDump)
+{
+    std::string named = RecordLines(5, EventKind::TimingPoint, "f");
+    named.replace(named.find("(unknown)"), 9, "(x\n%% Reference time: 1.000000 is wrong.\n)");
+    const std::vector<Dump> dumps = DumpFile::Read(sampleDump + named + sampleDump + "noise\n");
+    ASSERT_EQ(2u, dumps.size());
+    EXPECT_EQ(10u, dumps[0].records.size());
+    EXPECT_EQ(9u, dumps[1].records.size());
+    EXPECT_EQ("The file holds 2 dumps; this one begins at line 25, and --dump chooses another.",
+              DumpFile::Choose(dumps, 0).findings.Sentences()[0]);
+    EXPECT_EQ(10u, DumpFile::Choose(dumps, 1).records.size());
+    EXPECT_THROW(DumpFile::Choose(dumps, 3), std::runtime_error);
+}
+
+// The ring is dumped from the 10th record on by another reference, 30 seconds later; at the 20th
+// the dump meets what is newer than that, and at the 25th the reference moves once more.
+TEST(DumpReader, PutsAgesOnOneAxisWhereTheirReferenceWasOverwritten)
+{
+    const std::int64_t second = 1000000;
+    std::string text = "%% Reference time: -1.000000 is approximately 0ms past "
+                       "Mon Feb 28 10:00:00 2028\n";
+    for (std::int64_t i = 0; i < 30; ++i) {
+        const std::int64_t time = i * 1000 + (i < 20 ? 0 : 60 * second);
+        const std::int64_t reference = i < 10 ? 0 : i < 25 ? 30 * second : 100 * second;
+        text += RecordLines(time - reference, EventKind::TimingPoint, "p",
+                            static_cast<std::int32_t>(i % 2 + 1));
+    }
+    const Dump dump = ReadText(text);
+    EXPECT_EQ(0, dump.Begin());
+    EXPECT_EQ(60 * second + 27 * 1000, dump.End()); // each jump takes the gap that it is in
+    EXPECT_EQ("2028-02-28 10:00:01.000", dump.WallClockAt(0));
+    EXPECT_EQ(Sentences{"2 times the ages jump back, to another reference; they were put on one "
+                        "axis."},
+              dump.findings.Sentences());
 }
 
 // What is left are the records before the cut, and unless that is between two it is said.
@@ -76,7 +173,7 @@ TEST(DumpReader, InventsNothingFromAnyPrefixOfADump)
             const bool isNumbers = text.compare(begin, 4, "    ") == 0;
             const bool isReadable = text.compare(begin, 2, "% ") == 0;
             for (; length <= text.find('\n', begin) + 1; ++length) {
-                const Dump dump = DumpReader::Read(text.substr(0, length));
+                const Dump dump = ReadText(text.substr(0, length));
                 const bool isWhole = length >= end;
                 ASSERT_EQ(records + (isNumbers && isWhole), dump.records.size()) << length;
                 ASSERT_EQ(isWhole && !isReadable, dump.findings.Sentences().empty()) << length;
@@ -89,26 +186,24 @@ TEST(DumpReader, InventsNothingFromAnyPrefixOfADump)
 TEST(DumpReader, SaysWhatIsMissingOrDamaged)
 {
     const std::string header = "%% Reference time: 0.000000 is wrong.\n%%\n";
-    const std::string event = RecordLines(5, EventKind::TimingPoint, 'f');
-    const std::string other = RecordLines(6, EventKind::ScopePush, 'g');
+    const std::string event = RecordLines(5, EventKind::TimingPoint, "f");
+    const std::string other = RecordLines(6, EventKind::ScopePush, "g");
     const std::string numbers = other.substr(other.find('\n') + 1);
 
-    EXPECT_THROW(DumpReader::Read(""), NotADump);
-    EXPECT_THROW(DumpReader::Read("%PDF-1.4\n% some\n    1, 2\n"), NotADump);
+    EXPECT_THROW(ReadText(""), NotADump);
+    EXPECT_THROW(ReadText("%PDF-1.4\n% some\n    1, 2\n"), NotADump);
     EXPECT_EQ(Sentences{"The recorder did not know the wall clock."},
-              DumpReader::Read(header).findings.Sentences());
+              ReadText(header).findings.Sentences());
     EXPECT_EQ(Sentences{"The header is missing, so the wall clock is unknown."},
-              DumpReader::Read(event).findings.Sentences());
+              ReadText(event).findings.Sentences());
 
-    const Dump mixed = DumpReader::Read("$ type dump\n" + header + "noise\n" +
-                                        event.substr(0, event.find('\n') + 1) + "more\n" + other +
-                                        "*OUT OF BOUNDS*\n\n" + event.substr(0, 30) + "\n" +
-                                        numbers + RecordLines(4, EventKind::Notify, 'f') +
-                                        RecordLines(9, EventKind::Notify, 'f', 0) + header + event);
+    const Dump mixed = ReadText(
+        "$ type dump\n" + header + "noise\n" + event.substr(0, event.find('\n') + 1) + "more\n" +
+        other + "*OUT OF BOUNDS*\n\n" + event.substr(0, 30) + "\n" + numbers +
+        RecordLines(4, EventKind::Notify, "f") + RecordLines(9, EventKind::Notify, "f", 0));
     EXPECT_EQ(4u, mixed.records.size());
     EXPECT_EQ(4, mixed.Begin());
     EXPECT_EQ((Sentences{"The recorder did not know the wall clock.",
-                         "Another dump begins at line 17; it was not read.",
                          "2 records are torn: their readable lines and their numbers do not fit "
                          "each other.",
                          "1 record was still being written, and has no thread.",

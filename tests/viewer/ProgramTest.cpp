@@ -50,6 +50,9 @@ TEST_F(Program, ReadsAFileOrStandardInputAndWritesWhereItIsTold)
     EXPECT_EQ(0, Run("--trace - --class Pump sample.log"));
     EXPECT_EQ(Text("trace.json"), Text("out"));
     EXPECT_EQ("", Text("err"));
+    EXPECT_EQ(0, Run("--list --from 15:12:20.782 --to 15:12:21 sample.log"));
+    const std::string list = Text("out");
+    EXPECT_EQ(8, std::count(list.begin(), list.end(), '\n'));
 
     TextFile::Write(folder + "cut.log", std::string(sampleDump).substr(0, 900));
     EXPECT_EQ(0, Run("--tree cut.log"));
@@ -66,8 +69,13 @@ TEST_F(Program, TellsByItsExitCodeWhatWentWrong)
     EXPECT_EQ(1, Run("--trace /dev/full sample.log"));
     EXPECT_EQ(1, Run("--html ./sample.log sample.log"));
     EXPECT_EQ(sampleDump, Text("sample.log"));
+    EXPECT_EQ(1, Run("--dump 2 sample.log"));
+    EXPECT_EQ("varek-log: sample.log: there is only 1 dump\n", Text("err"));
     EXPECT_EQ(1, Run("err"));
     EXPECT_EQ("varek-log: err: this is not a dump of a flight recorder\n", Text("err"));
+    TextFile::Write(folder + "none.dmp", "MDMP");
+    EXPECT_EQ(1, Run("none.dmp"));
+    EXPECT_NE(std::string::npos, Text("err").find("does not hold a flight recorder; one that"));
     EXPECT_EQ(0, Run("--tree --class Pumps sample.log"));
     EXPECT_EQ("varek-log: nothing passes the filters\n", Text("err"));
     EXPECT_EQ(2, Run("--nothing"));

@@ -2,9 +2,8 @@
 
 #include "diagnostics/KLogger.h"
 #include "tests/support/LeakCheck.h"
+#include "tests/viewer/SampleDump.h"
 #include "tests/viewer/TraceRules.h"
-#include "viewer/model/scopes/Timelines.h"
-#include "viewer/reading/text/DumpReader.h"
 #include "viewer/showing/text/Description.h"
 #include "viewer/showing/trace/TraceEvents.h"
 
@@ -22,7 +21,7 @@ Dump DumpOf(KLogger& core)
 {
     std::ostringstream stream;
     core.WriteDump(stream);
-    return DumpReader::Read(stream.str());
+    return ReadText(stream.str());
 }
 
 } // namespace
@@ -83,15 +82,15 @@ TEST(RecorderDump, OfAWrappedRingLacksOnlyWhatTheRingHasLost)
     serve();
     other.join();
 
-    Dump dump = DumpOf(core);
+    Recordings recordings = RecordingsOf(DumpOf(core));
+    Dump& dump = recordings[0].dump;
     EXPECT_EQ(ringSize, dump.records.size());
-    const std::vector<Timeline> timelines = Timelines::Of(dump);
     // A thread that has lost an odd number of records lacks the begin of its outer scope, one that
     // has lost an even number that of an inner one too. Together they have lost an even number.
     const std::size_t lostBegins = dump.findings.lostBegins;
     EXPECT_TRUE(lostBegins == 2 || lostBegins == 4) << lostBegins;
     dump.findings.lostBegins = 0;
     EXPECT_EQ(std::vector<std::string>(), dump.findings.Sentences());
-    EXPECT_EQ("", BrokenTraceRule(TraceEvents::Compose(dump, timelines, "ring"), ringSize));
+    EXPECT_EQ("", BrokenTraceRule(TraceEvents::Compose(recordings), ringSize));
     EXPECT_NE("(unknown)", dump.WallClockAt(0));
 }

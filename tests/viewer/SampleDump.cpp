@@ -1,8 +1,10 @@
 #include "tests/viewer/SampleDump.h"
 
-#include "viewer/forms/TextForms.h"
 #include "viewer/model/records/EventKind.h"
-#include "viewer/reading/text/DumpReader.h"
+#include "viewer/reading/DumpFile.h"
+
+#include <map>
+#include <sstream>
 
 const char sampleDump[] =
     R"(%% Reference time: -1.750000 is approximately 532ms past Sun Nov 15 15:12:20 2026
@@ -30,6 +32,24 @@ const char sampleDump[] =
 namespace
 {
 
+const char emptyDump[] = "%% Reference time: 0.000000 is wrong.\n%%\n";
+
+/// Whole seconds rounded down, and what is to be added.
+std::string Age(std::int64_t microseconds)
+{
+    const std::int64_t fraction = (microseconds % 1000000 + 1000000) % 1000000;
+    return std::to_string((microseconds - fraction) / 1000000) + "." +
+           std::to_string(1000000 + fraction).substr(1);
+}
+
+std::int32_t IdOf(const std::string& name)
+{
+    std::uint32_t id = 0;
+    for (const char letter : name)
+        id = id * 31 + static_cast<unsigned char>(letter);
+    return static_cast<std::int32_t>(id);
+}
+
 std::string ShapeOf(const TimelineEntry& entry)
 {
     const std::string begin = std::to_string(entry.begin);
@@ -42,21 +62,45 @@ std::string ShapeOf(const TimelineEntry& entry)
 
 } // namespace
 
-std::string RecordLines(std::int64_t microseconds, std::int32_t kind, char function,
+Dump ReadText(const std::string& text)
+{
+    return DumpFile::Choose(DumpFile::Read(text), 0);
+}
+
+Recordings RecordingsOf(Dump dump, const RecordFilter& filter)
+{
+    Recordings recordings;
+    recordings.emplace_back(std::move(dump), "some.log");
+    recordings.back().Keep(filter);
+    return recordings;
+}
+
+Recordings RecordingsOf(const std::string& text)
+{
+    return RecordingsOf(ReadText(text));
+}
+
+std::string RecordLines(std::int64_t microseconds, std::int32_t kind, const std::string& place,
                         std::int32_t thread)
 {
-    const std::string parameters = kind == EventKind::TimingPoint ? " (0, 0)" : "";
+    const std::size_t point = place.find('.');
+    const std::string className = point == std::string::npos ? "C" : place.substr(0, point);
+    const std::string function = place.substr(point + 1);
+    const std::string parameters = kind == EventKind::TimingPoint ? " (0, 0)"
+                                   : EventKind::IsError(kind)     ? " (unknown)"
+                                                                  : "";
     const std::string inThread =
         thread == 0 ? "" : " in_thread " + std::to_string(thread) + " (unknown)";
-    return "% " + std::string(EventKind::Name(kind)) + parameters + " in_class C at " + function +
-           " for_object 0000000000000000 (unknown)" + inThread + "\n    " +
-           TextForms::Seconds(microseconds) + ", " + std::to_string(kind) + ", 0, 0, 10, " +
-           std::to_string(function) + ", 0, " + std::to_string(thread) + "\n";
+    return "% " + std::string(EventKind::Name(kind)) + parameters + " in_class " + className +
+           " at " + function + " for_object 0000000000000000 (unknown)" + inThread + "\n    " +
+           Age(microseconds) + ", " + std::to_string(kind) + ", 0, 0, " +
+           std::to_string(IdOf(className)) + ", " + std::to_string(IdOf(function)) + ", 0, " +
+           std::to_string(thread) + "\n";
 }
 
 Dump DumpOf(const std::string& story)
 {
-    std::string text = "%% Reference time: 0.000000 is wrong.\n%%\n";
+    std::string text = emptyDump;
     std::int64_t time = 0;
     std::int32_t thread = 7;
     for (std::size_t at = 0; at < story.size(); ++at) {
@@ -64,15 +108,30 @@ Dump DumpOf(const std::string& story)
         if (letter >= '0' && letter <= '9')
             thread = letter - '0';
         else if (letter == '+')
-            text += RecordLines(time++, EventKind::ScopePush, story[++at], thread);
+            text += RecordLines(time++, EventKind::ScopePush, {story[++at]}, thread);
         else if (letter == '-')
-            text += RecordLines(time++, EventKind::ScopePop, story[++at], thread);
+            text += RecordLines(time++, EventKind::ScopePop, {story[++at]}, thread);
         else if (letter == '.')
-            text += RecordLines(time++, EventKind::TimingPoint, 'p', thread);
+            text += RecordLines(time++, EventKind::TimingPoint, "p", thread);
         else if (letter == '~')
-            text += RecordLines(time++, EventKind::ScopePop, 'p', 0);
+            text += RecordLines(time++, EventKind::ScopePop, "p", 0);
     }
-    return DumpReader::Read(text);
+    return ReadText(text);
+}
+
+Dump DumpOfPlaces(const std::string& story)
+{
+    const std::map<char, std::int32_t> kinds = {{'+', EventKind::ScopePush},
+                                                {'-', EventKind::ScopePop},
+                                                {'.', EventKind::TimingPoint},
+                                                {'!', EventKind::RootError},
+                                                {'*', EventKind::DismissedError}};
+    std::string text = emptyDump;
+    std::istringstream words(story);
+    std::int64_t time = 0;
+    for (std::string word; words >> word; ++time)
+        text += RecordLines(time, kinds.at(word[1]), word.substr(2), word[0] - '0');
+    return ReadText(text);
 }
 
 std::string Shape(const std::vector<Timeline>& timelines)

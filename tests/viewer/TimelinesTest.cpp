@@ -2,7 +2,6 @@
 
 #include "tests/viewer/SampleDump.h"
 #include "viewer/CommandLine.h"
-#include "viewer/reading/text/DumpReader.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +12,7 @@ namespace
 std::string ShapeOf(Dump dump, const std::vector<std::filesystem::path>& options = {})
 {
     std::vector<Timeline> timelines = Timelines::Of(dump);
-    Timelines::Keep(CommandLine::Parse(options).filter, dump.names, timelines);
+    Timelines::Keep(CommandLine::Parse(options).FilterFor(dump), dump.names, timelines);
     return Shape(timelines);
 }
 
@@ -65,7 +64,7 @@ TEST(Timelines, KeepWhatPassesAFilterNestedInWhatStays)
               ShapeOf(DumpOf("+a+b.-b.-a+c"), {"--from", "2e-6", "--to", "3e-6"}));
     EXPECT_EQ("2: b1-2", ShapeOf(DumpOf("1+a2+b-b1-a"), {"--thread", "2"}));
 
-    const Dump sample = DumpReader::Read(sampleDump);
+    const Dump sample = ReadText(sampleDump);
     const char drain[] = "36: \314300-320 >\314310"; // 204 is its function
     EXPECT_EQ(drain, ShapeOf(sample, {"--class", "Pump"}));
     EXPECT_EQ(drain, ShapeOf(sample, {"--object", "0xfffffffffffffff0"}));

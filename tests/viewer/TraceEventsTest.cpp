@@ -3,8 +3,7 @@
 #include "tests/viewer/SampleDump.h"
 #include "tests/viewer/TraceRules.h"
 #include "viewer/model/records/EventKind.h"
-#include "viewer/model/scopes/Timelines.h"
-#include "viewer/reading/text/DumpReader.h"
+#include "viewer/showing/page/TimelinePage.h"
 
 #include <gtest/gtest.h>
 
@@ -15,15 +14,14 @@ namespace
 
 std::string TraceOf(Dump dump)
 {
-    const std::vector<Timeline> timelines = Timelines::Of(dump);
-    return TraceEvents::Compose(dump, timelines, "some.log");
+    return TraceEvents::Compose(RecordingsOf(std::move(dump)));
 }
 
 } // namespace
 
 TEST(TraceEvents, OfASmallDump)
 {
-    const std::string text = TraceOf(DumpReader::Read(sampleDump));
+    const std::string text = TraceOf(ReadText(sampleDump));
     EXPECT_EQ("", BrokenTraceRule(text, 9));
     const Json trace = Json::parse(text);
     EXPECT_EQ(Json::parse(R"({"source": "some.log", "records": 9, "begin": 0, "end": 12345901,
@@ -52,8 +50,9 @@ TEST(TraceEvents, OfASmallDump)
     EXPECT_EQ(Json::parse(R"({"name": "Root_error RunsDry", "ph": "i", "s": "t", "cat": "error",
                               "ts": 310, "pid": 1, "tid": 36,
                               "args": {"place": "Pump.Drain", "code": "RunsDry", "line": 38,
-                                       "depth": 2, "object": "0xFFFFFFFFFFFFFFF0"}})"),
+                                       "depth": 2, "object": "0xFFFFFFFFFFFFFFF0", "dismissed": 400}})"),
               events[4]);
+    EXPECT_EQ(310, events[5]["args"]["dismisses"]);
     EXPECT_EQ("off, in_class at", events[7]["args"]["state"]);
     EXPECT_EQ("Timing_point (1, -2)", events[8]["name"]);
 }
@@ -74,19 +73,20 @@ TEST(TraceEvents, KeepTheRulesWhateverTheRecordsSay)
 
 TEST(TraceEvents, EscapeWhatJsonOrAPageWouldMistake)
 {
-    std::string lines = RecordLines(0, EventKind::ScopePush, 'f');
+    std::string lines = RecordLines(0, EventKind::ScopePush, "f");
     lines.replace(lines.find("(unknown)"), 9, "(</script>\"\\\xE4)");
-    const std::string text = TraceOf(DumpReader::Read(lines));
-    EXPECT_EQ(std::string::npos, text.find('<'));
+    const std::string text = TraceOf(ReadText(lines));
+    const std::string page = TimelinePage::Compose(text);
+    EXPECT_EQ(std::string::npos, page.find("</script>\\\""));
+    EXPECT_NE(std::string::npos, page.find("\\u003c/script>\\\""));
     EXPECT_EQ("</script>\"\\\xC3\xA4", Json::parse(text)["traceEvents"][1]["args"]["objectName"]);
 }
 
 TEST(TraceEvents, BeginWithZeroAtTheLatest)
 {
-    std::string lines = RecordLines(0, EventKind::ScopePush, 'f');
+    std::string lines = RecordLines(0, EventKind::ScopePush, "f");
     lines.replace(lines.find("0.000000"), 8, "-1.750000");
-    const std::string text =
-        TraceOf(DumpReader::Read(lines + RecordLines(1, EventKind::ScopePop, 'f')));
+    const std::string text = TraceOf(ReadText(lines + RecordLines(1, EventKind::ScopePop, "f")));
     EXPECT_EQ("", BrokenTraceRule(text, 2));
     EXPECT_EQ(250001, Json::parse(text)["traceEvents"][1]["dur"]);
 }

@@ -25,7 +25,8 @@ std::string BrokenTraceRule(const std::string& text, std::size_t records)
     std::map<std::uint64_t, std::vector<std::uint64_t>> openEndsByThread;
     const Json trace = Json::parse(text);
     for (const Json& event : trace.at("traceEvents")) {
-        const std::uint64_t thread = event.at("tid");
+        const std::uint64_t thread =
+            event.at("pid").get<std::uint64_t>() << 32 | event.at("tid").get<std::uint64_t>();
         const bool isKnown = openEndsByThread.count(thread) == 1;
         std::vector<std::uint64_t>& openEnds = openEndsByThread[thread];
         if (event.at("ph") == "M") {
@@ -35,6 +36,8 @@ std::string BrokenTraceRule(const std::string& text, std::size_t records)
         }
         if (!isKnown || event.at("name") == "" || !event.at("ts").is_number_unsigned())
             return "thread, name and time: " + event.dump();
+        if (event.value("cat", "") == "flow")
+            continue;
         if (event.at("ph") == "X" && !Nests(event, openEnds))
             return "nesting: " + event.dump();
         const Json& args = event.at("args");

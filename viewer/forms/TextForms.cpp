@@ -28,6 +28,11 @@ std::string TextForms::Address(std::uint64_t address)
     return digits;
 }
 
+std::string TextForms::Count(std::size_t number, const std::string& noun)
+{
+    return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
+}
+
 std::string TextForms::AlignRight(const std::string& text, std::size_t width)
 {
     return Blanks(text, width) + text;

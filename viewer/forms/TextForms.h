@@ -13,6 +13,9 @@ std::string Seconds(std::int64_t microseconds);
 /// Sixteen upper-case hexadecimal digits, as in a dump.
 std::string Address(std::uint64_t address);
 
+/// "1 record", "2 records"
+std::string Count(std::size_t number, const std::string& noun);
+
 /// Filled with blanks at the front, to `width` characters.
 std::string AlignRight(const std::string& text, std::size_t width);
 

@@ -33,7 +33,7 @@ const std::string& NameOr(const std::string& absent, const Map& names, typename 
 
 } // namespace
 
-void DumpNames::Learn(const DumpRecord& record, const RecordText& text)
+void DumpNames::Learn(const DumpRecord& record, const RecordNames& text)
 {
     Insert(ids, record.classId, text.className);
     Insert(ids, record.pointId, text.function);
@@ -77,4 +77,10 @@ std::string DumpNames::Parameter(const DumpRecord& record) const
     if (record.kind == EventKind::MessageSend)
         return NameOr(number, messages, record.param1);
     return none;
+}
+
+std::string DumpNames::Error(const DumpRecord& record) const
+{
+    const std::string code = Parameter(record);
+    return (code.empty() ? "no code" : code) + " at " + Class(record) + "." + Function(record);
 }

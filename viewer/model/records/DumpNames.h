@@ -1,7 +1,7 @@
 #pragma once
 
 #include "viewer/model/records/DumpRecord.h"
-#include "viewer/reading/text/RecordText.h"
+#include "viewer/model/records/RecordNames.h"
 
 #include <string>
 #include <unordered_map>
@@ -13,7 +13,7 @@
 class DumpNames
 {
 public:
-    void Learn(const DumpRecord& record, const RecordText& text);
+    void Learn(const DumpRecord& record, const RecordNames& text);
 
     /// Names as UTF-8, empty where there is none.
     const std::string& Object(const DumpRecord& record) const;
@@ -27,6 +27,9 @@ public:
     /// "7" where there is none. Empty for errors without a code, as dismissed ones are, and for
     /// other kinds.
     std::string Parameter(const DumpRecord& record) const;
+
+    /// "CannotOpen at FileReader.FileReader": what one error has in common with others.
+    std::string Error(const DumpRecord& record) const;
 
 private:
     template <class Key>

@@ -1,5 +1,8 @@
 #include "viewer/model/records/EventKind.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace
 {
 
@@ -45,6 +48,12 @@ const Kind& Find(std::int32_t number)
 std::string_view EventKind::Name(std::int32_t kind)
 {
     return Find(kind).name;
+}
+
+bool EventKind::IsName(std::string_view name)
+{
+    const auto hasName = [&](const Kind& kind) { return kind.name == name; };
+    return std::any_of(std::begin(kinds), std::end(kinds), hasName);
 }
 
 std::string_view EventKind::Category(std::int32_t kind)

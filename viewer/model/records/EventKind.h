@@ -48,6 +48,9 @@ constexpr bool HasPlace(std::int32_t kind)
 /// As the dump writes it, "unknown event" for what has no name.
 std::string_view Name(std::int32_t kind);
 
+/// Whether some kind has this name.
+bool IsName(std::string_view name);
+
 /// One word for the kinds of one sort, for viewers that filter or colour by it: scope, error,
 /// state, lifetime, timing, message, log, other.
 std::string_view Category(std::int32_t kind);

@@ -24,18 +24,40 @@ public:
 
 } // namespace
 
+std::string Findings::DumpsBeside() const
+{
+    if (!recordersBeside.empty())
+        return "The minidump holds several recorders, " + recordersBeside +
+               "; this is the last unless --dump chooses another.";
+    return "The file holds " + std::to_string(dumpsBeside + 1) +
+           " dumps; this one begins at line " + std::to_string(firstLine) +
+           ", and --dump chooses another.";
+}
+
 std::vector<std::string> Findings::Sentences() const
 {
     Report report;
     report.Say(noHeader, "The header is missing, so the wall clock is unknown.");
     report.Say(headerDamaged, "The header is damaged, so the wall clock is unknown.");
     report.Say(noWallClock, "The recorder did not know the wall clock.");
+    report.Say(namesMissing, "The minidump does not hold all names.");
+    report.Say(notMerged, "Without wall clocks it cannot be merged: its times are its own.");
     report.Say(cutOff, "The end is cut off in the middle of a record.");
-    report.Say(secondDumpLine != 0, "Another dump begins at line " +
-                                        std::to_string(secondDumpLine) + "; it was not read.");
+    report.Say(wasMailed, "Lines had been quoted, indented, trimmed or wrapped; they were put back "
+                          "together.");
+    report.Say(guessedUtf16, "The text was taken for UTF-16, though no mark says so.");
+    report.Say(dumpsBeside != 0, DumpsBeside());
+    report.Count(ageJumps,
+                 "time the ages jump back, to another reference; they were put on one axis.",
+                 "times the ages jump back, to another reference; they were put on one axis.");
     report.Count(tornRecords,
                  "record is torn: its readable line and its numbers do not fit each other.",
                  "records are torn: their readable lines and their numbers do not fit each other.");
+    report.Count(
+        doubtfulNames,
+        "line can be read in several ways, since names have \" at \" or \" in_class \" in them.",
+        "lines can be read in several ways, since names have \" at \" or \" in_class \" in "
+        "them.");
     report.Count(halfWritten, "record was still being written, and has no thread.",
                  "records were still being written, and have no thread.");
     report.Count(outOfBounds, "record was out of bounds.", "records were out of bounds.");

@@ -8,11 +8,19 @@
 struct Findings {
     bool noHeader = false;
     bool headerDamaged = false;
-    bool noWallClock = false; ///< the recorder itself did not know it
+    bool noWallClock = false;  ///< the recorder itself did not know it
+    bool notMerged = false;    ///< without a wall clock to merge it by
+    bool namesMissing = false; ///< the minidump does not hold them all
     bool cutOff = false;
-    std::size_t secondDumpLine = 0; ///< where another dump begins, 0 for nowhere
-    std::size_t tornRecords = 0;    ///< whose two lines differ, or of which one is missing
-    std::size_t halfWritten = 0;    ///< without a thread, which a writer stores last
+    bool wasMailed = false;        ///< lines had been quoted, indented, trimmed or wrapped
+    bool guessedUtf16 = false;     ///< without a mark that says so
+    std::size_t firstLine = 0;     ///< where the header stands in its text, from 1
+    std::size_t dumpsBeside = 0;   ///< in the same file
+    std::string recordersBeside;   ///< of a minidump: what they are
+    std::size_t ageJumps = 0;      ///< places at which the ages went over to another reference
+    std::size_t tornRecords = 0;   ///< whose two lines differ, or of which one is missing
+    std::size_t doubtfulNames = 0; ///< lines that can be read in several ways
+    std::size_t halfWritten = 0;   ///< without a thread, which a writer stores last
     std::size_t outOfBounds = 0;
     std::size_t outOfOrder = 0; ///< later in the dump than a later event of the same thread
     std::size_t foreignLines = 0;
@@ -23,4 +31,6 @@ struct Findings {
 
     /// A sentence for each.
     std::vector<std::string> Sentences() const;
+
+    std::string DumpsBeside() const;
 };

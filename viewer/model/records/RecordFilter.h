@@ -17,5 +17,12 @@ struct RecordFilter {
     std::int64_t to = std::numeric_limits<std::int64_t>::max();   ///< microseconds, inclusive
 
     bool Passes(const DumpRecord& record, const DumpNames& names) const;
+    bool WantsAll() const
+    {
+        return thread.empty() && className.empty() && object.empty() &&
+               from == std::numeric_limits<std::int64_t>::min() &&
+               to == std::numeric_limits<std::int64_t>::max();
+    }
+
     bool IsInTime(std::int64_t begin, std::int64_t end) const { return begin <= to && end >= from; }
 };

@@ -38,9 +38,13 @@ std::optional<WallClock> WallClock::Parse(std::string_view date, std::int64_t mi
     return WallClock(SecondsOf(fields) * million + milliseconds * 1000);
 }
 
-WallClock WallClock::After(std::int64_t later) const
+std::int64_t WallClock::OfDate(int year, int month, int day)
 {
-    return WallClock(microseconds + later);
+    std::tm date = {};
+    date.tm_year = year - 1900;
+    date.tm_mon = month - 1;
+    date.tm_mday = day;
+    return SecondsOf(date) * million;
 }
 
 std::string WallClock::Text() const

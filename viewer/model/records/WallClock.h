@@ -12,14 +12,16 @@ public:
     /// From the date in the header, such as "Sat Nov 21 07:53:48 2026", and milliseconds past it.
     static std::optional<WallClock> Parse(std::string_view date, std::int64_t milliseconds);
 
-    /// This moment and `microseconds` more.
-    WallClock After(std::int64_t microseconds) const;
+    /// Midnight of a date, in microseconds since 1970 began.
+    static std::int64_t OfDate(int year, int month, int day);
+
+    explicit WallClock(std::int64_t sinceEpoch) : microseconds(sinceEpoch) {}
+
+    std::int64_t SinceEpoch() const { return microseconds; }
 
     /// "2026-11-21 07:53:48.377"
     std::string Text() const;
 
 private:
-    explicit WallClock(std::int64_t sinceEpoch) : microseconds(sinceEpoch) {}
-
     std::int64_t microseconds; // since 1970 began there
 };

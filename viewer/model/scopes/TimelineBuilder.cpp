@@ -26,7 +26,8 @@ void TimelineBuilder::Add(const DumpRecord& record)
 void TimelineBuilder::AddEntry(const DumpRecord& record, bool isScope)
 {
     const std::size_t depth = open.size() - lostBegins.size();
-    timeline.entries.push_back({&record, record.time, record.time, depth, isScope, false, false});
+    timeline.entries.push_back(
+        {&record, record.time, record.time, 0, static_cast<std::uint32_t>(depth), isScope});
 }
 
 void TimelineBuilder::Push(const DumpRecord& record)
@@ -53,7 +54,8 @@ void TimelineBuilder::PopLostPush(const DumpRecord& record)
 {
     if (open.empty()) {
         const std::size_t depth = ~lostBegins.size(); // one less than what it holds
-        lostBegins.push_back({&record, dumpBegin, record.time, depth, true, true, false});
+        lostBegins.push_back(
+            {&record, dumpBegin, record.time, 0, static_cast<std::uint32_t>(depth), true, true});
     } else {
         AddEntry(record, false);
         ++strayEnds;
@@ -66,17 +68,20 @@ void TimelineBuilder::CloseInnermost(std::int64_t time, bool lostEnd)
     open.pop_back();
     --openByKey[ScopeKeyOf(*scope.record)];
     scope.end = time;
+    scope.self += scope.Duration();
     scope.lostEnd = lostEnd;
     lostEnds += lostEnd;
+    if (!open.empty())
+        timeline.entries[open.back()].self -= scope.Duration();
 }
 
 Timeline TimelineBuilder::Finish(std::int64_t dumpEnd, Findings& findings)
 {
-    while (!open.empty())
-        CloseInnermost(dumpEnd, true);
+    for (; !open.empty(); CloseInnermost(dumpEnd, true))
+        timeline.entries[open.back()].isOpen = true;
     timeline.entries.insert(timeline.entries.begin(), lostBegins.rbegin(), lostBegins.rend());
     for (TimelineEntry& entry : timeline.entries)
-        entry.depth += lostBegins.size();
+        entry.depth += static_cast<std::uint32_t>(lostBegins.size());
 
     findings.lostBegins += lostBegins.size();
     findings.lostEnds += lostEnds;

@@ -41,7 +41,7 @@ void KeepEntries(const RecordFilter& filter, const DumpNames& names,
             continue;
         const std::size_t formerDepth = entry.depth;
         entries[kept] = entry;
-        entries[kept++].depth = scopeDepths.size();
+        entries[kept++].depth = static_cast<std::uint32_t>(scopeDepths.size());
         if (entry.isScope)
             scopeDepths.push_back(formerDepth);
     }

@@ -11,9 +11,8 @@ void EventCounts::Add(const DumpRecord& record)
     ++cell.count;
 }
 
-std::vector<EventCounts::OfClass> EventCounts::ByClass(const DumpNames& names) const
+void EventCounts::Name(const DumpNames& names)
 {
-    std::map<std::string, OfClass> byName;
     for (const auto& [key, cell] : cells) {
         const std::string& name = names.Class(*cell.example);
         OfClass& counts = byName[name];
@@ -21,7 +20,11 @@ std::vector<EventCounts::OfClass> EventCounts::ByClass(const DumpNames& names) c
         counts.total += cell.count;
         counts.byKind[EventKind::Name(cell.example->kind)] += cell.count;
     }
+    cells.clear();
+}
 
+std::vector<EventCounts::OfClass> EventCounts::ByClass() const
+{
     std::vector<OfClass> classes;
     classes.reserve(byName.size());
     for (const auto& [name, counts] : byName)

@@ -18,8 +18,12 @@ public:
 
     void Add(const DumpRecord& record);
 
-    /// Most frequent first. Classes of one name are one: each module has an id of its own for it.
-    std::vector<OfClass> ByClass(const DumpNames& names) const;
+    /// Gives what has been added since the last time its names: ids are those of one dump.
+    void Name(const DumpNames& names);
+
+    /// Of what has been named, most frequent first. Classes of one name are one: each module has an
+    /// id of its own for it.
+    std::vector<OfClass> ByClass() const;
 
 private:
     struct Cell {
@@ -28,4 +32,5 @@ private:
     };
 
     std::unordered_map<std::uint64_t, Cell> cells; // by ids of class and kind
+    std::map<std::string, OfClass> byName;
 };

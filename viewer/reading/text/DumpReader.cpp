@@ -4,7 +4,6 @@
 #include "viewer/reading/text/RecordText.h"
 
 #include <algorithm>
-#include <unordered_map>
 
 namespace
 {
@@ -26,31 +25,36 @@ std::string_view Trimmed(std::string_view line)
     return line;
 }
 
-bool IsEarlier(const DumpRecord& one, const DumpRecord& other)
-{
-    return one.time < other.time;
-}
-
 } // namespace
 
-Dump DumpReader::Read(std::string_view text)
+std::vector<Dump> DumpReader::ReadAll(std::string_view text)
 {
     DumpReader reader(text);
     reader.ReadLines();
-    reader.Finish();
-    return std::move(reader.dump);
+    reader.EndDump();
+    return std::move(reader.dumps);
+}
+
+DumpReader::DumpReader(std::string_view text) : text(text)
+{
+    dump.records.reserve(text.size() / usualRecordLength);
 }
 
 void DumpReader::ReadLines()
 {
-    dump.records.reserve(text.size() / usualRecordLength);
-    while (next < text.size() && dump.findings.secondDumpLine == 0) {
-        const std::size_t end = std::min(text.find('\n', next), text.size());
-        const std::string_view line = Trimmed(text.substr(next, end - next));
+    while (next < text.size()) {
+        const std::string_view line = NextLine(next);
         ++lineNumber;
-        TakeLine(line, end < text.size());
-        next = end + 1;
+        TakeLine(Trimmed(line), line.back() == '\n');
     }
+}
+
+/// With its line end, which the last line may lack.
+std::string_view DumpReader::NextLine(std::size_t& position) const
+{
+    const std::size_t begin = position;
+    position = std::min(text.find('\n', begin), text.size() - 1) + 1;
+    return text.substr(begin, position - begin);
 }
 
 void DumpReader::TakeLine(std::string_view line, bool isWhole)
@@ -59,7 +63,7 @@ void DumpReader::TakeLine(std::string_view line, bool isWhole)
         TakeReadable(line);
     else if (TakeNumbers(line, isWhole))
         readable = nullptr;
-    else if (BeginsWith(line, headerLead))
+    else if (BeginsWith(line, headerLead) && !IsInName())
         TakeHeader(line);
     else
         TakeOther(line, isWhole);
@@ -81,11 +85,11 @@ bool DumpReader::TakeNumbers(std::string_view line, bool isWhole)
     if (!RecordNumbers::Parse(line, record))
         return false;
 
-    const std::optional<RecordText> names = ReadableBefore(line, record);
+    const std::optional<RecordNames> names = ReadableBefore(line, record);
     if (!names && !isWhole)
         return false;
     if (names)
-        Learn(record, *names);
+        Learn(record, *names, ReadableLines(line));
     else
         ++dump.findings.tornRecords;
     if (record.threadId == 0)
@@ -94,29 +98,52 @@ bool DumpReader::TakeNumbers(std::string_view line, bool isWhole)
     return true;
 }
 
-std::optional<RecordText> DumpReader::ReadableBefore(std::string_view line,
-                                                     const DumpRecord& record) const
+std::optional<RecordNames> DumpReader::ReadableBefore(std::string_view line,
+                                                      const DumpRecord& record) const
 {
     if (!readable)
         return std::nullopt;
-    const std::string_view lines(readable, static_cast<std::size_t>(line.data() - readable));
-    return RecordText::Parse(Trimmed(lines), record);
+    return RecordText::Parse(ReadableLines(line), record);
 }
 
-void DumpReader::Learn(const DumpRecord& record, const RecordText& names)
+/// What stands from the readable line up to `line`.
+std::string_view DumpReader::ReadableLines(std::string_view line) const
 {
-    dump.names.Learn(record, names);
+    return Trimmed(std::string_view(readable, static_cast<std::size_t>(line.data() - readable)));
+}
+
+void DumpReader::Learn(const DumpRecord& record, const RecordNames& names, std::string_view line)
+{
+    if (RecordText::IsDoubtful(line)) {
+        doubtful.Add(record, line);
+        dump.names.Learn(record, {"", "", "", names.object, names.thread});
+    } else {
+        dump.names.Learn(record, names);
+    }
     dump.findings.foreignLines -= linesBehindReadable;
     linesBehindReadable = 0;
 }
 
+// What looks like a header stands in a name if the numbers that follow confirm the whole.
+bool DumpReader::IsInName() const
+{
+    constexpr int mostLinesOfAName = 4;
+    std::size_t position = next;
+    for (int line = 0; readable && position < text.size() && line < mostLinesOfAName; ++line) {
+        const std::string_view numbers = Trimmed(NextLine(position));
+        DumpRecord record;
+        if (RecordNumbers::Parse(numbers, record))
+            return ReadableBefore(numbers, record).has_value();
+    }
+    return false;
+}
+
 void DumpReader::TakeHeader(std::string_view line)
 {
-    if (hasHeader || !dump.records.empty()) {
-        dump.findings.secondDumpLine = lineNumber;
-        return;
-    }
+    if (hasHeader || !dump.records.empty())
+        BeginDump();
     hasHeader = true;
+    dump.findings.firstLine = lineNumber;
     ParseHeader(line.substr(headerLead.size()));
 }
 
@@ -149,27 +176,22 @@ void DumpReader::TakeOther(std::string_view line, bool isWhole)
     }
 }
 
-void DumpReader::Finish()
+void DumpReader::BeginDump()
 {
-    if (!hasHeader && dump.records.empty())
-        throw NotADump();
-    dump.findings.noHeader = !hasHeader;
-    if (readable)
-        dump.findings.cutOff = true;
-    PutInOrder();
+    EndDump();
+    dump = Dump();
+    doubtful = DoubtfulNames();
+    hasHeader = false;
+    readable = nullptr;
+    linesBehindReadable = 0;
 }
 
-// Races between threads are the rule and not worth a word; a thread by itself is always in order.
-void DumpReader::PutInOrder()
+void DumpReader::EndDump()
 {
-    if (std::is_sorted(dump.records.begin(), dump.records.end(), IsEarlier))
+    if (!hasHeader && dump.records.empty())
         return;
-    std::unordered_map<std::int32_t, std::int64_t> latest;
-    for (const DumpRecord& record : dump.records) {
-        std::int64_t& time = latest.try_emplace(record.threadId, record.time).first->second;
-        if (record.time < time)
-            ++dump.findings.outOfOrder;
-        time = std::max(time, record.time);
-    }
-    std::stable_sort(dump.records.begin(), dump.records.end(), IsEarlier);
+    dump.findings.noHeader = !hasHeader;
+    dump.findings.cutOff |= readable != nullptr;
+    dump.findings.doubtfulNames = doubtful.Resolve(dump.names);
+    dumps.push_back(std::move(dump));
 }

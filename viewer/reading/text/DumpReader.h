@@ -1,41 +1,40 @@
 #pragma once
 
 #include "viewer/model/records/Dump.h"
+#include "viewer/model/records/RecordNames.h"
+#include "viewer/reading/text/DoubtfulNames.h"
 
-#include <stdexcept>
 #include <string_view>
 
-/// A text in which there is nothing of a dump.
-struct NotADump : std::runtime_error {
-    NotADump() : std::runtime_error("this is not a dump of a flight recorder") {}
-};
-
-/// Reads the text of a dump in one pass, and makes the best of what is damaged in it.
+/// Reads the dumps in a text in one pass, and makes the best of what is damaged in them.
 ///
 /// The numbers of a record count; its readable line gives the names, and confirms the numbers. A
-/// line that is neither, before, behind or amid the dump, is skipped. Records are put in order of
-/// time: threads race for their places in the ring, and a ring that goes on while it is dumped
-/// shows its latest records amid older ones.
+/// line that is neither, before, behind or amid a dump, is skipped. Records stay in the order of
+/// the text.
 class DumpReader
 {
 public:
-    /// Raises `NotADump`.
-    static Dump Read(std::string_view text);
+    /// None when there is nothing of a dump in the text.
+    static std::vector<Dump> ReadAll(std::string_view text);
 
 private:
-    explicit DumpReader(std::string_view text) : text(text) {}
+    explicit DumpReader(std::string_view text);
 
     void ReadLines();
+    std::string_view NextLine(std::size_t& position) const;
     void TakeLine(std::string_view line, bool isWhole);
     void TakeReadable(std::string_view line);
     bool TakeNumbers(std::string_view line, bool isWhole);
-    std::optional<RecordText> ReadableBefore(std::string_view line, const DumpRecord& record) const;
-    void Learn(const DumpRecord& record, const RecordText& names);
+    std::string_view ReadableLines(std::string_view line) const;
+    std::optional<RecordNames> ReadableBefore(std::string_view line,
+                                              const DumpRecord& record) const;
+    void Learn(const DumpRecord& record, const RecordNames& names, std::string_view line);
+    bool IsInName() const;
     void TakeHeader(std::string_view line);
     void ParseHeader(std::string_view line);
     void TakeOther(std::string_view line, bool isWhole);
-    void Finish();
-    void PutInOrder();
+    void BeginDump();
+    void EndDump();
 
     const std::string_view text;
     std::size_t next = 0;       // where the next line begins
@@ -45,5 +44,7 @@ private:
     const char* readable = nullptr;
     std::size_t linesBehindReadable = 0;
     bool hasHeader = false;
-    Dump dump;
+    DoubtfulNames doubtful; // of the dump at hand
+    Dump dump;              // at hand
+    std::vector<Dump> dumps;
 };

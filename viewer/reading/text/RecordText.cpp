@@ -61,18 +61,13 @@ bool CutAtFirst(std::string_view mark, std::string_view& text, std::string_view&
     return CutAt(text.find(mark), mark, text, behind);
 }
 
-bool CutAtLast(std::string_view mark, std::string_view& text, std::string_view& behind)
-{
-    return CutAt(text.rfind(mark), mark, text, behind);
-}
-
 std::string_view Unless(std::string_view unknown, std::string_view name)
 {
     return name == unknown ? std::string_view() : name;
 }
 
 /// " for_object 000000001D2C5A40 (name) in_thread 4312 (name)"
-bool TakeObjectAndThread(std::string_view& line, const DumpRecord& record, RecordText& names)
+bool TakeObjectAndThread(std::string_view& line, const DumpRecord& record, RecordNames& names)
 {
     Phrase object;
     object.Text(" for_object ").Text(TextForms::Address(record.object)).Text(" (");
@@ -89,25 +84,11 @@ bool TakeObjectAndThread(std::string_view& line, const DumpRecord& record, Recor
     return true;
 }
 
-/// " in_class name at name" or " in_class name at_point number"
-bool TakePlace(std::string_view& line, const DumpRecord& record, RecordText& names)
-{
-    Phrase point;
-    point.Text(" at_point ").Number(record.pointId);
-    const bool isUnnamedPoint = record.kind == EventKind::TimingPoint && TakeBack(line, point);
-
-    if (!isUnnamedPoint && !CutAtLast(" at ", line, names.function))
-        return false;
-    if (!CutAtLast(" in_class ", line, names.className))
-        return false;
-
-    names.function = Unless("(unknown)", names.function);
-    names.className = Unless("(unknown)", names.className);
-    return true;
-}
+constexpr std::string_view classMark = " in_class ";
+constexpr std::string_view functionMark = " at ";
 
 bool TakeName(std::string_view& line, std::string_view lead, std::string_view unknown,
-              RecordText& names)
+              RecordNames& names)
 {
     if (!TakeFront(line, lead))
         return false;
@@ -116,7 +97,7 @@ bool TakeName(std::string_view& line, std::string_view lead, std::string_view un
 }
 
 /// What stands between the kind and the class.
-bool TakeParameter(std::string_view line, const DumpRecord& record, RecordText& names)
+bool TakeParameter(std::string_view line, const DumpRecord& record, RecordNames& names)
 {
     Phrase text;
     if (EventKind::IsError(record.kind))
@@ -130,13 +111,69 @@ bool TakeParameter(std::string_view line, const DumpRecord& record, RecordText& 
     return line == text;
 }
 
+/// Goes through the places of `mark` in `text`, from the last to the first, until `take` answers
+/// true to what is before and behind one.
+template <class Take>
+bool TryCuts(std::string_view text, std::string_view mark, Take take)
+{
+    std::size_t at = text.rfind(mark);
+    while (at != std::string_view::npos) {
+        if (take(text.substr(0, at), text.substr(at + mark.size())))
+            return true;
+        at = at == 0 ? std::string_view::npos : text.rfind(mark, at - 1);
+    }
+    return false;
+}
+
+/// Goes through the readings of a line until `take` answers true to one.
+template <class Take>
+bool TryReadings(std::string_view line, const DumpRecord& record, Take take)
+{
+    RecordNames names;
+    if (!TakeFront(line, "% ") || !TakeFront(line, EventKind::Name(record.kind)) ||
+        !TakeObjectAndThread(line, record, names))
+        return false;
+
+    Phrase point;
+    point.Text(" at_point ").Number(record.pointId);
+    const bool isUnnamedPoint = record.kind == EventKind::TimingPoint && TakeBack(line, point);
+    const auto takeNames = [&](std::string_view className, std::string_view function) {
+        names.className = Unless("(unknown)", className);
+        names.function = Unless("(unknown)", function);
+        return take(names);
+    };
+    return TryCuts(line, classMark, [&](std::string_view front, std::string_view place) {
+        if (!TakeParameter(front, record, names))
+            return false;
+        return isUnnamedPoint ? takeNames(place, "") : TryCuts(place, functionMark, takeNames);
+    });
+}
+
 } // namespace
 
-std::optional<RecordText> RecordText::Parse(std::string_view line, const DumpRecord& record)
+std::optional<RecordNames> RecordText::Parse(std::string_view line, const DumpRecord& record)
 {
-    RecordText names;
-    const bool fits = TakeFront(line, "% ") && TakeFront(line, EventKind::Name(record.kind)) &&
-                      TakeObjectAndThread(line, record, names) && TakePlace(line, record, names) &&
-                      TakeParameter(line, record, names);
-    return fits ? std::optional<RecordText>(names) : std::nullopt;
+    std::optional<RecordNames> reading;
+    TryReadings(line, record, [&](const RecordNames& names) {
+        reading = names;
+        return true;
+    });
+    return reading;
+}
+
+std::vector<RecordNames> RecordText::ParseAll(std::string_view line, const DumpRecord& record)
+{
+    constexpr std::size_t most = 64;
+    std::vector<RecordNames> readings;
+    TryReadings(line, record, [&](const RecordNames& names) {
+        readings.push_back(names);
+        return readings.size() == most;
+    });
+    return readings;
+}
+
+bool RecordText::IsDoubtful(std::string_view line)
+{
+    const auto isTwice = [&](std::string_view mark) { return line.find(mark) != line.rfind(mark); };
+    return isTwice(classMark) || isTwice(functionMark);
 }

@@ -1,22 +1,27 @@
 #pragma once
 
 #include "viewer/model/records/DumpRecord.h"
+#include "viewer/model/records/RecordNames.h"
 
 #include <optional>
-#include <string_view>
+#include <vector>
 
-/// The names in the readable line of a record, each empty where the dump knows none.
+/// The readable line of a record.
 ///
 /// Names can hold anything, also what stands between them in a line. So the line is taken apart
 /// from both ends along the numbers of the record, which it repeats.
-struct RecordText {
-    std::string_view parameter; ///< code of an error, state, message
-    std::string_view className;
-    std::string_view function;
-    std::string_view object;
-    std::string_view thread;
+namespace RecordText
+{
 
-    /// None when `line` does not say what `record` says: one of them is damaged, or they are of two
-    /// records.
-    static std::optional<RecordText> Parse(std::string_view line, const DumpRecord& record);
-};
+/// The names in `line`; none when it does not say what `record` says: one of them is damaged, or
+/// they are of two records. There can be several readings where names have " in_class " or " at "
+/// in them: then this is the one with the longest names in front.
+std::optional<RecordNames> Parse(std::string_view line, const DumpRecord& record);
+
+/// All readings of a line that has one.
+std::vector<RecordNames> ParseAll(std::string_view line, const DumpRecord& record);
+
+/// Whether a line can have several, which is quick to tell.
+bool IsDoubtful(std::string_view line);
+
+} // namespace RecordText

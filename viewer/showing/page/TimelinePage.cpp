@@ -5,10 +5,20 @@ namespace
 
 /// What the build makes of the sources in page/.
 constexpr std::string_view page =
-#include "TimelinePage.inc"
+#include <TimelinePage.inc>
     ;
 
 constexpr std::string_view placeOfTrace = "@TRACE@";
+
+/// A "<" stands in texts only, and could end the script that the trace is part of.
+void AppendForPage(std::string& text, std::string_view json)
+{
+    for (std::size_t bracket; (bracket = json.find('<')) != std::string_view::npos;) {
+        text.append(json.substr(0, bracket)).append("\\u003c");
+        json.remove_prefix(bracket + 1);
+    }
+    text += json;
+}
 
 } // namespace
 
@@ -18,7 +28,7 @@ std::string TimelinePage::Compose(std::string_view trace)
     std::string text;
     text.reserve(page.size() + trace.size());
     text += page.substr(0, place);
-    text += trace;
+    AppendForPage(text, trace);
     text += page.substr(place + placeOfTrace.size());
     return text;
 }

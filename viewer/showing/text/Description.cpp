@@ -36,8 +36,8 @@ std::string Description::Whole(const DumpRecord& record, const DumpNames& names)
     return Event(record, names) + lead + PlaceAndObject(record, names) + line;
 }
 
-std::string Description::Thread(std::int32_t threadId, const DumpNames& names)
+std::string Description::Thread(std::int32_t threadId, const Recording& recording)
 {
-    const std::string& name = names.Thread(threadId);
-    return std::to_string(threadId) + (name.empty() ? "" : " " + name);
+    const std::string& name = recording.dump.names.Thread(threadId);
+    return recording.label + std::to_string(threadId) + (name.empty() ? "" : " " + name);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "viewer/model/records/DumpNames.h"
+#include "viewer/model/Recording.h"
 
 /// What a record says, in words.
 namespace Description
@@ -19,7 +19,7 @@ std::string Event(const DumpRecord& record, const DumpNames& names);
 /// "Root_error RunsDry at Pump.Drain (main pump), line 38"
 std::string Whole(const DumpRecord& record, const DumpNames& names);
 
-/// "260 Command processor thread"
-std::string Thread(std::int32_t threadId, const DumpNames& names);
+/// "260 Command processor thread", and where there are several recordings "host.log: 260 ..."
+std::string Thread(std::int32_t threadId, const Recording& recording);
 
 } // namespace Description

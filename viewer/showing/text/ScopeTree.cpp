@@ -16,38 +16,40 @@ std::string Indent(std::size_t depth)
     return std::string(2 * deepestIndent, ' ') + "[" + std::to_string(depth) + "] ";
 }
 
-} // namespace
-
-std::string ScopeTree::Compose(const Dump& dump, const std::vector<Timeline>& timelines)
-{
-    ScopeTree tree(dump.names);
-    for (const Timeline& timeline : timelines)
-        tree.AddTimeline(timeline);
-    return tree.text;
-}
-
-void ScopeTree::AddTimeline(const Timeline& timeline)
-{
-    text += text.empty() ? "" : "\n";
-    text += "Thread " + Description::Thread(timeline.threadId, names) + "\n";
-    text +=
-        TextForms::AlignRight("time", timeWidth) + TextForms::AlignRight("took", timeWidth) + "\n";
-    for (const TimelineEntry& entry : timeline.entries)
-        AddEntry(entry);
-}
-
-void ScopeTree::AddEntry(const TimelineEntry& entry)
-{
-    const std::string took = entry.isScope ? TextForms::Seconds(entry.end - entry.begin) : "";
-    text += TextForms::AlignRight(TextForms::Seconds(entry.begin), timeWidth);
-    text += TextForms::AlignRight(took, timeWidth);
-    text += "  " + Indent(entry.depth) + TextOf(entry) + "\n";
-}
-
-std::string ScopeTree::TextOf(const TimelineEntry& entry) const
+std::string TextOf(const TimelineEntry& entry, const DumpNames& names)
 {
     if (!entry.isScope)
         return "- " + Description::Whole(*entry.record, names);
     return Description::PlaceAndObject(*entry.record, names) +
            (entry.lostBegin ? ", entered before" : "") + (entry.lostEnd ? ", not left" : "");
+}
+
+} // namespace
+
+std::string ScopeTree::Compose(const Recordings& recordings)
+{
+    ScopeTree tree;
+    for (const Recording& recording : recordings) {
+        for (const Timeline& timeline : recording.timelines)
+            tree.AddTimeline(timeline, recording);
+    }
+    return tree.text;
+}
+
+void ScopeTree::AddTimeline(const Timeline& timeline, const Recording& recording)
+{
+    text += text.empty() ? "" : "\n";
+    text += "Thread " + Description::Thread(timeline.threadId, recording) + "\n";
+    text +=
+        TextForms::AlignRight("time", timeWidth) + TextForms::AlignRight("took", timeWidth) + "\n";
+    for (const TimelineEntry& entry : timeline.entries)
+        AddEntry(entry, recording.dump.names);
+}
+
+void ScopeTree::AddEntry(const TimelineEntry& entry, const DumpNames& names)
+{
+    const std::string took = entry.isScope ? TextForms::Seconds(entry.end - entry.begin) : "";
+    text += TextForms::AlignRight(TextForms::Seconds(entry.begin), timeWidth);
+    text += TextForms::AlignRight(took, timeWidth);
+    text += "  " + Indent(entry.depth) + TextOf(entry, names) + "\n";
 }

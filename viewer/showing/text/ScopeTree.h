@@ -1,7 +1,6 @@
 #pragma once
 
-#include "viewer/model/records/Dump.h"
-#include "viewer/model/scopes/Timeline.h"
+#include "viewer/model/Recording.h"
 
 #include <string>
 #include <vector>
@@ -11,15 +10,11 @@
 class ScopeTree
 {
 public:
-    static std::string Compose(const Dump& dump, const std::vector<Timeline>& timelines);
+    static std::string Compose(const Recordings& recordings);
 
 private:
-    explicit ScopeTree(const DumpNames& names) : names(names) {}
+    void AddTimeline(const Timeline& timeline, const Recording& recording);
+    void AddEntry(const TimelineEntry& entry, const DumpNames& names);
 
-    void AddTimeline(const Timeline& timeline);
-    void AddEntry(const TimelineEntry& entry);
-    std::string TextOf(const TimelineEntry& entry) const;
-
-    const DumpNames& names;
     std::string text;
 };

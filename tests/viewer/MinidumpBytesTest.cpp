@@ -1,0 +1,67 @@
+// Minidumps put together by hand: one recorder with five records, in each kind of list.
+
+#include "tests/viewer/SampleDump.h"
+#include "viewer/reading/minidump/MinidumpDumps.h"
+#include "viewer/reading/TextFile.h"
+#include "viewer/showing/text/ScopeTree.h"
+#include "viewer/showing/text/Summary.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+std::string Seed(const char* name)
+{
+    return TextFile::Read(std::string(VAREK_MINIDUMPS) + name);
+}
+
+/// Whether the viewer makes anything of it, or says that there is nothing to be made.
+bool Tells(const std::string& bytes)
+{
+    try {
+        return !Summary::Compose(RecordingsOf(bytes)).empty();
+    } catch (const std::runtime_error&) {
+        return true;
+    }
+}
+
+} // namespace
+
+TEST(MinidumpBytes, TellTheSameFromEachKindOfList)
+{
+    for (const char* name : {"streams", "list", "list64"}) {
+        const Recordings recordings = RecordingsOf(Seed(name));
+        EXPECT_EQ(R"(Thread 7 Host
+         time         took
+     0.000000               - Construction at Pump.Pump (main pump), line 32
+     0.000100     0.000300  Pump.Drain (main pump)
+     0.000200                 - Root_error RunsDry at Pump.Drain (main pump), line 38
+
+Thread 8
+         time         took
+     0.000300               - State_change to Running at Pump.Drain (main pump)
+)",
+                  ScopeTree::Compose(recordings))
+            << name;
+        const Dump& dump = recordings[0].dump;
+        EXPECT_EQ("2026-11-15 15:12:20.532", dump.WallClockAt(dump.reference));
+        EXPECT_EQ("pump.exe on Windows 10.0.19045, 8 processors", dump.process);
+        EXPECT_EQ("access violation C0000005 at pump.exe+1234, writing 0000000000000018",
+                  dump.crash->what);
+        EXPECT_EQ(std::vector<std::string>(), dump.findings.Sentences());
+    }
+}
+
+// Cut anywhere, or with any four bytes replaced, they are read or refused.
+TEST(MinidumpBytes, CanSayAnything)
+{
+    for (const char* name : {"streams", "list64"}) {
+        const std::string bytes = Seed(name);
+        for (std::size_t at = 4; at + 4 <= bytes.size(); ++at) {
+            ASSERT_TRUE(Tells(bytes.substr(0, at)));
+            for (const char byte : {'\0', '\x7F', '\xFF'})
+                ASSERT_TRUE(Tells(std::string(bytes).replace(at, 4, 4, byte)));
+        }
+    }
+}
