@@ -8,5 +8,7 @@ set(CMAKE_C_COMPILER_TARGET x86_64-w64-windows-gnu)
 set(CMAKE_CXX_COMPILER_TARGET x86_64-w64-windows-gnu)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 set(CMAKE_DLLTOOL x86_64-w64-mingw32-dlltool)
+# The standard library is built by the other compiler, which keeps a thread's own objects so.
+set(CMAKE_CXX_FLAGS_INIT -femulated-tls)
 set(CMAKE_EXE_LINKER_FLAGS_INIT -pthread)
 set(CMAKE_SHARED_LINKER_FLAGS_INIT -pthread)

@@ -2,22 +2,30 @@
 
 #include <cstddef>
 #include <cstdint>
+#if __SIZEOF_WCHAR_T__ == 4
+#include <smmintrin.h>
+#else
 #include <emmintrin.h>
+#endif
 
 /// Neighbouring characters looked at all at once, with what every 64-bit x86 has. Answers are sets
 /// of bits, the lowest one for the first character.
 namespace XmlBlocks
 {
 
-static_assert(sizeof(wchar_t) == 2, "the document engine is about 16-bit characters");
-
 /// Characters in a vector.
 constexpr std::ptrdiff_t Lanes = 8;
 
-/// The characters from `at` on, all of which must be readable.
+/// The characters from `at` on, all of which must be readable. Where characters have more than 16
+/// bits, which is nowhere that this ships, those that need them become 65535.
 inline __m128i Load(const wchar_t* at)
 {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+    const __m128i* const blocks = reinterpret_cast<const __m128i*>(at);
+#if __SIZEOF_WCHAR_T__ == 4
+    return _mm_packus_epi32(_mm_loadu_si128(blocks), _mm_loadu_si128(blocks + 1));
+#else
+    return _mm_loadu_si128(blocks);
+#endif
 }
 
 /// One character as often as a vector has room.
