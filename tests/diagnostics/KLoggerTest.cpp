@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <ctime>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <random>
@@ -107,15 +108,16 @@ KLogRecord* Ring(KLogger& core)
     return *reinterpret_cast<KLogRecord**>(&core);
 }
 
-/// Whether `action` returns on a thread of its own; where it does not, the thread is ended.
-bool Returns(std::function<void()> action)
+/// Whether `action` returns on a thread of its own, as it is expected to or not; where it does not,
+/// the thread is ended.
+bool Returns(bool expected, std::function<void()> action)
 {
     const LPTHREAD_START_ROUTINE run = [](void* context) -> DWORD {
         (*static_cast<std::function<void()>*>(context))();
         return 0;
     };
     const HANDLE thread = CreateThread(nullptr, 0, run, &action, 0, nullptr);
-    const bool returned = WaitForSingleObject(thread, 100) == WAIT_OBJECT_0;
+    const bool returned = WaitForSingleObject(thread, expected ? 20000 : 50) == WAIT_OBJECT_0;
     TerminateThread(thread, 0);
     CloseHandle(thread);
     return returned;
@@ -181,7 +183,7 @@ TEST(KLogger, HeaderTellsTheStartByBothClocks)
     const std::string header = TakeDump(core), date = header.substr(header.find(" past ") + 6, 25);
     EXPECT_TRUE(date == _ctime64(&early) || date == _ctime64(&late)) << header;
     EXPECT_EQ(0u, header.find("%% Reference time: "));
-    EXPECT_NEAR(std::stod(Age(now.QuadPart)), std::stod(header.substr(19)), 1);
+    EXPECT_NEAR(std::stod(Age(now.QuadPart)), std::stod(header.substr(19)), 20);
     EXPECT_GT(1000u, std::stoul(header.substr(header.find(" approximately ") + 15)));
 }
 
@@ -217,11 +219,9 @@ TEST(KLogger, DumpEndsWhereItsStreamRaisesAndThatOfANullCoreBeforeItBegins)
     none->CopyNamesTo(core);
     EXPECT_EQ("", TakeDump(*none));
 
-    struct : std::streambuf {
-    } refusing;
-    std::ostream out(&refusing);
-    out.exceptions(std::ios::badbit);
-    EXPECT_NO_THROW(core.WriteDump(out));
+    std::ofstream closed;
+    closed.exceptions(std::ios::badbit);
+    EXPECT_NO_THROW(core.WriteDump(closed));
 }
 
 TEST(KLogger, ANameThatFindsNoMemoryClosesItsTableToNamesAndNothingElse)
@@ -237,10 +237,12 @@ TEST(KLogger, ANameThatFindsNoMemoryClosesItsTableToNamesAndNothingElse)
             [&] { core.SetClassStateName(1, 1, name); }};
         EXPECT_EQ(ShortageOutcome::RaisedBadAlloc,
                   RunShortOfMemory(AllocationFailure::Throws, 1, namings[failing]));
-        for (int i = 0; i < 5; ++i) // messages and states share a table
-            EXPECT_EQ(i != failing && (i < 3 || failing < 3), Returns(namings[i])) << failing << i;
-        EXPECT_FALSE(Returns([&] { core.CopyNamesTo(other); }));
-        EXPECT_TRUE(Returns([&] { TakeDump(core); }));
+        for (int i = 0; i < 5; ++i) {
+            const bool open = i != failing && (i < 3 || failing < 3); // 3 and 4 share a table
+            EXPECT_EQ(open, Returns(open, namings[i])) << failing << i;
+        }
+        EXPECT_FALSE(Returns(false, [&] { core.CopyNamesTo(other); }));
+        EXPECT_TRUE(Returns(true, [&] { TakeDump(core); }));
     }
 }
 
