@@ -12,7 +12,7 @@
 #define IN_SECTION_RECORDER __declspec(allocate("recorder"))
 #endif
 
-IN_SECTION_RECORDER alignas(16) RecorderDescription KLogger::description = {
+alignas(16) IN_SECTION_RECORDER RecorderDescription KLogger::description = {
     {'V', 'a', 'r', 'e', 'k', ' ', 'r', 'e', 'c', 'o', 'r', 'd', 'e', 'r', '\x1A', '\0'},
     1,
     sizeof(RecorderDescription),
