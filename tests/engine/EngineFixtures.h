@@ -24,13 +24,11 @@ struct Script : IThreadErrorHandler {
     void OnSpontaneousError(const MException& exception) override
     {
         failures += FailureText(exception) + ";";
-        failed.Open();
     }
     void OnUnhandledException(_EXCEPTION_POINTERS*) override {}
 
     std::map<std::string, Action> on; ///< what is done at a call, by its name
     std::string calls, failures;
-    Gate failed; ///< opened by the first
 };
 
 /// An engine thread that calls its script, its inside open.
@@ -39,7 +37,6 @@ struct ScriptedThread : Script, MEngineThread {
     ~ScriptedThread() override { ForceStop(); }
 
     using MEngineThread::AddEvent;
-    using MEngineThread::ForceStop;
     using MEngineThread::IsStopRequested;
     using MEngineThread::IsThreadActive;
 
