@@ -97,7 +97,7 @@ public:
     void WriteDump(std::ostream& out);
 
     /// Writes a dump to "C:\Temp\DebugDump.log", replacing the last one. False when the file
-    /// cannot be opened, which nothing makes the folder for, or a machine fault ended the dump.
+    /// cannot be opened, and nothing makes its folder, or when a machine fault ended the dump.
     bool WriteDumpFile();
 
     /// Writes a dump to a file that is open. False when a machine fault ended it.

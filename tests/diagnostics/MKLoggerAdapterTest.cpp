@@ -114,7 +114,9 @@ TEST(MFlowLocation, RecordsSayWhatWhereAndForWhomAndScopesCloseAsTheyWereOpened)
     }
 
     std::vector<Numbers> seen;
-    for (const DumpedRecord& record : ReadDump(TakeDump(*KLogger::GetModuleLogger())))
+    const std::vector<DumpedRecord> records = ReadDump(TakeDump(*KLogger::GetModuleLogger()));
+    EXPECT_EQ(reinterpret_cast<std::intptr_t>(&location), records.back().numbers[5]);
+    for (const DumpedRecord& record : records)
         if (reinterpret_cast<const void*>(record.numbers[5]) == &location) {
             EXPECT_NE(std::string::npos, record.text.find(" in_class FlowTester at Trace "));
             seen.emplace_back(record.numbers.begin(), record.numbers.begin() + 3);
