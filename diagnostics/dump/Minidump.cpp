@@ -6,7 +6,7 @@ Minidump::Minidump() : library(LoadLibraryW(L"dbghelp.dll")), writeDump(nullptr)
 {
     if (library)
         writeDump = reinterpret_cast<decltype(writeDump)>(
-            reinterpret_cast<void*>(GetProcAddress(library, "MiniDumpWriteDump")));
+            reinterpret_cast<void (*)()>(GetProcAddress(library, "MiniDumpWriteDump")));
 }
 
 Minidump::~Minidump()
