@@ -8,6 +8,9 @@ namespace
 
 const std::wstring alphabet = L"<>/=\"' !-?[]CDEa";
 
+// What is fast may need it behind what it reads.
+const std::wstring room(40, L'x');
+
 const wchar_t* const frames[][2] = {
     {L"<a", L">x</a>"},
     {L"<a ", L"/>"},
@@ -65,17 +68,21 @@ void XmlExhaustiveTexts::All(std::size_t most)
 {
     for (std::size_t length = 0; length <= most; ++length)
         Vary(L"", length, L"");
+    Vary(L"", most - 1, room);
 }
 
 void XmlExhaustiveTexts::Framed(std::size_t most)
 {
     for (const auto& frame : frames) {
         const std::wstring before = frame[0];
+        const std::wstring behind = frame[1];
         for (std::size_t length = 0; length <= most; ++length)
-            Vary(before, length, frame[1]);
+            Vary(before, length, behind);
+        Vary(before, most, behind + room);
         for (std::size_t front : {61, 62})
-            Vary(std::wstring(front - before.size(), L'x') + before, most - 1, frame[1]);
+            Vary(std::wstring(front - before.size(), L'x') + before, most - 1, behind + room);
     }
+    Vary(L"<a", most + 1, L">x</a>" + room);
 }
 
 void XmlExhaustiveTexts::Edges(std::size_t window)

@@ -8,7 +8,8 @@
 class XmlExhaustiveTexts
 {
 public:
-    /// All texts of up to so many characters, out of 16 that the rules tell apart.
+    /// All texts of up to so many characters, out of 16 that the rules tell apart; but for the
+    /// longest also in front of more text.
     void All(std::size_t most);
 
     /// The same inside of tags, values, comments, doctypes, elements and so on, near the front and

@@ -10,7 +10,7 @@ TEST(XmlExhaustive, ShortTextsAndThoseAtBoundariesAsLiterally)
     XmlExhaustiveTexts texts;
     texts.All(4);
     texts.Framed(2);
-    texts.Edges(1024);
+    texts.Edges(4096);
     EXPECT_EQ(texts.Differing(), L"");
 }
 
