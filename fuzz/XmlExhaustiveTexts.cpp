@@ -18,6 +18,7 @@ const wchar_t* const frames[][2] = {
     {L"<a b='", L"'/>"},
     {L"<a b=\"1\" c", L"\"2\"></a>"},
     {L"<a", L"=b></a>"},
+    {L"<a ", L" b='>' c=\">\"/><b/>"},
     {L"<a>", L"</a>"},
     {L"<r><a>x", L"</a></r>"},
     {L"<r><aCDEaCDEaCDEaCDE>", L"</aCDEaCDEaCDEaCDE></r>"},
@@ -92,7 +93,7 @@ void XmlExhaustiveTexts::Edges(std::size_t window)
         for (const wchar_t* inside : {L"", L"'>", L" = \"/\""})
             Repeat(before + inside + frame[1], window);
         for (std::size_t length = 0; length < 140; ++length)
-            Stretch(before, frame[1], length);
+            Stretch(before, frame[1] + room, length);
         for (std::size_t length = 1024; length <= window; length *= 2)
             Stretch(before, frame[1], length + length / 3);
     }
