@@ -58,6 +58,28 @@ TEST(XmlMemory, FailedElementLeavesTheDocumentAsItWas)
         }
 }
 
+TEST(XmlMemory, FailedNodeOrAttributeLeavesTheDocumentAsItWas)
+{
+    const std::wstring value(100, L'&');
+    for (const wchar_t* const text : {L"<a/>", L"<a></a>", L"<a><b/>\n</a>"})
+        for (const bool node : {false, true}) {
+            MXmlMarkup document;
+            document.LoadText(text);
+            document.FindElement();
+            const auto edit = [&] {
+                EXPECT_TRUE(node ? document.EnterElement() &&
+                                       document.AddNode(XmlNodeComment, value.c_str(), 0)
+                                 : document.SetAttribute(1, L"a", value.c_str()));
+                document.LeaveElement();
+            };
+            ForEachFailingAllocation(AllocationFailure::Throws, edit, [&](ShortageOutcome) {
+                EXPECT_EQ(document.GetDocumentText(), text);
+                EXPECT_EQ(StaleIndex(document) + BrokenRule(document), "");
+                document.LeaveElement();
+            });
+        }
+}
+
 TEST(XmlMemory, FailedGrowthKeepsTheRecords)
 {
     MXmlRecordStore records;
