@@ -89,7 +89,12 @@ public:
     /// Numbers that would be cut or change their sign do not compile; nor do characters.
     template <class Number>
     typename std::enable_if<std::is_arithmetic<Number>::value && !FitsSigned<Number>::value>::type
-    AddParameter(const wchar_t* name, Number value) = delete;
+    AddParameter(const wchar_t*, Number)
+    {
+        static_assert(sizeof(Number) == 0,
+                      "AddParameter takes signed numbers of up to 32 bits; "
+                      "varek::Raise(location, code).With(name, value) takes numbers of any width");
+    }
 
 private:
     MString code;

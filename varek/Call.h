@@ -2,6 +2,7 @@
 
 #include "engine/MCommandProcessor.h"
 #include "module/ModuleCommandProcessor.h"
+#include "varek/Callable.h"
 #include "varek/CallBlock.h"
 
 #include <chrono>
@@ -41,26 +42,6 @@ namespace varek
 namespace detail
 {
 
-template <class F>
-auto ResultOf(int) -> decltype(std::declval<F&>()());
-
-struct NoResult {
-};
-
-template <class F>
-NoResult ResultOf(...);
-
-template <class F>
-struct Callable {
-    typedef decltype(ResultOf<F>(0)) type;
-
-    static_assert(!std::is_same<type, NoResult>::value,
-                  "what is called takes no arguments: capture what it needs in a lambda");
-};
-
-template <class F>
-using CallResult = typename Callable<typename std::remove_reference<F>::type>::type;
-
 template <class Duration>
 std::uint32_t Milliseconds(Duration duration)
 {
@@ -89,6 +70,8 @@ CallResult<F> CallOwning(std::uint32_t timeoutMs, MCommandProcessor& processor, 
                          const CancelToken::Flag& cancelled)
 {
     typedef typename std::decay<F>::type Owned;
+    static_assert(!std::is_reference<CallResult<F>>::value,
+                  "a call that may be given up returns a value, or a pointer if that is meant");
     return CallWithin<Owned>(timeoutMs, processor, Owned(std::forward<F>(function)), cancelled);
 }
 

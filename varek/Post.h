@@ -3,6 +3,7 @@
 #include "engine/MDesyncEvent.h"
 #include "engine/MDesyncEventScheduler.h"
 #include "module/ModuleCommandProcessor.h"
+#include "varek/Callable.h"
 
 #include <memory>
 #include <type_traits>
@@ -95,6 +96,7 @@ template <class F, class = detail::IfFunction<F>>
 void Post(MDesyncEventScheduler& scheduler, F&& function)
 {
     typedef detail::PostedFunction<typename std::decay<F>::type> Event;
+    static_assert(sizeof(detail::Callable<typename std::decay<F>::type>) != 0, "");
     std::unique_ptr<Event, typename Event::Delete> event(new Event(std::forward<F>(function)));
     scheduler.ScheduleDesyncEvent(event.get());
     event.release();

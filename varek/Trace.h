@@ -85,7 +85,10 @@
                                           ::varek::detail::Numbers(__VA_ARGS__));
 #else
 #define VAREK_TRACE_OPEN(...)                                                                      \
-    const ::varek::detail::UntracedLocation varekLocation = {VarekClassName(), varekFunction.text};
+    const ::varek::detail::UntracedLocation varekLocation = {VarekClassName(),                     \
+                                                             varekFunction.text};                  \
+    static_cast<void>(varekLocation), static_cast<void>(varekObject);                              \
+    static_cast<void>(sizeof(::varek::detail::Numbers{__VA_ARGS__}));
 #endif
 
 /// The object and the class of what is in neither.

@@ -1,0 +1,64 @@
+// The same function traced by the line, by hand, and not at all.
+
+#include <varek/Trace.h>
+
+void Work();
+
+class ByLine
+{
+    VAREK_TRACED_CLASS(ByLine);
+
+public:
+    void Heat(unsigned degrees);
+};
+
+class ByHand
+{
+public:
+    static const wchar_t className[];
+    void Heat(unsigned degrees);
+};
+
+class Untraced
+{
+public:
+    void Heat(unsigned degrees);
+};
+
+void ByLine::Heat(unsigned degrees)
+{
+    VAREK_TRACE(degrees);
+    Work();
+}
+
+const wchar_t ByHand::className[] = L"ByHand";
+
+void ByHand::Heat(unsigned degrees)
+{
+    static MFlowLocation location(className, L"Heat");
+    MFlowScope scope(location.SetObject(this), degrees);
+    Work();
+}
+
+void Untraced::Heat(unsigned)
+{
+    Work();
+}
+
+void FreeByLine(unsigned degrees)
+{
+    VAREK_TRACE(degrees);
+    Work();
+}
+
+void FreeByHand(unsigned degrees)
+{
+    static MFlowLocation location(nullptr, L"FreeByHand");
+    MFlowScope scope(location.SetObject(nullptr), degrees);
+    Work();
+}
+
+void FreeUntraced(unsigned)
+{
+    Work();
+}
