@@ -1,12 +1,14 @@
 #include "varek/Host.h"
 
 #include "diagnostics/CrashDump.h"
+#include "diagnostics/MDiagnosticsRegistry.h"
 #include "diagnostics/MFlowLogger.h"
 #include "module/Runtime.h"
 #include "varek/Errors.h"
 
 #include <algorithm>
 #include <cwchar>
+#include <fstream>
 
 #include <windows.h>
 
@@ -182,6 +184,7 @@ void Host::Start(const std::wstring& module, const HostOptions& options)
         options.dumpPrefix.empty() ? WithoutFolderAndEnding(module) : options.dumpPrefix;
     std::auto_ptr<TextCallback> onFailure(new FailureTeller(module, options));
     std::auto_ptr<FaultCallback> onCrash(new CrashWriter(prefix, options));
+    GetDiagnosticsRegistry()->RegisterThreadName(L"Host");
     functions->attach(MFlowLogger::GetInstance());
     functions->registerHandlers(onFailure, onCrash);
 }
@@ -207,6 +210,14 @@ void* Host::FindAddress(const char* name) const
 void Host::Shutdown()
 {
     functions->shutdown();
+}
+
+void Host::WriteLog(const std::string& path) const
+{
+    std::ofstream file(path);
+    MFlowLogger::GetInstance()->GetImplementation()->DumpToStream(file);
+    if (!file.flush())
+        Raise(Location(), L"CannotWrite").With(L"path", path).Throw();
 }
 
 } // namespace varek

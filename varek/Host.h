@@ -33,10 +33,11 @@ struct HostOptions {
 ///     drain(80);
 ///
 /// The constructor loads the module, sees that it fits, joins its log to the host's own, so that
-/// the host's dumps show both, and starts it. When one of its threads faults, a minidump that holds
-/// the flight recorders and their text are written, as `CrashDump` tells, for example
-/// pumps-20261121-231805-042-4711.dmp and .log, and the fault goes on. The destructor shuts the
-/// module down and lets go of it; nothing of the module may be used any more.
+/// the host's dumps show both, and starts it; the thread is called "Host" in them. When one of its
+/// threads faults, a minidump that holds the flight recorders and their text are written, as
+/// `CrashDump` tells, for example pumps-20261121-231805-042-4711.dmp and .log, and the fault goes
+/// on. The destructor shuts the module down and lets go of it; nothing of the module may be used
+/// any more.
 ///
 /// A module fits that was made with an SDK of the same major and minor version and with the same
 /// toolchain as the host, since standard types pass between them.
@@ -77,6 +78,10 @@ public:
     /// Stops the module for good, ahead of the destructor. Raises the `MException` of a failed
     /// stop.
     void Shutdown();
+
+    /// Writes the text dump of the host's flight recorder, in which the module's records stand too.
+    /// Raises "varek.Host:CannotWrite" with "path".
+    void WriteLog(const std::string& path) const;
 
 private:
     struct Functions;

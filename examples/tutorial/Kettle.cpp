@@ -1,78 +1,35 @@
 #include "Kettle.h"
 
-#include "diagnostics/ClassName.h"
-#include "diagnostics/MFlowLocation.h"
-#include "engine/MCommandSynchronous.h"
-#include "foundation/MException.h"
-#include "module/ModuleCommandProcessor.h"
+#include <varek/Varek.h>
 
-#include <windows.h>
+struct Kettle {
+    VAREK_TRACED_CLASS(Kettle);
 
-namespace
-{
-
-class Kettle
-{
-public:
-    static const wchar_t className[];
-
-    void Heat(unsigned degrees);
-
-private:
-    void HeatOneDegree();
-
-    int temperature = 20;
-};
-
-const wchar_t Kettle::className[] = L"Kettle";
-const ClassName kettleName(Kettle::className);
-
-// Traced: recorded when it is entered and when it is left.
-void Kettle::Heat(unsigned degrees)
-{
-    static MFlowLocation location(className, L"Heat");
-    MFlowScope scope(location.SetObject(this), degrees);
-    for (unsigned i = 0; i < degrees; ++i)
-        HeatOneDegree();
-}
-
-// Can fail: the failure is recorded where it is raised.
-void Kettle::HeatOneDegree()
-{
-    static MFlowLocation location(className, L"HeatOneDegree");
-    if (temperature == 100) {
-        MError error;
-        location.SetObject(this).SetLine(__LINE__).RaiseRootError(error, L"Boils");
-        error.AddParameter(L"temperature", temperature);
-        location.Throw(error);
-    }
-    Sleep(1);
-    ++temperature;
-}
-
-Kettle kettle;
-
-// A command: executed on the module's thread.
-class HeatCommand : public MCommandSynchronous
-{
-public:
-    HeatCommand(const MExceptionSlot& slot, unsigned degrees)
-        : MCommandSynchronous(slot), degrees(degrees)
+    // Traced: recorded when it is entered and when it is left, and where it fails.
+    void Heat(unsigned degrees)
     {
+        VAREK_TRACE(degrees);
+        temperature += degrees;
+        if (temperature >= boilsAt)
+            VAREK_RAISE(L"Boils").With(L"temperature", temperature).Throw();
     }
 
-private:
-    void Execute() override { kettle.Heat(degrees); }
-
-    unsigned degrees;
+    unsigned temperature = 20, boilsAt = 100;
 };
 
-} // namespace
-
-MExceptionSlot HeatWater(unsigned degrees)
+// How a kettle is filed, in both directions: a name, a value, a default.
+void Describe(varek::Filing& filing, Kettle& kettle)
 {
-    const MExceptionSlot slot(std::auto_ptr<MException>(new MException));
-    ModuleCommandProcessor::GetInstance().GetCommandProcessor()->ExecuteSynchronously(
-        std::auto_ptr<MCommandSynchronous>(new HeatCommand(slot, degrees)));
-    return slot;
+    filing(L"BoilsAt", kettle.boilsAt, 100);
+}
+
+void HeatWater(unsigned degrees, std::function<void(unsigned)> whistle)
+{
+    static Kettle kettle;
+    static const varek::Reading settings = varek::LoadXml(L"kettle.xml", kettle);
+    varek::Call([&] {
+        if (kettle.temperature + degrees >= kettle.boilsAt)
+            varek::Post([whistle, boilsAt = kettle.boilsAt] { whistle(boilsAt); });
+        kettle.Heat(degrees);
+    });
 }

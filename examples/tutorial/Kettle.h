@@ -1,8 +1,9 @@
 #pragma once
 
-#include "engine/MExceptionSlot.h"
-#include "module/Runtime.h"
+#include <varek/Export.h>
 
-/// Heats the water by so many degrees, on the module's own thread, while the caller waits. What
-/// went wrong, if anything, is in the slot that comes back. Raises `MException` after `Shutdown`.
-VAREK_API MExceptionSlot HeatWater(unsigned degrees);
+#include <functional>
+
+/// Heats the water by so many degrees, on the module's own thread, while the caller waits. Raises
+/// "Kettle.Heat:Boils" when it gets too hot, and has `whistle` called, on another thread.
+VAREK_API void HeatWater(unsigned degrees, std::function<void(unsigned temperature)> whistle);

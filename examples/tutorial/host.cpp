@@ -1,37 +1,24 @@
 #include "Kettle.h"
 
-#include "diagnostics/MDiagnosticsRegistry.h"
-#include "diagnostics/MFlowLogger.h"
-#include "foundation/MException.h"
+#include <varek/Errors.h>
+#include <varek/Host.h>
 
-#include <fstream>
+#include <future>
 #include <iostream>
-
-namespace
-{
-
-void Heat(unsigned degrees)
-{
-    const MExceptionSlot slot = HeatWater(degrees);
-    std::wcout << L"Heating by " << degrees << L": ";
-    if (const MError* failure = slot->GetFailure())
-        std::wcout << failure->GetMessageText().c_str() << L"\n";
-    else
-        std::wcout << L"done\n";
-}
-
-} // namespace
 
 int main()
 {
-    GetDiagnosticsRegistry()->RegisterThreadName(L"Host");
-    Varek::Runtime::AttachMFlowLogger(MFlowLogger::GetInstance());
-
-    Heat(30);
-    Heat(40);
-    Heat(30);
-    Varek::Runtime::Shutdown();
-
-    std::ofstream dump("kettle.log");
-    MFlowLogger::GetInstance()->GetImplementation()->DumpToStream(dump);
+    varek::Host host(L"kettle.dll");
+    std::promise<unsigned> whistled;
+    for (const unsigned degrees : {30u, 40u, 30u}) {
+        std::wcout << L"Heating by " << degrees << L": ";
+        try {
+            HeatWater(degrees, [&](unsigned temperature) { whistled.set_value(temperature); });
+            std::wcout << L"done\n";
+        } catch (MException& exception) {
+            std::wcout << varek::FullText(exception) << L"\n";
+        }
+    }
+    std::wcout << L"The whistle goes at " << whistled.get_future().get() << L" degrees\n";
+    host.WriteLog("kettle.log");
 }

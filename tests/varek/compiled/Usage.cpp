@@ -52,7 +52,8 @@ int Use(MCommandProcessor& processor, MDesyncEventScheduler& scheduler)
     Pump<int> pump;
     varek::CancelToken token;
     varek::Call(processor, [&] { pump.Drain(1); });
-    auto future = varek::CallAsync(processor, [] { return std::make_unique<int>(2); }, token);
+    auto future = varek::CallAsync(
+        processor, [] { return std::make_unique<int>(2); }, token);
     varek::Post(scheduler, [owned = std::make_unique<int>(3)] { (void)*owned; });
     varek::Worker worker;
     worker.Every(std::chrono::seconds(1), [] {});
@@ -63,11 +64,12 @@ int Use(MCommandProcessor& processor, MDesyncEventScheduler& scheduler)
         std::wcout << text + L"\n";
 #if __cplusplus >= 201703L
     if (std::wstring_view(L"x") == text)
-        varek::Raise(MFlowLocation(L"Class", L"Function"), L"Code").With(L"view", std::wstring_view()).Throw();
+        varek::Raise(MFlowLocation(L"Class", L"Function"), L"Code")
+            .With(L"view", std::wstring_view())
+            .Throw();
 #endif
     for (wchar_t character : text)
         std::wcout << character;
-    return varek::CallFor(std::chrono::seconds(1), processor, [future = future.share()] {
-        return *future.get();
-    });
+    return varek::CallFor(std::chrono::seconds(1), processor,
+                          [future = future.share()] { return *future.get(); });
 }
