@@ -42,16 +42,16 @@ install(PROGRAMS cmake/wine-run DESTINATION bin)
 # where these are installed; what is not installed goes without a link.
 install(FILES CHANGELOG.md DESTINATION share/doc/varek)
 foreach(name IN ITEMS
-        building-on-windows debugging document-engine filing host own-threads reading-a-dump security
-        tutorial varek-log)
+        building-on-windows coming-from commands-and-events debugging document-engine face filing host
+        own-threads reading-a-dump security tutorial varek-log)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS docs/${name}.md)
     file(READ docs/${name}.md page)
+    string(REGEX REPLACE "\\[([^]]*)\\]\\(\\.\\./(tests|tools|viewer|cmake|CMake)[^)]*\\)"
+        "\\1" page "${page}")
     string(REGEX REPLACE "\\]\\(\\.\\./([a-z/]+/[A-Za-z0-9]+\\.h)\\)"
         "](../../../../include/varek/\\1)" page "${page}")
     string(REGEX REPLACE "\\]\\(\\.\\./(debugger/[a-z_.]+)\\)"
         "](../../../varek/\\1)" page "${page}")
-    string(REGEX REPLACE "\\[([^]]*)\\]\\(\\.\\./(tests|tools|viewer|cmake|CMake)[^)]*\\)"
-        "\\1" page "${page}")
     file(GENERATE OUTPUT docs/${name}.md CONTENT "${page}")
     install(FILES ${CMAKE_BINARY_DIR}/docs/${name}.md DESTINATION share/doc/varek/docs)
 endforeach()

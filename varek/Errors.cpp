@@ -161,14 +161,6 @@ void Errors::Iterator::SkipNull()
         ++index;
 }
 
-const MError* NewestError(const MException& exception)
-{
-    const MError* newest = nullptr;
-    for (const MError& error : Errors(exception))
-        newest = &error;
-    return newest;
-}
-
 const MError* FindError(const MException& exception, TextView code)
 {
     const MString wanted = ToMString(code);

@@ -209,9 +209,6 @@ private:
     const MException* exception;
 };
 
-/// The failure itself, the newest of the chain; null in an empty one.
-const MError* NewestError(const MException& exception);
-
 /// The newest error of that Code, given whole or as the short code behind its colon; null when
 /// there is none.
 const MError* FindError(const MException& exception, TextView code);

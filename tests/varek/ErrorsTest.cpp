@@ -129,7 +129,6 @@ TEST(Errors, OfAChainAreWalkedFoundAndToldInOneLine)
 {
     MException exception;
     EXPECT_EQ("no error", varek::What(exception));
-    EXPECT_EQ(nullptr, varek::NewestError(exception));
     for (const wchar_t* code : {L"Valve.Open:Stuck", L"Pump.Drain:RunsDry", L"Bare"}) {
         MError error(code);
         error.AddParameter(L"code", code);

@@ -1,39 +1,19 @@
 #include "examples/survey/host/SurveyHost.h"
 
-#include "diagnostics/ClassName.h"
-#include "diagnostics/MDiagnosticsRegistry.h"
-#include "diagnostics/MFlowLocation.h"
 #include "diagnostics/MFlowLogger.h"
 #include "examples/survey/host/Console.h"
 #include "examples/survey/host/HostRegistry.h"
-#include "examples/survey/host/MiniDumpWriter.h"
 #include "examples/survey/host/Options.h"
 #include "examples/survey/host/ReportFile.h"
 #include "examples/survey/module/Survey.h"
 #include "foundation/MException.h"
-#include "module/Runtime.h"
+#include "varek/Host.h"
 
 #include <iostream>
 #include <sstream>
 
-const wchar_t SurveyHost::className[] = L"SurveyHost";
-
 namespace
 {
-
-const ClassName registered(SurveyHost::className);
-
-const wchar_t miniDumpPath[] = L"survey-host.dmp";
-
-/// The host's callback for an exception that ends an engine thread.
-class FatalTextPrinter : public Varek::Runtime::CallbackFunctor1Param<const std::wstring&>
-{
-public:
-    void operator()(const std::wstring& text) override
-    {
-        Console::Complain(L"an engine thread has ended: " + text + L"\n");
-    }
-};
 
 /// A line that names the files that could not be surveyed; nothing if all could.
 std::wstring NotSurveyed(const std::vector<SurveyResult>& results)
@@ -51,30 +31,20 @@ SurveyHost::SurveyHost(const Options& options) : options(options), progress(opti
 
 bool SurveyHost::Run()
 {
-    GetDiagnosticsRegistry()->RegisterThreadName(L"Host");
     if (options.report)
         return PrintReports();
-    Connect();
+    varek::HostOptions hostOptions;
+    hostOptions.dumpPrefix = L"survey-host";
+    varek::Host host(L"survey.dll", hostOptions);
     if (options.fatal)
         SurveyFatal();
     if (options.crash)
         SurveyCrash();
     const bool complete = options.paths.empty() || SurveyAll();
-    Varek::Runtime::Shutdown();
+    host.Shutdown();
     if (options.dump)
         PrintDump();
     return complete;
-}
-
-void SurveyHost::Connect()
-{
-    typedef Varek::Runtime::CallbackFunctor1Param<const std::wstring&> TextCallback;
-    typedef Varek::Runtime::CallbackFunctor1Param<_EXCEPTION_POINTERS*> FaultCallback;
-
-    Varek::Runtime::AttachMFlowLogger(MFlowLogger::GetInstance());
-    Varek::Runtime::RegisterFatalErrorHandlers(
-        std::auto_ptr<TextCallback>(new FatalTextPrinter),
-        std::auto_ptr<FaultCallback>(new MiniDumpWriter(miniDumpPath)));
 }
 
 bool SurveyHost::PrintReports()
@@ -98,8 +68,7 @@ bool SurveyHost::PrintReports()
 
 bool SurveyHost::SurveyAll()
 {
-    static MFlowLocation location(className, L"SurveyAll");
-    MFlowScope scope(location.SetObject(this));
+    VAREK_TRACE();
     bool complete = true;
     std::vector<SurveyResult> results;
     for (std::uint32_t survey = 0; survey < options.paths.size(); ++survey) {

@@ -2,6 +2,7 @@
 
 #include "examples/survey/host/ProgressPrinter.h"
 #include "examples/survey/host/SurveyResult.h"
+#include "varek/Trace.h"
 
 #include <cstdint>
 #include <string>
@@ -9,20 +10,18 @@
 
 struct Options;
 
-/// A host from load to shutdown: joins its flow logger to the module's, registers its callbacks,
-/// has files surveyed, and shows and keeps what came of it.
+/// A host from load to shutdown: has files surveyed, and shows and keeps what came of it.
 class SurveyHost
 {
-public:
-    static const wchar_t className[];
+    VAREK_TRACED_CLASS(SurveyHost);
 
+public:
     explicit SurveyHost(const Options& options);
 
     /// Does what the options ask for. True when every file could be surveyed, or read.
     bool Run();
 
 private:
-    void Connect();
     bool PrintReports();
     bool SurveyAll();
     SurveyResult SurveyOne(std::uint32_t survey);

@@ -17,7 +17,7 @@ const wchar_t help[] =
     L"  --dump   print the flight recorder at the end: the host's and the module's events\n"
     L"  --report print a report again: the FILEs, or else the one of the last run\n"
     L"  --fatal  let an exception end an engine thread first, to see its text arrive\n"
-    L"  --crash  fault on the engine thread first, to see survey-host.dmp being written\n"
+    L"  --crash  fault on the engine thread first, to see a minidump and a log being written\n"
     L"  --help   this text\n"
     L"\n"
     L"The report of a run goes to survey-report.xml in the current folder, unless the registry\n"

@@ -1,4 +1,4 @@
-// The page "Writing a command, an event and a traced function" of the README, as a test.
+// What docs/commands-and-events.md shows, as a test.
 
 #include "diagnostics/ClassName.h"
 #include "diagnostics/MFlowLocation.h"
@@ -98,7 +98,7 @@ void Announce(MDesyncEventScheduler& scheduler, int level, Display* display)
 
 } // namespace
 
-TEST(ReadmeExample, CommandEventAndTracedFunction)
+TEST(CommandExample, CommandEventAndTracedFunction)
 {
     Pump pump;
     MCommandProcessor processor(nullptr, nullptr, nullptr, nullptr, 0);
