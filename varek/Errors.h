@@ -63,13 +63,12 @@ MString TextOf(TextView value);
 namespace detail
 {
 
-/// Among several ways, the one with the highest rank is taken.
-template <int rank>
-struct Choice : Choice<rank - 1> {
+// Among several ways, the first that fits is taken.
+struct LastChoice {
 };
-
-template <>
-struct Choice<0> {
+struct SecondChoice : LastChoice {
+};
+struct FirstChoice : SecondChoice {
 };
 
 template <class T, class... Others>
@@ -90,25 +89,25 @@ using WidestInteger =
     typename std::conditional<std::is_signed<T>::value, long long, unsigned long long>::type;
 
 template <class T>
-typename std::enable_if<IsInteger<T>::value, MString>::type ParameterText(T value, Choice<2>)
+typename std::enable_if<IsInteger<T>::value, MString>::type ParameterText(T value, FirstChoice)
 {
     return TextOf(static_cast<WidestInteger<T>>(value));
 }
 
 template <class T>
-typename std::enable_if<std::is_enum<T>::value, MString>::type ParameterText(T value, Choice<2>)
+typename std::enable_if<std::is_enum<T>::value, MString>::type ParameterText(T value, FirstChoice)
 {
     return TextOf(static_cast<long long>(value));
 }
 
 template <class T>
-auto ParameterText(const T& value, Choice<1>) -> decltype(TextOf(value))
+auto ParameterText(const T& value, SecondChoice) -> decltype(TextOf(value))
 {
     return TextOf(value);
 }
 
 template <class T>
-MString ParameterText(const T&, Choice<0>)
+MString ParameterText(const T&, LastChoice)
 {
     static_assert(sizeof(T) == 0, "With takes numbers, pointers and texts: convert this value to "
                                   "one, or give its type a conversion to std::wstring");
@@ -129,7 +128,7 @@ public:
     template <class T>
     Failure& With(const wchar_t* name, const T& value)
     {
-        return Add(name, detail::ParameterText(value, detail::Choice<2>()));
+        return Add(name, detail::ParameterText(value, detail::FirstChoice()));
     }
 
     /// Adds "winErrorCode", the calling thread's last error when the failure was raised.
@@ -174,9 +173,12 @@ inline Failure Raise(MFlowLocation&& location, const wchar_t* code)
 class Errors
 {
 public:
+    /// Goes forward through the chain.
     class Iterator
     {
     public:
+        /// @{
+        /// What is asked of iterators.
         typedef std::forward_iterator_tag iterator_category;
         typedef MError value_type;
         typedef std::ptrdiff_t difference_type;
@@ -190,6 +192,7 @@ public:
         Iterator operator++(int);
         bool operator==(const Iterator& other) const { return index == other.index; }
         bool operator!=(const Iterator& other) const { return index != other.index; }
+        /// @}
 
     private:
         void SkipNull();
@@ -198,12 +201,15 @@ public:
         std::int32_t index;
     };
 
+    /// @{
+    /// From the oldest cause to the newest failure.
     explicit Errors(const MException& exception) : exception(&exception) {}
     Iterator begin() const { return Iterator(exception, 0); }
     Iterator end() const
     {
         return Iterator(exception, static_cast<std::int32_t>(exception->GetErrorCount()));
     }
+    /// @}
 
 private:
     const MException* exception;

@@ -13,6 +13,7 @@ namespace varek
 class FilingGroup
 {
 public:
+    /// Opens it.
     FilingGroup(Filing& filing, const MString& tag) : filing(filing), isThere(filing.Begin(tag)) {}
     FilingGroup(const FilingGroup&) = delete;
     FilingGroup& operator=(const FilingGroup&) = delete;

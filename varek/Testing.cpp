@@ -39,7 +39,8 @@ Record ReadRecord(const std::string& line)
     const std::string what = point.substr(2, point.find(" in_class ") - 2);
     record.kind = what.substr(0, what.find(' '));
     record.error = what.substr(std::min(record.kind.size() + 1, what.size()));
-    record.className = Between(point + "\n", " in_class ", point.find(" at ") == std::string::npos ? "\n" : " at ");
+    record.className = Between(point + "\n", " in_class ",
+                               point.find(" at ") == std::string::npos ? "\n" : " at ");
     record.function = Between(point + "\n", " at ", "\n");
     return record;
 }
@@ -71,7 +72,8 @@ long long CountHandles()
     const auto query = reinterpret_cast<Query>(reinterpret_cast<void*>(
         GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
     std::vector<char> buffer(1 << 16);
-    while (!NT_SUCCESS(query(SystemHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()), nullptr)))
+    while (!NT_SUCCESS(
+        query(SystemHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()), nullptr)))
         buffer.resize(buffer.size() * 2);
     const auto& table = *reinterpret_cast<const SYSTEM_HANDLE_INFORMATION*>(buffer.data());
     long long count = 0;
@@ -171,10 +173,10 @@ std::vector<Record> Recording::GetRecords() const
 std::size_t Recording::Find(const std::vector<Record>& records, const RecordPattern& pattern,
                             std::size_t start) const
 {
-    while (start < records.size() && !(Fits(pattern.kind, records[start].kind) &&
-                                       Fits(pattern.error, records[start].error) &&
-                                       Fits(pattern.className, records[start].className) &&
-                                       Fits(pattern.function, records[start].function)))
+    while (start < records.size() &&
+           !(Fits(pattern.kind, records[start].kind) && Fits(pattern.error, records[start].error) &&
+             Fits(pattern.className, records[start].className) &&
+             Fits(pattern.function, records[start].function)))
         ++start;
     return start;
 }

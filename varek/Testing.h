@@ -38,9 +38,12 @@ struct Record {
     std::string text;      ///< the whole line
 };
 
-/// What is looked for among records.
+/// What is looked for among records, as they have it; an empty text stands for any.
 struct RecordPattern {
-    std::string kind, error, className, function; ///< empty for any
+    std::string kind;      ///< "Scope_push", "Root_error" ...
+    std::string error;     ///< of an error, its short code
+    std::string className; ///< of the function
+    std::string function;  ///< without its class
 };
 
 /// @{
@@ -126,9 +129,11 @@ public:
     /// Counts from here.
     Leaks();
 
+    /// @{
     /// How many more there are now.
     long long Blocks() const;
     long long Handles() const;
+    /// @}
 
 private:
     long long blocks;

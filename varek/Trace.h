@@ -61,6 +61,7 @@
 /// The same without an object.
 #define VAREK_TRACE_STATIC(...) VAREK_TRACE_AT(nullptr, __VA_ARGS__)
 
+/// \cond
 #define VAREK_TRACE_AT(object, ...)                                                                \
     VAREK_MAY_SHADOW static constexpr auto varekFunction = ::varek::detail::Widen(__func__);       \
     const void* const varekObject = object;                                                        \
@@ -90,7 +91,9 @@
     static_cast<void>(varekLocation), static_cast<void>(varekObject);                              \
     static_cast<void>(sizeof(::varek::detail::Numbers{__VA_ARGS__}));
 #endif
+/// \endcond
 
+/// @{
 /// The object and the class of what is in neither.
 inline const void* VarekObject()
 {
@@ -101,6 +104,7 @@ inline const wchar_t* VarekClassName()
 {
     return nullptr;
 }
+/// @}
 
 namespace varek
 {
@@ -109,6 +113,7 @@ namespace varek
 class TracedLocation : public MFlowLocation
 {
 public:
+    /// The literals are kept by address.
     TracedLocation(const wchar_t* className, const wchar_t* functionName);
 
     /// With object and line set.
@@ -184,6 +189,7 @@ struct UntracedLocation {
 class TracedScope : public MFlowScope
 {
 public:
+    /// Opens it, with up to two numbers.
     TracedScope(MFlowLocation& location, const detail::Numbers& numbers)
         : MFlowScope(location, numbers.a, numbers.b)
     {

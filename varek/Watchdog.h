@@ -38,6 +38,7 @@ public:
     /// Takes the report.
     typedef std::function<void(const Overrun&)> Report;
 
+    /// @{
     /// Begins to watch; starts the module if need be.
     template <class Rep, class Period>
     Watchdog(std::chrono::duration<Rep, Period> limit, Report report)
@@ -45,6 +46,7 @@ public:
     {
     }
     Watchdog(std::chrono::milliseconds limit, Report report);
+    /// @}
     Watchdog(const Watchdog&) = delete;
     Watchdog& operator=(const Watchdog&) = delete;
     ~Watchdog();

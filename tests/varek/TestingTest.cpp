@@ -5,9 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include "varek/Errors.h"
 #include "varek/Post.h"
 #include "varek/Testing.h"
-#include "varek/Errors.h"
 
 #include <windows.h>
 
@@ -45,13 +45,15 @@ TEST(Testing, RecordsAreFoundInOrderAndWhatIsNotThereIsToldWithWhatIs)
     recording.Expect(varek::Error(L"Boils"));
     EXPECT_EQ("", told);
     recording.Expect(varek::Error(L"Boils")).Before(varek::Scope(L"Kettle", L"Heat"));
-    EXPECT_EQ(0u, told.find("there is no Scope_push Kettle Heat among\n% Scope_pop in_class Kettle"));
+    EXPECT_EQ(0u,
+              told.find("there is no Scope_push Kettle Heat among\n% Scope_pop in_class Kettle"));
     recording.ExpectNone(varek::Error(L"Boils"));
     EXPECT_EQ(0u, told.find("not expected: % Root_error Boils in_class Kettle at Heat"));
     recording.Expect(varek::Dismissed(L"Kettle", L"Cool"));
     EXPECT_EQ(0u, told.find("there is no Dismissed_error Kettle Cool"));
-    EXPECT_EQ(0u, Raised([] { varek::detail::RaiseFinding("odd"); })
-                      .find("varek.Recording:NotAsExpected finding=odd"));
+    EXPECT_EQ(0u, Raised([] {
+                      varek::detail::RaiseFinding("odd");
+                  }).find("varek.Recording:NotAsExpected finding=odd"));
 }
 
 TEST(Testing, EventsAreAwaited)
