@@ -12,19 +12,22 @@ struct {
     std::uint32_t answer;
     std::uint32_t lastError;
     int callsLeft;
-} told = {"", 0, 0, 0};
+    std::uint32_t thread;
+} told = {"", 0, 0, 0, 0};
 
 } // namespace
 
 void AnswerNext(const char* call, std::uint32_t answer, std::uint32_t lastError, int nth)
 {
     Turn turn("AnswerNext");
-    told = {call, answer, lastError, nth};
+    told = {call, answer, lastError, nth, CurrentThread().id};
 }
 
 bool IsToldAnswer(const char* call, std::uint32_t& answer)
 {
-    if (told.callsLeft == 0 || std::strcmp(call, told.call) != 0 || --told.callsLeft > 0)
+    const bool meant = told.callsLeft > 0 && told.thread == CurrentThread().id &&
+                       std::strcmp(call, told.call) == 0;
+    if (!meant || --told.callsLeft > 0)
         return false;
     answer = told.answer;
     CurrentThread().lastError = told.lastError;

@@ -32,13 +32,13 @@ struct Told {
     std::size_t capacity = 0;
 };
 
-std::mt19937 random;
+std::mt19937 draw;
 
 std::wstring RandomText()
 {
-    std::wstring text(random() % 6, L'a');
+    std::wstring text(draw() % 6, L'a');
     for (wchar_t& character : text)
-        character = L"ab\xFFFF"[random() % 3];
+        character = L"ab\xFFFF"[draw() % 3];
     return text;
 }
 
@@ -46,7 +46,7 @@ std::wstring RandomText()
 bool Done(const Told& told, const std::function<void()>& operation)
 {
     const wchar_t* const before = told.string.c_str();
-    const int nth = random() % 5 == 0 ? 1 : 1000;
+    const int nth = draw() % 5 == 0 ? 1 : 1000;
     const auto outcome = RunShortOfMemory(AllocationFailure::Throws, nth, operation);
     EXPECT_TRUE(outcome == ShortageOutcome::NotMet ||
                 (outcome == ShortageOutcome::RaisedBadAlloc && before == told.string.c_str()));
@@ -69,7 +69,7 @@ void AssignOrAppend(Told& a, Told& b)
         {[&] { a.string += source; }, [&] { a.Append(b.text); }},
         {[&] { a.string.Format(L"%ls%ls", a.string.c_str(), source.c_str()); },
          [&] { a.Assign(a.text + b.text); }}};
-    const auto& chosen = operations[random() % (a.text.size() < 100 ? 7 : 4)];
+    const auto& chosen = operations[draw() % (a.text.size() < 100 ? 7 : 4)];
     if (Done(a, chosen.change))
         chosen.told();
 }
@@ -77,13 +77,13 @@ void AssignOrAppend(Told& a, Told& b)
 /// The old text stays in a buffer that is left alone, its length too; another is filled.
 void MakeRoom(Told& a)
 {
-    const std::uint32_t extra = random() % 6;
+    const std::uint32_t extra = draw() % 6;
     if (Done(a, [&] { a.string.Reserve(extra); }))
         a.capacity = std::max(a.capacity, a.text.size() + extra);
 
-    const int asked = static_cast<int>(random() % 12) - 2;
+    const int asked = static_cast<int>(draw() % 12) - 2;
     const std::size_t wanted = std::size_t(std::max(asked, 0));
-    const bool shrink = random() % 2;
+    const bool shrink = draw() % 2;
     const bool kept = a.string.c_str() != MString().c_str() && a.capacity >= wanted &&
                       (a.capacity == wanted || !shrink);
     wchar_t* buffer = nullptr;
@@ -99,7 +99,7 @@ void Look(const Told& a, const Told& b)
     const int order = a.text.compare(b.text);
     EXPECT_EQ((order > 0) - (order < 0), MString::Compare(a.string, b.string));
     const std::wstring needle = RandomText();
-    const std::size_t start = random() % (a.text.size() + 1);
+    const std::size_t start = draw() % (a.text.size() + 1);
     const std::size_t found = needle.empty() ? std::wstring::npos : a.text.find(needle, start);
     EXPECT_EQ(int(found), a.string.Find(needle.c_str(), int(start)));
     for (const int taken : {-1, 0, 1, 2, int(MString::toEnd)})
@@ -114,7 +114,7 @@ TEST(MString, DoesWhatItIsToldAndNothingWhereMemoryIsShort)
 {
     Told strings[4];
     for (int step = 0; step < 20000; ++step) {
-        Told &a = strings[random() % 4], &b = strings[random() % 4];
+        Told &a = strings[draw() % 4], &b = strings[random() % 4];
         AssignOrAppend(a, b);
         ASSERT_TRUE(a.IsTrue() && b.IsTrue()) << step;
         MakeRoom(b);
