@@ -126,9 +126,10 @@ private:
     static unsigned __stdcall ThreadEntry(void* thread);
 
     void RaiseIfCurrentThread(MFlowLocation& location, const wchar_t* literal);
-    void CreateThread(MFlowLocation& location);
-    void AwaitThread(MFlowLocation& location, HANDLE event);
-    void AwaitEnd(MFlowLocation& location);
+    void CreateThread(MFlowLocation& location) VAREK_LOCK_RULE(requires_capability(stateMutex));
+    void AwaitThread(MFlowLocation& location, HANDLE event)
+        VAREK_LOCK_RULE(requires_capability(stateMutex));
+    void AwaitEnd(MFlowLocation& location) VAREK_LOCK_RULE(requires_capability(stateMutex));
     void ForgetThread();
 
     void ChangeState(EngineThreadState newState);

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "engine/LockRules.h"
+
 #include <cstdint>
 
 class MMutexImp;
 
 /// A recursive lock: the thread that holds it may take it again, and releases it as often. Made
 /// before and destroyed after the threads that use it. Prefer `MMutexLock` to calling it directly.
-class MMutex
+class VAREK_LOCK_RULE(capability("mutex")) MMutex
 {
 public:
     MMutex();
@@ -16,10 +18,10 @@ public:
 
     /// Waits for the lock. False only when there was no memory for a lock at construction: such a
     /// mutex locks nothing.
-    bool Lock();
+    bool Lock() VAREK_LOCK_RULE(acquire_capability());
 
     /// Once for each successful `Lock`, on the same thread.
-    void Unlock();
+    void Unlock() VAREK_LOCK_RULE(release_capability());
 
 private:
     MMutexImp* imp;

@@ -77,13 +77,13 @@ public:
     void Clear() override;
 
 private:
-    void GrowTo(std::int32_t newCapacity);
+    void GrowTo(std::int32_t newCapacity) VAREK_LOCK_RULE(requires_capability(lock));
 
-    T* buffer;
-    std::int32_t count;
-    std::int32_t capacity;
-    std::int32_t growBy;
-    std::int32_t head; // index of the oldest element
+    T* buffer VAREK_LOCK_RULE(guarded_by(lock));
+    std::int32_t count VAREK_LOCK_RULE(guarded_by(lock));
+    std::int32_t capacity VAREK_LOCK_RULE(guarded_by(lock));
+    std::int32_t growBy VAREK_LOCK_RULE(guarded_by(lock));
+    std::int32_t head VAREK_LOCK_RULE(guarded_by(lock)); // index of the oldest element
     MMutex lock;
     PlatformEvent notEmptyEvent;
 };

@@ -113,6 +113,6 @@ private:
     CrashCallback crashCallback;
     ModuleReference moduleReference;
     MMutex shutdownMutex; // guards the two below, and is held while nothing else is done
-    std::vector<MCallbackFunctorPtr> shutdownFunctors;
-    bool shutdownFunctorsRun;
+    std::vector<MCallbackFunctorPtr> shutdownFunctors VAREK_LOCK_RULE(guarded_by(shutdownMutex));
+    bool shutdownFunctorsRun VAREK_LOCK_RULE(guarded_by(shutdownMutex));
 };
