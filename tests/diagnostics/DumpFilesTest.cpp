@@ -24,20 +24,13 @@ namespace
 const wchar_t dumpPath[] = L"C:\\Temp\\DebugDump.log";
 const wchar_t prefix[] = L"C:\\Temp\\crash test";
 
-std::string Read(const wchar_t* path)
+std::string Read(const wchar_t* path, DWORD flags = 0)
 {
-    const HANDLE file = CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE file = CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, flags, nullptr);
     DWORD size = GetFileSize(file, nullptr);
     std::string content(size, '\0');
     ReadFile(file, &content[0], size, &size, nullptr);
     CloseHandle(file);
-    return content;
-}
-
-std::string ReadAndDelete(const wchar_t* path)
-{
-    const std::string content = Read(path);
-    DeleteFileW(path);
     return content;
 }
 
@@ -145,7 +138,8 @@ TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
     for (int i = 0; i < 2; ++i) {
         EXPECT_TRUE(crashDump.WriteText());
         EXPECT_EQ(0u, std::wstring(crashDump.GetPath()).find(prefix + std::wstring(L"-2")));
-        EXPECT_EQ(0u, ReadAndDelete(crashDump.GetPath()).find("%% Reference time: "));
+        EXPECT_EQ(0u,
+                  Read(crashDump.GetPath(), FILE_FLAG_DELETE_ON_CLOSE).find("%% Reference time: "));
     }
     DumpPath path(prefix);
     std::set<std::wstring> paths;
@@ -177,7 +171,7 @@ TEST(CrashDump, MinidumpOfAFaultHoldsTheRecorderAsItsDescriptionSays)
         return GuardAccept;
     };
     EXPECT_FALSE(RunGuarded(fault, write, &crashDump));
-    const std::string dump = ReadAndDelete(crashDump.GetPath());
+    const std::string dump = Read(crashDump.GetPath(), FILE_FLAG_DELETE_ON_CLOSE);
     EXPECT_GT(6500000u, dump.size());
 
     const Reader reader(dump);
