@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <random>
+
 // Inputs of the fuzzer, and what its player tells besides looking at names, data and the index.
 TEST(XmlOperations, DocumentsMoveReadAndChangeAsTold)
 {
@@ -157,4 +160,47 @@ TEST(XmlOperations, ReplacedElementsAreDeletedInOrderAndNotEdited)
     EXPECT_EQ(document.ReplaceInnerMarkup(L""), 1);
     EXPECT_FALSE(document.GetRecord(1).Has(XmlElementIllFormed));
     EXPECT_EQ(document.GetErrorText(), L"");
+}
+
+// One index is told that it is in no order, and so follows the links. Some elements come to stand
+// where they cannot.
+TEST(XmlElementIndex, ShiftsByOffsetAsByLinks)
+{
+    std::mt19937 random(5);
+    for (int round = 0; round < 500; ++round) {
+        MXmlElementIndex indices[2];
+        for (MXmlElementIndex& index : indices)
+            index.Clear(8);
+        indices[0].LoseOrder();
+        for (int step = 0; step < 30; ++step) {
+            const auto some = static_cast<std::int32_t>(random() % indices[0].Count());
+            const std::uint32_t choice = random();
+            const std::int32_t astray = random() % 40 != 0 ? 0 : random() % 60 - 30;
+            for (MXmlElementIndex& index : indices) {
+                const MXmlElementRecord& at = index[some];
+                const std::int32_t last = choice % 2 != 0 ? index.LastChild(some) : 0;
+                MXmlElementRecord added = {0, 7, 3 | 4 << 22, 0, 0, 0, 0, 0};
+                if (!index.IsInDocument(some))
+                    continue;
+                if (choice % 8 < 5) {
+                    added.start = (last != 0 ? index[last].End() : at.ContentStart()) + astray;
+                    index.ShiftOffsetsAfter(some, last, added.length);
+                    index.LinkElement(some, last, added);
+                } else if (choice % 8 == 5 && some != 0) {
+                    index.DeleteDescendants(some);
+                    const std::int32_t fragment = index.TakeFragment(index.LevelBelow(some));
+                    index.LinkElement(fragment, 0, added);
+                    const std::int32_t grown = added.length - index[some].ContentLength();
+                    index.ShiftOffsets(some, grown, true);
+                    index[some].GrowBy(grown);
+                    index.AdoptFragment(some, fragment, index[some].ContentStart() + astray);
+                } else if (some != 0) {
+                    index.GrowTag(some, static_cast<std::int32_t>(choice / 8 % 9) - 2);
+                }
+            }
+            for (std::int32_t i = 0; i < indices[0].Count(); ++i)
+                ASSERT_EQ(std::memcmp(&indices[0][i], &indices[1][i], sizeof(MXmlElementRecord)), 0)
+                    << round << ", step " << step << ", record " << i;
+        }
+    }
 }

@@ -77,7 +77,7 @@ TEST(XmlParse, CapacityGrowsSegmentBySegmentAndDepthHasNoLimit)
 TEST(XmlParse, RandomNestingAsLiterally)
 {
     const std::vector<std::wstring> pieces =
-        Pieces(L"<a>|<b>|<c>|<a=b>|<a[b>|<b]b>|<bab>|<c=bab>|<c[b]b>|<A=b>|<cab>|<B>|<d/>|x>|"
+        Pieces(L"<a>|<b>|<c>|<a=b>|<a[b>|<b]b>|<bab>|<c=bab>|<c[b]b>|<A=b>|<cab>|<B>|<d/>|x>|>/a>|"
                L"</a>|</a=b>|</B]b>|</bab>|</c=b>|<!-- -->|<1>|<\u00E9>|</\u00C9>|</\u00E9>");
     std::mt19937 random(20240301);
     for (int i = 0; i < 4000; ++i) {
