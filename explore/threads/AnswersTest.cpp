@@ -1,7 +1,7 @@
 // What the engine raises when the kernel answers what nothing can have it answer on Windows.
 
-#include "engine/MCommandProcessor.h"
 #include "explore/kernel/Answers.h"
+#include "engine/MCommandProcessor.h"
 #include "tests/engine/EngineFixtures.h"
 #include "tests/support/LeakCheck.h"
 
@@ -83,17 +83,17 @@ TEST(Answers, FlushAndStopLeaveAThreadThatCanBeStopped)
 
 TEST(Answers, CallersOfAProcessorAreToldAndItGoesOn)
 {
-    const Told answers[] = {{one, 128, 6, "IsAborted:ErrorAccessingEvent winErrorCode=6"},
-                            {"CreateEventW", 0, 8, "ExecuteSynchronously:WaitFailed winErrorCode=8"},
-                            {many, 128, 0, "ExecuteSynchronously:Abandoned"},
-                            {many, 129, 0, "ExecuteSynchronously:Abandoned"},
-                            {many, WAIT_FAILED, 6, "ExecuteSynchronously:WaitFailed winErrorCode=6"}};
+    const Told answers[] = {
+        {one, 128, 6, "IsAborted:ErrorAccessingEvent winErrorCode=6"},
+        {"CreateEventW", 0, 8, "ExecuteSynchronously:WaitFailed winErrorCode=8"},
+        {many, 128, 0, "ExecuteSynchronously:Abandoned"},
+        {many, 129, 0, "ExecuteSynchronously:Abandoned"},
+        {many, WAIT_FAILED, 6, "ExecuteSynchronously:WaitFailed winErrorCode=6"}};
     MCommandProcessor processor(nullptr, nullptr, nullptr, nullptr, 0);
     processor.Start();
     for (const Told& told : answers) {
-        EXPECT_EQ(std::string("MCommandProcessor.") + told.raised, RaisedWhenTold(told, [&] {
-                      processor.ExecuteSynchronously(NewCommand([] {}));
-                  }));
+        EXPECT_EQ(std::string("MCommandProcessor.") + told.raised,
+                  RaisedWhenTold(told, [&] { processor.ExecuteSynchronously(NewCommand([] {})); }));
         EXPECT_EQ("", Raised([&] { processor.ExecuteSynchronously(NewCommand([] {})); }));
     }
     processor.Stop();

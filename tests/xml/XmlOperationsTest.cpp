@@ -179,7 +179,7 @@ TEST(XmlElementIndex, ShiftsByOffsetAsByLinks)
             for (MXmlElementIndex& index : indices) {
                 const MXmlElementRecord& at = index[some];
                 const std::int32_t last = choice % 2 != 0 ? index.LastChild(some) : 0;
-                MXmlElementRecord added = {0, 7, 3 | 4 << 22, 0, 0, 0, 0, 0};
+                MXmlElementRecord added = {1, 7, 3 | 4 << 22, 0, 0, 0, 0, 0};
                 if (!index.IsInDocument(some))
                     continue;
                 if (choice % 8 < 5) {
@@ -190,7 +190,7 @@ TEST(XmlElementIndex, ShiftsByOffsetAsByLinks)
                     index.DeleteDescendants(some);
                     const std::int32_t fragment = index.TakeFragment(index.LevelBelow(some));
                     index.LinkElement(fragment, 0, added);
-                    const std::int32_t grown = added.length - index[some].ContentLength();
+                    const std::int32_t grown = added.End() - index[some].ContentLength();
                     index.ShiftOffsets(some, grown, true);
                     index[some].GrowBy(grown);
                     index.AdoptFragment(some, fragment, index[some].ContentStart() + astray);

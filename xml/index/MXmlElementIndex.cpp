@@ -164,7 +164,7 @@ void MXmlElementIndex::GrowTag(std::int32_t record, std::int32_t delta)
     const std::int32_t length = element.StartTagLength() + delta;
     element.SetStartTagLength(length);
     element.GrowBy(delta);
-    if (element.StartTagLength() != length)
+    if (element.IsDocument() || element.StartTagLength() != length)
         LoseOrder();
     ShiftOffsets(record, delta, false);
 }
