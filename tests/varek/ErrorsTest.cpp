@@ -1,15 +1,15 @@
 // Texts, failures, chains, and the line that traces.
 
 #include "varek/Errors.h"
-#include "diagnostics/KLogger.h"
+#include "engine/PlatformEvent.h"
 #include "foundation/MErrorOutOfMemory.h"
-#include "tests/support/DumpedRecord.h"
 #include "tests/support/LeakCheck.h"
 #include "tests/support/Raised.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include "varek/Testing.h"
+
 #include <sstream>
 
 #include <windows.h>
@@ -46,20 +46,6 @@ void Free()
 {
     VAREK_TRACE(Grade::Low);
     VAREK_RAISE(L"Lost").Throw();
-}
-
-/// The newest records as "kind class function number number".
-std::vector<std::string> NewestRecords(std::size_t count)
-{
-    std::vector<std::string> lines;
-    for (const std::string& text : DumpedTexts(*KLogger::GetModuleLogger())) {
-        std::istringstream words(text);
-        std::string word, line;
-        while (words >> word && word != "for_object")
-            line += word + " ";
-        lines.push_back(line);
-    }
-    return std::vector<std::string>(lines.end() - static_cast<std::ptrdiff_t>(count), lines.end());
 }
 
 } // namespace
@@ -153,19 +139,40 @@ TEST(Errors, OfAChainAreWalkedFoundAndToldInOneLine)
 TEST(Trace, NamesClassesFunctionsAndObjectsWhereverTheLineStands)
 {
     LeakCheck::Skip(); // the names stay
+    const varek::Recording recording;
     Kettle kettle;
-    kettle.Heat(3);
     kettle.Heat(9ULL);
     Kettle::Describe();
     EXPECT_EQ("Kettle.Heat:Boils degrees=90", Raised([&] { kettle.Heat(90); }));
     EXPECT_EQ("Free:Lost", Raised(Free));
-    const std::vector<std::string> records = NewestRecords(18);
-    const char* const expected[] = {"Kettle", "operator()", "Boils", "Describe", "Free", "Lost"};
-    for (const char* name : expected) {
-        const auto names = [&](const std::string& line) {
-            return line.find(name) != std::string::npos;
-        };
-        EXPECT_TRUE(std::any_of(records.begin(), records.end(), names)) << name;
-    }
-    EXPECT_EQ("% Scope_push in_class Kettle at Heat ", records[4]);
+    recording.Expect(varek::Scope(L"Kettle", L"Kettle"))
+        .Before(varek::Scope(L"Kettle", L"Heat"))
+        .Before(varek::Scope(L"Kettle", L"operator()"))
+        .Before(varek::ScopeEnd(L"Kettle", L"operator()"))
+        .Before(varek::ScopeEnd(L"Kettle", L"Heat"))
+        .Before(varek::Scope(L"Kettle", L"Describe"))
+        .Before(varek::Error(L"Boils"))
+        .Before(varek::ScopeEnd(L"Kettle", L"Heat"))
+        .Before(varek::Error(L"Lost"))
+        .Before(varek::ScopeEnd(L"", L"Free"));
+}
+
+TEST(Testing, WhatIsNotAsExpectedIsToldAndLeaksAreCounted)
+{
+    LeakCheck::Skip();
+    std::string told;
+    varek::Recording recording([&](const std::string& finding) { told = finding; });
+    Raised([] { Kettle().Heat(90); });
+    recording.Expect(varek::Error(L"Boils")).Before(varek::Scope(L"Kettle", L"Heat"));
+    EXPECT_EQ(0u,
+              told.find("there is no Scope_push Kettle Heat among\n% Scope_pop in_class Kettle"));
+    recording.ExpectNone(varek::Error(L"Boils"));
+    EXPECT_EQ(0u, told.find("not expected: % Root_error Boils in_class Kettle at Heat"));
+    varek::Recording([&](const std::string&) { ADD_FAILURE(); }).ExpectNone(varek::Error(L"Boils"));
+
+    const varek::Leaks leaks;
+    const auto block = std::make_unique<int>();
+    const PlatformEvent handle(EventReset::Manual);
+    EXPECT_EQ(1, leaks.Blocks());
+    EXPECT_EQ(1, leaks.Handles());
 }

@@ -44,21 +44,3 @@ void Untraced::Heat(unsigned)
 {
     Work();
 }
-
-void FreeByLine(unsigned degrees)
-{
-    VAREK_TRACE(degrees);
-    Work();
-}
-
-void FreeByHand(unsigned degrees)
-{
-    static MFlowLocation location(nullptr, L"FreeByHand");
-    MFlowScope scope(location.SetObject(nullptr), degrees);
-    Work();
-}
-
-void FreeUntraced(unsigned)
-{
-    Work();
-}
