@@ -3,6 +3,7 @@
 // a name, changes of state, and a failure now and then.
 
 #include "diagnostics/ClassName.h"
+#include "diagnostics/CrashDump.h"
 #include "diagnostics/MDiagnosticsRegistry.h"
 #include "diagnostics/MFlowLocation.h"
 #include "diagnostics/MFlowLogger.h"
@@ -14,6 +15,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include <windows.h>
 
 namespace
 {
@@ -140,12 +143,20 @@ void ServeRequests(unsigned thread)
     }
 }
 
+bool WriteMinidump(const std::string& name)
+{
+    CrashDump crashDump(L"full-ring");
+    const std::wstring path(name.begin(), name.end());
+    return crashDump.WriteMinidump(nullptr) &&
+           MoveFileExW(crashDump.GetPath(), path.c_str(), MOVEFILE_REPLACE_EXISTING);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: full-ring FILE\n");
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: full-ring TEXT MINIDUMP\n");
         return 2;
     }
     std::vector<std::thread> threads;
@@ -157,5 +168,5 @@ int main(int argc, char** argv)
 
     std::ofstream file(argv[1]);
     MFlowLogger::GetInstance()->GetImplementation()->DumpToStream(file);
-    return file ? 0 : 1;
+    return file && WriteMinidump(argv[2]) ? 0 : 1;
 }

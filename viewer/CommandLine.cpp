@@ -35,25 +35,33 @@ void AddOutputs(CLI::App& app, Words& words, CommandLine& line)
     app.add_flag("--list", words.list, "all records in order of time, one line each");
     app.add_flag("--stats", words.stats, "how often and how long, by function");
     app.add_flag("--diff", words.diff, "what differs between two dumps, the earlier first");
-    app.add_option("--html", words.page, "write a page with the timeline; - is standard output");
-    app.add_option("--trace", words.trace, "write trace events, as Perfetto opens; likewise");
+    app.add_option("--html", words.page, "write a page with the timeline; - is standard output")
+        ->type_name("FILE");
+    app.add_option("--trace", words.trace, "write trace events, as Perfetto opens; likewise")
+        ->type_name("FILE");
     app.add_option("--by", words.by, "statistics by function, class or object")
+        ->type_name("WHAT")
         ->check(CLI::IsMember({"function", "class", "object"}));
     app.add_option("--sort", line.sort, "statistics by a column, or by name")
+        ->type_name("COLUMN")
         ->check(CLI::IsMember(ScopeStatistics::SortColumns()));
     app.add_option("--format", line.format, "statistics as text, csv or json")
+        ->type_name("FORM")
         ->check(CLI::IsMember({"text", "csv", "json"}));
 }
 
 void AddFilters(CLI::App& app, Words& words, CommandLine& line)
 {
     app.add_option("--dump", line.dumpNumber, "which of several dumps in one file, from 1")
-        ->check(CLI::PositiveNumber);
-    app.add_option("--thread", line.filter.thread, "only the thread with this id or name");
-    app.add_option("--class", line.filter.className, "only the class of this name");
-    app.add_option("--object", words.object, "only the object with this address or name");
-    app.add_option("--from", words.from, "only what happened from this time on");
-    app.add_option("--to", words.to, "only what happened up to this time");
+        ->type_name("NUMBER");
+    app.add_option("--thread", line.filter.thread, "only the thread with this id or name")
+        ->type_name("THREAD");
+    app.add_option("--class", line.filter.className, "only the class of this name")
+        ->type_name("CLASS");
+    app.add_option("--object", words.object, "only the object with this address or name")
+        ->type_name("OBJECT");
+    app.add_option("--from", words.from, "only what happened from this time on")->type_name("TIME");
+    app.add_option("--to", words.to, "only what happened up to this time")->type_name("TIME");
 }
 
 std::optional<std::uint64_t> AddressIn(std::string_view text)
@@ -124,12 +132,10 @@ CommandLine CommandLine::Parse(const std::vector<std::filesystem::path>& argumen
     Words words;
     CLI::App app(purpose, "varek-log");
     app.get_formatter()->column_width(22);
-    app.get_formatter()->label("TEXT", "");
-    app.get_formatter()->label("UINT", "");
     app.footer(remarks);
     app.set_help_flag("--help", "this text");
     app.set_version_flag("--version", "varek-log " VAREK_VERSION, "the version");
-    app.add_option("FILE", words.files, "dumps; - or none is standard input");
+    app.add_option("FILE", words.files, "dumps; - or none is standard input")->type_name("");
     AddOutputs(app, words, line);
     AddFilters(app, words, line);
 

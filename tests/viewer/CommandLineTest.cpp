@@ -58,7 +58,7 @@ TEST(CommandLine, TakesWallClocksAsExactlyAsTheyAreWritten)
 TEST(CommandLine, SaysWhatItDoesNotUnderstand)
 {
     EXPECT_EQ("The following argument was not expected: -x", ComplaintAbout({"-x"}));
-    EXPECT_EQ("--class: 1 required TEXT missing", ComplaintAbout({"a", "--class"}));
+    EXPECT_EQ("--class: 1 required CLASS missing", ComplaintAbout({"a", "--class"}));
     EXPECT_EQ("standard output takes one text at a time",
               ComplaintAbout({"--trace", "-", "--tree"}));
     EXPECT_EQ("--diff takes two dumps", ComplaintAbout({"--diff", "a", "b", "c"}));

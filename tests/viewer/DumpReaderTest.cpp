@@ -126,6 +126,18 @@ TEST(DumpReader, ReadsWhatMailMakesOfADumpAndSaysSo)
     }
 }
 
+// A constructor has the name of its class, and so tells how to read the other line.
+TEST(DumpReader, TellsNamesApartByTheirNumbersOrSaysThatItCannot)
+{
+    const std::string once = RecordLines(0, EventKind::ScopePush, "A at B.c at d");
+    EXPECT_EQ("1 line can be read in several ways, since names have \" at \" or \" in_class \" in "
+              "them.",
+              ReadText(once).findings.Sentences()[1]);
+    const Dump dump = ReadText(once + RecordLines(1, EventKind::Construction, "A at B.A at B"));
+    EXPECT_EQ("A at B.c at d", Description::Place(dump.records[0], dump.names));
+    EXPECT_EQ(1u, dump.findings.Sentences().size());
+}
+
 TEST(DumpReader, KnowsAHeaderInANameFromAnotherDump)
 {
     std::string named = RecordLines(5, EventKind::TimingPoint, "f");

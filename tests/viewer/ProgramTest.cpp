@@ -1,6 +1,7 @@
 // The program as a whole: what it reads, where it writes, and how it ends.
 
 #include "tests/viewer/SampleDump.h"
+#include "tests/viewer/TraceRules.h"
 #include "viewer/reading/TextFile.h"
 
 #include <gtest/gtest.h>
@@ -53,6 +54,10 @@ TEST_F(Program, ReadsAFileOrStandardInputAndWritesWhereItIsTold)
     EXPECT_EQ(0, Run("--list --from 15:12:20.782 --to 15:12:21 sample.log"));
     const std::string list = Text("out");
     EXPECT_EQ(8, std::count(list.begin(), list.end(), '\n'));
+
+    TextFile::Write(folder + "M\xFCll \"<\x01.log", sampleDump);
+    EXPECT_EQ(0, Run("--trace - M*.log"));
+    EXPECT_EQ("M\xC3\xBCll \"<\xEF\xBF\xBD.log", Json::parse(Text("out"))["otherData"]["source"]);
 
     TextFile::Write(folder + "cut.log", std::string(sampleDump).substr(0, 900));
     EXPECT_EQ(0, Run("--tree cut.log"));

@@ -99,6 +99,8 @@ void EndReport::AddThreads()
         text += "  and " + TextForms::Count(threads.size() - mostThreads, "thread") +
                 " more in scopes; --tree shows them\n";
     AddIdle(idle);
+    if (threads.empty() && idle.empty())
+        text += "  no thread was left of those that recorded\n";
 }
 
 void EndReport::AddThread(const Timeline& timeline, const DumpRecord* last)
