@@ -5,7 +5,6 @@
 
 #include <cstring>
 #include <random>
-#include <sstream>
 
 namespace
 {
@@ -23,15 +22,6 @@ bool IsAsLiterally(const std::wstring& text, bool ignoreCase = false)
         same = std::memcmp(&document.GetRecord(i), &literal.records[static_cast<std::size_t>(i)],
                            sizeof(MXmlElementRecord)) == 0;
     return same;
-}
-
-std::vector<std::wstring> Pieces(const wchar_t* joined)
-{
-    std::vector<std::wstring> pieces;
-    std::wistringstream stream(joined);
-    for (std::wstring piece; std::getline(stream, piece, L'|');)
-        pieces.push_back(piece);
-    return pieces;
 }
 
 } // namespace
@@ -76,9 +66,11 @@ TEST(XmlParse, CapacityGrowsSegmentBySegmentAndDepthHasNoLimit)
 // Deeper than the search for an end tag looks by itself, with names that share their front.
 TEST(XmlParse, RandomNestingAsLiterally)
 {
-    const std::vector<std::wstring> pieces =
-        Pieces(L"<a>|<b>|<c>|<a=b>|<a[b>|<b]b>|<bab>|<c=bab>|<c[b]b>|<A=b>|<cab>|<B>|<d/>|x>|>/a>|"
-               L"</a>|</a=b>|</B]b>|</bab>|</c=b>|<!-- -->|<1>|<\u00E9>|</\u00C9>|</\u00E9>");
+    const std::vector<std::wstring> pieces = {
+        L"<a>",     L"<b>",      L"<c>",       L"<a=b>",    L"<a[b>",  L"<b]b>",  L"<bab>",
+        L"<c=bab>", L"<c[b]b>",  L"<A=b>",     L"<cab>",    L"<B>",    L"<d/>",   L"x>",
+        L">/a>",    L"</a>",     L"</a=b>",    L"</B]b>",   L"</bab>", L"</c=b>", L"<!-- -->",
+        L"<1>",     L"<\u00E9>", L"</\u00C9>", L"</\u00E9>"};
     std::mt19937 random(20240301);
     for (int i = 0; i < 4000; ++i) {
         std::wstring text;
