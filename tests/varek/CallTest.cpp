@@ -31,10 +31,15 @@ struct StartedProcessor : MCommandProcessor {
     }
 };
 
-template <class T>
-std::string Outcome(std::future<T>& future)
+/// Every way of calling, to the end.
+void CallBy(int way, MCommandProcessor& processor, const Action& work)
 {
-    return Raised([&] { future.get(); });
+    if (way == 0)
+        varek::Call(processor, work);
+    else if (way == 1)
+        varek::CallFor(std::chrono::hours(2000), processor, work);
+    else
+        varek::CallAsync(processor, work).get();
 }
 
 } // namespace
@@ -42,47 +47,39 @@ std::string Outcome(std::future<T>& future)
 TEST(Call, GivesBackWhatTheFunctionDoes)
 {
     StartedProcessor processor;
-    int number = 7;
     auto counting = [count = 0]() mutable { return ++count; };
     varek::Call(processor, counting);
     EXPECT_EQ(2, varek::Call(processor, counting)); // it is not copied
-    EXPECT_EQ(&number, &varek::Call(processor, [&]() -> int& { return number; }));
+    EXPECT_EQ(&processor, &varek::Call(
+                              processor, [&]() -> auto& { return processor; }));
     EXPECT_EQ(3, *varek::Call(processor, [] { return std::make_unique<int>(3); }));
-    EXPECT_TRUE(varek::Call(processor, [&] { return processor.IsCurrentThread(); }));
-    EXPECT_EQ(4, *varek::CallAsync(processor, [p = std::make_unique<int>(4)]() mutable {
-                      return std::move(p);
-                  }).get());
-    varek::CallFor(std::chrono::hours(2000), processor, [&] { number = 8; });
-    EXPECT_EQ(8, number);
+    auto moving = [p = std::make_unique<int>(4)]() mutable { return std::move(p); };
+    EXPECT_EQ(4, *varek::CallAsync(processor, std::move(moving)).get());
 }
 
 TEST(Call, EveryWayOfCallingRaisesTheSame)
 {
     StartedProcessor processor;
-    varek::CancelToken cancelled;
     const std::pair<std::string, Action> failures[] = {
+        {"", [&] { EXPECT_TRUE(processor.IsCurrentThread()); }},
         {"Pump:Dry", [] { Raise("Pump:Dry"); }},
         {"varek.Call:StandardException type=St13runtime_error what=odd",
          [] { throw std::runtime_error("odd"); }},
-    };
-    for (const auto& failure : failures) {
-        const Action& action = failure.second;
-        EXPECT_EQ(failure.first, Raised([&] { varek::Call(processor, action); }));
-        EXPECT_EQ(failure.first,
-                  Raised([&] { varek::CallFor(milliseconds(9999), processor, action); }));
-        EXPECT_EQ(failure.first, Raised([&] { varek::CallAsync(processor, action).get(); }));
-    }
-    const auto own = [&] { return Raised([&] { varek::Call(processor, [] {}); }); };
-    EXPECT_EQ("varek.Call:OwnThread", varek::Call(processor, own));
-    cancelled.Cancel();
+        {"varek.Call:OwnThread", [&] { CallBy(0, processor, [] {}); }},
+        {"varek.Call:OwnThread", [&] { CallBy(1, processor, [] {}); }}};
+    for (const auto& failure : failures)
+        for (int way : {0, 1, 2})
+            EXPECT_EQ(failure.first, Raised([&] { CallBy(way, processor, failure.second); }));
+
+    varek::CancelToken token;
+    token.Cancel();
     const Action never = [] { ADD_FAILURE(); };
-    EXPECT_EQ("varek.Call:Cancelled", Raised([&] { varek::Call(processor, never, cancelled); }));
+    EXPECT_EQ("varek.Call:Cancelled", Raised([&] { varek::Call(processor, never, token); }));
     EXPECT_EQ("varek.Call:Cancelled",
-              Raised([&] { varek::CallAsync(processor, never, cancelled).get(); }));
+              Raised([&] { varek::CallAsync(processor, never, token).get(); }));
     processor.Stop();
-    EXPECT_EQ("varek.Call:ProcessorStopped", Raised([&] { varek::Call(processor, never); }));
-    EXPECT_EQ("varek.Call:CommandProcessingAborted",
-              Raised([&] { varek::CallAsync(processor, never).get(); }));
+    EXPECT_EQ("varek.Call:ProcessorStopped", Raised([&] { CallBy(0, processor, never); }));
+    EXPECT_EQ("varek.Call:CommandProcessingAborted", Raised([&] { CallBy(2, processor, never); }));
 }
 
 TEST(CallFor, GivesUpWaitingAndLeavesTheFunctionAlone)
@@ -132,13 +129,13 @@ TEST(Call, AThreadThatHasDiedIsAnErrorAndWhatWasGivenUpIsNotRunLater)
         varek::Call(processor, [] {});
         EXPECT_EQ(1, ran); // the one whose future is still there
     }
-    EXPECT_EQ("", Outcome(early));
+    early.get();
     std::future<void> late;
     {
         MCommandProcessor neverStarted(nullptr, nullptr, nullptr, nullptr, 0);
         late = varek::CallAsync(neverStarted, count);
     }
-    EXPECT_EQ("varek.Call:CommandProcessingAborted", Outcome(late));
+    EXPECT_EQ("varek.Call:CommandProcessingAborted", Raised([&] { late.get(); }));
 }
 
 TEST(Call, ManyCallersThroughAStopGetAResultOrAnErrorEach)
@@ -147,17 +144,11 @@ TEST(Call, ManyCallersThroughAStopGetAResultOrAnErrorEach)
         std::atomic<int> ran{0}, answered{0}, refused{0};
         StartedProcessor processor;
         RunOnThreads(4, [&](int number) {
-            const auto work = [&] { return ++ran; };
             for (int i = 0; i < 50; ++i)
                 try {
                     if (number == 0 && i == 25)
                         processor.Stop();
-                    if (i % 3 == 0)
-                        varek::Call(processor, work);
-                    else if (i % 3 == 1)
-                        varek::CallFor(std::chrono::minutes(1), processor, work);
-                    else
-                        varek::CallAsync(processor, work).get();
+                    CallBy(i % 3, processor, [&] { ++ran; });
                     ++answered;
                 } catch (MException&) {
                     ++refused;
@@ -178,12 +169,8 @@ TEST(Call, WithoutMemoryItIsNotRunAndTheProcessorGoesOn)
 {
     StartedProcessor processor;
     std::atomic<int> ran{0};
-    const Action calls[] = {
-        [&] { varek::Call(processor, [&] { ++ran; }); },
-        [&] { varek::CallFor(std::chrono::minutes(1), processor, [&] { ++ran; }); },
-        [&] { varek::CallAsync(processor, [&] { ++ran; }).get(); },
-    };
-    for (const Action& call : calls) {
+    for (int way : {0, 1, 2}) {
+        const Action call = [&] { CallBy(way, processor, [&] { ++ran; }); };
         call();
         ran = 0;
         ForEachFailingAllocation(AllocationFailure::Throws, call, [&](ShortageOutcome outcome) {
