@@ -1,9 +1,7 @@
 // The calls of the kernel, as they are documented.
 
-#include "explore/kernel/Answers.h"
 #include "explore/kernel/Handles.h"
 
-#include <cerrno>
 #include <cstdlib>
 
 #include <objbase.h>
@@ -15,8 +13,7 @@ namespace
 HANDLE OpenNew(const char* call, bool signalled, bool stays)
 {
     const Turn turn(call, Turn::Entry::AtOnce);
-    std::uint32_t answer = 0;
-    return IsToldAnswer(call, answer) ? nullptr : OpenHandle(MakeObject(signalled, stays));
+    return OpenHandle(MakeObject(signalled, stays));
 }
 
 BOOL Signal(const char* call, HANDLE event, bool signalled)
@@ -80,9 +77,6 @@ DWORD End(Object& object, DWORD index)
 DWORD Wait(const char* call, DWORD count, const HANDLE* handles, DWORD timeoutMs)
 {
     Turn turn(call);
-    std::uint32_t told = 0;
-    if (IsToldAnswer(call, told))
-        return told;
     if (count > MAXIMUM_WAIT_OBJECTS) {
         CurrentThread().lastError = ERROR_INVALID_PARAMETER;
         return WAIT_FAILED;
@@ -172,11 +166,6 @@ std::uintptr_t _beginthreadex(void*, unsigned, unsigned (*routine)(void*), void*
     NewThread* thread = nullptr;
     {
         Turn turn("_beginthreadex");
-        std::uint32_t error = 0;
-        if (IsToldAnswer("_beginthreadex", error)) {
-            errno = static_cast<int>(error);
-            return 0;
-        }
         thread = static_cast<NewThread*>(std::malloc(sizeof *thread));
         *thread = {routine, argument, MakeObject(false, true)};
         thread->object->thread = *threadId = NextThreadId();
@@ -185,6 +174,19 @@ std::uintptr_t _beginthreadex(void*, unsigned, unsigned (*routine)(void*), void*
     }
     RunThread(*threadId, RunNewThread, thread);
     return reinterpret_cast<std::uintptr_t>(handle);
+}
+
+HANDLE CreateThread(void*, std::size_t, LPTHREAD_START_ROUTINE routine, void* argument, DWORD,
+                    DWORD*)
+{
+    unsigned id = 0;
+    return reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, routine, argument, 0, &id));
+}
+
+// It stays where it waits.
+BOOL TerminateThread(HANDLE, DWORD)
+{
+    return TRUE;
 }
 
 void InitializeCriticalSection(CRITICAL_SECTION* section)

@@ -35,8 +35,20 @@ extern "C" void AnnotateIgnoreWritesEnd(const char* file, int line);
 namespace
 {
 
-std::mutex kernel;
-std::condition_variable changed;
+// Made at the first call, which the static start-up makes, and never destroyed: threads may wait to
+// the end of the process and beyond.
+
+std::mutex& Kernel()
+{
+    static std::mutex& kernel = *new std::mutex;
+    return kernel;
+}
+
+std::condition_variable& Change()
+{
+    static std::condition_variable& change = *new std::condition_variable;
+    return change;
+}
 
 void Hide()
 {
@@ -93,29 +105,29 @@ Turn::Turn(const char*, Entry)
 {
     Hide();
     CurrentThread();
-    kernel.lock();
+    Kernel().lock();
 }
 
 Turn::~Turn()
 {
-    kernel.unlock();
+    Kernel().unlock();
     Show();
 }
 
 void Turn::Changed()
 {
-    changed.notify_all();
+    Change().notify_all();
 }
 
 bool Turn::AwaitCondition(bool (*ready)(void*), void* context, std::uint32_t timeoutMs)
 {
-    std::unique_lock<std::mutex> lock(kernel, std::adopt_lock);
+    std::unique_lock<std::mutex> lock(Kernel(), std::adopt_lock);
     const auto isReady = [=] { return ready(context); };
     bool answer = true;
     if (timeoutMs == INFINITE)
-        changed.wait(lock, isReady);
+        Change().wait(lock, isReady);
     else
-        answer = changed.wait_for(lock, std::chrono::milliseconds(timeoutMs), isReady);
+        answer = Change().wait_for(lock, std::chrono::milliseconds(timeoutMs), isReady);
     lock.release();
     return answer;
 }

@@ -2,5 +2,6 @@
 
 #include <cstdint>
 
-std::uintptr_t _beginthreadex(void* security, unsigned stackSize, unsigned (*routine)(void*),
-                              void* argument, unsigned flags, unsigned* threadId);
+extern "C" std::uintptr_t _beginthreadex(void* security, unsigned stackSize,
+                                         unsigned (*routine)(void*), void* argument, unsigned flags,
+                                         unsigned* threadId);

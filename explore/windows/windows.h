@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 // As much of <windows.h> as the rooms include it for, on the build machine. explore/kernel answers
@@ -8,6 +9,7 @@
 typedef std::int32_t BOOL;
 typedef std::uint32_t DWORD;
 typedef std::int32_t LONG;
+typedef LONG HRESULT;
 typedef void* HANDLE;
 typedef void* HMODULE;
 
@@ -27,6 +29,8 @@ const DWORD ERROR_INVALID_PARAMETER = 87;
 
 const DWORD SYNCHRONIZE = 0x00100000;
 
+extern "C" {
+
 HANDLE CreateEventW(void* security, BOOL manualReset, BOOL initialState, const wchar_t* name);
 HANDLE CreateMutexW(void* security, BOOL initialOwner, const wchar_t* name);
 HANDLE OpenThread(DWORD access, BOOL inherit, DWORD threadId);
@@ -35,6 +39,12 @@ BOOL ResetEvent(HANDLE event);
 BOOL CloseHandle(HANDLE handle);
 DWORD WaitForSingleObject(HANDLE handle, DWORD timeoutMs);
 DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL all, DWORD timeoutMs);
+
+typedef DWORD (*LPTHREAD_START_ROUTINE)(void*);
+
+HANDLE CreateThread(void* security, std::size_t stackSize, LPTHREAD_START_ROUTINE routine,
+                    void* argument, DWORD flags, DWORD* threadId);
+BOOL TerminateThread(HANDLE thread, DWORD exitCode);
 
 struct CRITICAL_SECTION {
     DWORD owner;
@@ -62,8 +72,10 @@ BOOL QueryPerformanceFrequency(LARGE_INTEGER* ticksPerSecond);
 
 const DWORD GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS = 4;
 
+HMODULE GetModuleHandleW(const wchar_t* name);
 BOOL GetModuleHandleExW(DWORD flags, const wchar_t* address, HMODULE* module);
 BOOL FreeLibrary(HMODULE module);
+void* GetProcAddress(HMODULE module, const char* name);
 
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(-1))
 const DWORD GENERIC_WRITE = 0x40000000;
@@ -118,3 +130,4 @@ LSTATUS RegSetValueExW(HKEY key, const wchar_t* name, DWORD reserved, DWORD type
 LSTATUS RegQueryValueExW(HKEY key, const wchar_t* name, DWORD* reserved, DWORD* type, BYTE* data,
                          DWORD* size);
 LSTATUS RegCloseKey(HKEY key);
+}
