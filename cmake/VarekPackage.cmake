@@ -41,6 +41,7 @@ install(PROGRAMS cmake/wine-run DESTINATION bin)
 # The pages for users, beside the examples that they show. Their links to headers and views lead to
 # where these are installed; what is not installed goes without a link.
 install(FILES CHANGELOG.md DESTINATION share/doc/varek)
+set(rooms "diagnostics|engine|filers|foundation|module|varek|xml")
 foreach(name IN ITEMS
         building-on-windows coming-from commands-and-events debugging document-engine face filing host
         own-threads reading-a-dump security tutorial varek-log)
@@ -48,7 +49,7 @@ foreach(name IN ITEMS
     file(READ docs/${name}.md page)
     string(REGEX REPLACE "\\[([^]]*)\\]\\(\\.\\./(tests|tools|viewer|cmake|CMake)[^)]*\\)"
         "\\1" page "${page}")
-    string(REGEX REPLACE "\\]\\(\\.\\./([a-z/]+/[A-Za-z0-9]+\\.h)\\)"
+    string(REGEX REPLACE "\\]\\(\\.\\./((${rooms})/[A-Za-z0-9/]+\\.h)\\)"
         "](../../../../include/varek/\\1)" page "${page}")
     string(REGEX REPLACE "\\]\\(\\.\\./(debugger/[a-z_.]+)\\)"
         "](../../../varek/\\1)" page "${page}")

@@ -159,9 +159,11 @@ detail::CallResult<F> CallFor(std::chrono::duration<Rep, Period> duration, F&& f
 /// Queues the function and returns at once, also on the processor's own thread. The function, which
 /// owns what it refers to, is destroyed on the processor thread, or by whoever drops it.
 ///
-/// The future becomes ready when the function has run or been dropped. A processor that is stopped
-/// drops what it could not run; one whose thread has died does so when it is destroyed, so do not
-/// wait for a future of such a one without a limit. A future that is let go of waits for nothing.
+/// The future becomes ready when the function has run or been dropped, with
+/// "CommandProcessingAborted" also where the processor had been stopped before. A processor that is
+/// stopped drops what it could not run; one whose thread has died does so when it is destroyed, so
+/// do not wait for a future of such a one without a limit. A future that is let go of waits for
+/// nothing.
 template <class F>
 std::future<detail::CallResult<F>> CallAsync(MCommandProcessor& processor, F&& function)
 {

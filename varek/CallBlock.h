@@ -167,15 +167,17 @@ std::exception_ptr WhyDropped(const CancelToken::Flag& cancelled) noexcept;
 /// The failure as an `MException`, or itself where there is no memory for that.
 std::exception_ptr AsMException(std::exception_ptr failure) noexcept;
 
-inline void Fulfil(std::promise<void>& promise, Result<void>&)
+template <class F>
+void Fulfil(std::promise<void>& promise, F& function)
 {
+    function();
     promise.set_value();
 }
 
-template <class R>
-void Fulfil(std::promise<R>& promise, Result<R>& result)
+template <class F, class R>
+void Fulfil(std::promise<R>& promise, F& function)
 {
-    promise.set_value(result.Take());
+    promise.set_value(function());
 }
 
 /// A call whose outcome goes into a future.
@@ -203,12 +205,9 @@ public:
     {
         if (cancelled && *cancelled)
             return;
-        const std::exception_ptr failure = RunCaught(RunThis, this);
         told = true;
-        if (failure)
+        if (const std::exception_ptr failure = RunCaught(RunThis, this))
             promise.set_exception(AsMException(failure));
-        else
-            Fulfil(promise, result);
     }
 
     std::future<R> GetFuture() { return promise.get_future(); }
@@ -217,13 +216,12 @@ private:
     static void RunThis(void* call)
     {
         AsyncCall& self = *static_cast<AsyncCall*>(call);
-        self.result.FillFrom(self.function);
+        Fulfil(self.promise, self.function);
     }
 
     F function;
     CancelToken::Flag cancelled;
     std::promise<R> promise;
-    Result<R> result;
     bool told;
 };
 

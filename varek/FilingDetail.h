@@ -238,7 +238,7 @@ bool Filing::operator()(TextView tag, T& value, const Default& defaultValue)
     static_assert(!decltype(detail::IsDescribed<T>(0))::value,
                   "the defaults of a described type stand in its own description");
     if (in)
-        value = defaultValue;
+        value = static_cast<T>(defaultValue);
     return File(tag, value, detail::KindOf<T>());
 }
 

@@ -5,6 +5,7 @@
 #include "module/ModuleCommandProcessor.h"
 #include "varek/Errors.h"
 
+#include <algorithm>
 #include <atomic>
 #include <vector>
 
@@ -68,7 +69,8 @@ struct Worker::Duty {
             return;
         LARGE_INTEGER due;
         due.QuadPart = -10000 * interval.count(); // relative, in units of 100 ns
-        const LONG period = periodic ? static_cast<LONG>(interval.count()) : 0;
+        const LONG period =
+            periodic ? static_cast<LONG>(std::max<long long>(interval.count(), 1)) : 0;
         if (!SetWaitableTimer(handle, &due, period, nullptr, nullptr, FALSE))
             Raise(Location(), L"CannotSetTimer").WithLastError().Throw();
     }
