@@ -142,6 +142,8 @@ private:
     bool Continue(std::string_view line, std::size_t at)
     {
         constexpr int mostWraps = 8;
+        if (kind == Item::None)
+            return false;
         const std::string_view before = lines[at - 1];
         const bool isHard = before.size() == width;
         const std::string_view rest =
