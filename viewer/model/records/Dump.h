@@ -44,9 +44,10 @@ struct Dump {
         return start ? WallClock(MomentAt(time)).Text() : "(unknown)";
     }
 
-    /// The same in microseconds since 1970; there has to be one.
+    /// The same in microseconds since 1970, as if the recorder had been started then where there is
+    /// none.
     std::int64_t MomentAt(std::int64_t time) const
     {
-        return start->SinceEpoch() + time - reference;
+        return start.value_or(WallClock(0)).SinceEpoch() + time - reference;
     }
 };

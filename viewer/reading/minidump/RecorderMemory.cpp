@@ -64,7 +64,9 @@ public:
 private:
     Bytes Slot(std::uint32_t index) const
     {
-        return *ring->Part(std::uint64_t(index) * layout.recordSize, layout.recordSize);
+        const Bytes records = ring.value_or(Bytes());
+        return records.Part(std::uint64_t(index) * layout.recordSize, layout.recordSize)
+            .value_or(Bytes());
     }
 
     static bool IsEmpty(const Bytes& slot)
