@@ -1,10 +1,9 @@
-// varek-explore [SECONDS]             runs all scenarios in all orders, and random ones for the
-// rest
-//                                     of the time, a minute if not told otherwise
+// varek-explore [SECONDS]
+//     runs all scenarios in all orders, and in random ones for the rest of the time, a minute
 // varek-explore --scenario SCENARIO [SECONDS]
-//                                     explores one
-// varek-explore SCENARIO [ORDER]      runs one once, in that order, and tells its calls of the
-// kernel
+//     explores one
+// varek-explore SCENARIO [ORDER]
+//     runs one once, in that order, and tells its calls of the kernel
 
 #include "explore/fibers/Exploration.h"
 #include "explore/fibers/Orders.h"
