@@ -114,7 +114,7 @@ TEST(MString, DoesWhatItIsToldAndNothingWhereMemoryIsShort)
 {
     Told strings[4];
     for (int step = 0; step < 20000; ++step) {
-        Told &a = strings[draw() % 4], &b = strings[random() % 4];
+        Told &a = strings[draw() % 4], &b = strings[draw() % 4];
         AssignOrAppend(a, b);
         ASSERT_TRUE(a.IsTrue() && b.IsTrue()) << step;
         MakeRoom(b);
