@@ -55,10 +55,11 @@ TEST(MOutFilerTaggedXml, DocumentHasItsFormToTheCharacter)
 
 TEST(MOutFilerTaggedXml, TagIsANameOrRefused)
 {
-    const std::wstring names[] = {L"a-b.c:9\xB7\x301", L"_\xD83C\xDF43\x4E2D", L":"};
+    const std::wstring names[] = {L"a-b.c:9\xB7\x301", L"_\xD83C\xDF43\x4E2D", L":\xDB7F\xDFFF"};
     const std::wstring others[] = {
-        L"",      L"-a",   L"9",     L"a b",          L"a>",      L"a/",       L"a=",
-        L"\x301", L"\xD7", L"a\xF7", L"\xDF43\xD83C", L"a\xD83C", L"a\xD83Cz", L"\xFFFE"};
+        L"",         L"-a",     L"9",           L"a b",   L"a>",           L"a/",
+        L"a=",       L"\x301",  L"\xD7",        L"a\xF7", L"\xDF43\xD83C", L"a\xD83C",
+        L"a\xD83Cz", L"\xFFFE", L"\xDB80\xDC00"};
     MOutFilerTaggedXml filer(L"r", nullptr);
     for (const std::wstring& other : others) {
         const MString tag(other.c_str());
@@ -114,6 +115,8 @@ TEST(MInFilerTaggedXml, ReadsInOrderByTheRulesOfEachType)
          L"(1);(1);(1);7;(0);2;(1);"},
         {L"<d type='int'>0</d><d/><w type='int'>2</w>", "Dd;Iw;Dd;ss",
          L"document;2;(document);(default);"},
+        {L"<d a='" + std::wstring(0x100000, L'<') + L"'>x</d><w type='int'>2</w>", "Dd;Iw",
+         L"(document);(1);"}, // the start tag is beyond what a record holds
         // Groups are found forward only, and nothing is passed if they are not.
         {L"<g type='int'>4</g><a><v type='int'>2</v></a><g><v type='int'>3</v><w/></g>"
          L"<v type='int'>5</v>",

@@ -1,9 +1,8 @@
 #include "foundation/MErrorOutOfMemory.h"
 
 #include "foundation/MDynClass.h"
+#include "tests/support/Allocations.h"
 #include "tests/support/Raised.h"
-
-#include <gtest/gtest.h>
 
 #include <locale>
 #include <memory>
@@ -71,6 +70,10 @@ TEST(MError, ParametersBecomePlainTextInOrderOfNameOfWhichTheFirstStays)
         ASSERT_EQ(expected, FailureText(MException(MError(error))));
     }
     std::locale::global(before);
+    const auto addNumber = [] { MError().AddParameter(L"n", 1234567890u, false); };
+    ForEachFailingAllocation(AllocationFailure::Throws, addNumber, [](ShortageOutcome outcome) {
+        EXPECT_NE(ShortageOutcome::Completed, outcome);
+    });
     EXPECT_EQ("Unspecified error", FailureText(MException(MError())));
     EXPECT_STREQ(L"A.B:C", MError(L"A.B:C").GetMessageText().c_str());
 }

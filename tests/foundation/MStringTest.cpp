@@ -74,22 +74,29 @@ void AssignOrAppend(Told& a, Told& b)
         chosen.told();
 }
 
-/// The old text stays in a buffer that is left alone, its length too; another is filled.
+/// The old text stays in a buffer that is left alone, its length too; another is filled. What is
+/// written behind the text stays as well where it has room.
 void MakeRoom(Told& a)
 {
     const std::uint32_t extra = draw() % 6;
     if (Done(a, [&] { a.string.Reserve(extra); }))
         a.capacity = std::max(a.capacity, a.text.size() + extra);
 
+    const std::size_t length = a.text.size();
+    if (a.capacity > length)
+        a.string.GetBuffer(0, false)[length + 1] = L'c';
+
     const int asked = static_cast<int>(draw() % 12) - 2;
     const std::size_t wanted = std::size_t(std::max(asked, 0));
     const bool shrink = draw() % 2;
     const bool kept = a.string.c_str() != MString().c_str() && a.capacity >= wanted &&
                       (a.capacity == wanted || !shrink);
+    const std::wstring written(a.string.c_str(),
+                               wanted < a.capacity ? std::min(wanted, length + 2) : length);
     wchar_t* buffer = nullptr;
     if (!Done(a, [&] { buffer = a.string.GetBuffer(asked, shrink); }) || kept)
         return;
-    EXPECT_EQ(a.text.substr(0, wanted), std::wstring(buffer, std::min(wanted, a.text.size())));
+    EXPECT_EQ(written, std::wstring(buffer, written.size()));
     a.Assign(std::wstring(wanted, L'b'));
     *std::fill_n(buffer, wanted, L'b') = L'\0';
 }
