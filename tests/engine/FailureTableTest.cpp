@@ -37,10 +37,16 @@ TEST(FailureTable, FailedStartForgetsItsThreadFailedFlushChangesNothingFailedSto
         };
         HANDLE ended = nullptr;
         thread.on["start"] = [&] { ended = OpenThread(SYNCHRONIZE, FALSE, GetCurrentThreadId()); };
-        thread.onStarted = [] { Raise("ends"); };
+        Gate forgotten;
+        thread.onStarted = [&] {
+            forgotten.Pass();
+            EXPECT_FALSE(thread.IsCurrentThread());
+            Raise("ends");
+        };
         EXPECT_EQ(WordsOrExit("MEngineThread.Start", answer),
                   answered(Import::WaitForMultipleObjects, &ScriptedThread::Start));
         EXPECT_FALSE(thread.IsThreadActive());
+        forgotten.Open();
         WaitForSingleObject(ended, INFINITE);
         CloseHandle(ended);
 

@@ -60,7 +60,7 @@ TEST(MCommandProcessor, FlushAndStopExecuteWhatIsQueuedAndNoMoreAndAFailingStopD
         processor.Start();
         std::thread callers([&] {
             RunOnThreads(4, [&](int number) {
-                const auto count = [&] { return processor.Execute([&] { ++executed; }); };
+                const auto count = [&] { return processor.Execute([&] { Sleep(++executed < 4 ? 5 : 0); }); };
                 if (number > 0)
                     held.Pass();
                 EXPECT_EQ(fails && number > 0 ? call + "CommandProcessingAborted" : "",
@@ -125,9 +125,19 @@ TEST(MCommandProcessor, IdleFunctorRunsAfterEachTimeOutMayFailAndBeInterruptedBy
 TEST(MCommandProcessor, CommandThatComesTooLateIsNotEvenExecutedAfterANewStart)
 {
     Processor processor;
+    const auto alive = std::make_shared<int>();
+    const Action queue = [&] {
+        const auto command = NewCommand([alive] { ADD_FAILURE(); }).release();
+        EXPECT_TRUE(processor.Queue(std::unique_ptr<MCommand>(command)));
+    };
+    processor.flushed = [&] { DoAheadOfNext(Import::SetEvent, queue); }; // that of the abort
     processor.Start();
     // Between the question whether the processor is stopped and the queue.
-    const Action ahead = [&] { processor.Stop(); };
+    const Action ahead = [&] {
+        processor.Stop();
+        processor.flushed = [] {};
+        EXPECT_EQ(1, alive.use_count());
+    };
     DoAheadOfNext(Import::CreateEvent, ahead);
     EXPECT_EQ(call + "CommandProcessingAborted", processor.Execute([] { ADD_FAILURE(); }));
     processor.Start();

@@ -41,20 +41,23 @@ TEST(MDesyncEventScheduler, EventsWaitForEnableKeepTheirOrderPassAFailureAndAreW
 // That its end leaves the apartment is seen by the module's deaths.
 TEST(MSchedulerThread, CallsInTheMultithreadedApartmentWhatIsRegisteredBeforeItRuns)
 {
-    Gate called;
     APTTYPE type = APTTYPE_CURRENT;
     const auto functor = [&] {
         APTTYPEQUALIFIER qualifier;
         CoGetApartmentType(&type, &qualifier);
-        called.Open();
+        Raise("dies");
     };
     const PlatformEvent event(EventReset::Automatic);
     MSchedulerThread thread(nullptr); // stops itself
     thread.RegisterSchedulerEvent(event, FunctorFor(functor).release());
-    SetEvent(event);
     thread.Start();
-    called.Pass();
+    for (const bool dies : {false, true}) {
+        if (dies)
+            SetEvent(event);
+        while (thread.HasEnded() != dies)
+            Sleep(1);
+        EXPECT_EQ("MSchedulerThread.RegisterSchedulerEvent:ThreadRunning",
+                  Raised([&] { thread.RegisterSchedulerEvent(event, nullptr); }));
+    }
     EXPECT_EQ(APTTYPE_MTA, type);
-    EXPECT_EQ("MSchedulerThread.RegisterSchedulerEvent:ThreadRunning",
-              Raised([&] { thread.RegisterSchedulerEvent(event, nullptr); }));
 }

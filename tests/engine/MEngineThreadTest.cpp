@@ -10,12 +10,15 @@ const char diedInFlush[] = "MEngineThread.Flush:ThreadExitedUnexpectedly";
 TEST(MEngineThread, EachLifeServesItsFlushesAndItsStopOnce)
 {
     ScriptedThread thread;
+    const auto hasEnded = [&] { return WaitForSingleObject(thread.GetEndedEvent(), 0) == 0; };
     for (int life = 0; life < 2; ++life) {
         thread.Stop();
         thread.Flush();
         thread.Start();
+        EXPECT_FALSE(hasEnded());
         thread.Flush();
         thread.Stop();
+        EXPECT_TRUE(hasEnded());
     }
     EXPECT_EQ("start flush stop start flush stop ", thread.calls);
 }
