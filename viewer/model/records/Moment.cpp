@@ -8,7 +8,7 @@ namespace
 {
 
 constexpr std::int64_t second = 1000000;
-constexpr std::int64_t day = 24 * 60 * 60 * second;
+constexpr std::int64_t day = 86400 * second;
 
 std::int64_t NumberIn(const std::ssub_match& digits)
 {

@@ -57,6 +57,7 @@ std::vector<Timeline> Timelines::Of(Dump& dump)
         builders.Of(record.threadId).Add(record);
 
     std::vector<Timeline> timelines;
+    timelines.reserve(builders.builders.size());
     for (TimelineBuilder& builder : builders.builders)
         timelines.push_back(builder.Finish(dump.End(), dump.findings));
     return timelines;

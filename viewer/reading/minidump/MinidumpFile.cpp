@@ -136,8 +136,9 @@ AddressSpace MinidumpFile::Memory() const
 void MinidumpFile::AddRecorderBlocks(std::vector<AddressSpace::Range>& ranges) const
 {
     const std::optional<Bytes> list = Stream(RecorderBlocksStream);
-    for (std::uint32_t i = 0; list && i < list->Size() / 16; ++i) {
-        const std::optional<Bytes> bytes = Stream(RecorderFirstBlockStream + i);
+    for (std::uint64_t i = 0; list && i < list->Size() / 16; ++i) {
+        const std::optional<Bytes> bytes =
+            Stream(RecorderFirstBlockStream + static_cast<std::uint32_t>(i));
         if (bytes && bytes->Size() == list->At<std::uint64_t>(i * 16 + 8))
             ranges.push_back({list->At<std::uint64_t>(i * 16), *bytes});
     }

@@ -77,7 +77,7 @@ std::string_view RecorderNames::IdName(std::int32_t id)
 
 std::string_view RecorderNames::Literal(std::int32_t id)
 {
-    constexpr std::uint64_t longest = 2 * 200;
+    constexpr std::uint64_t longest = 400; // bytes
     const auto [literal, isNew] = literals.try_emplace(id);
     for (const MinidumpFile::Module& module : modules) {
         const std::uint64_t offset =

@@ -13,13 +13,13 @@ class JsonText
 public:
     JsonText& Key(std::string_view name)
     {
-        writer.Key(name.data(), Length(name));
+        writer.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
         return *this;
     }
 
     JsonText& Text(std::string_view value)
     {
-        writer.String(value.data(), Length(value));
+        writer.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
         return *this;
     }
 
@@ -64,11 +64,6 @@ public:
     std::string Result() const { return std::string(buffer.GetString(), buffer.GetSize()); }
 
 private:
-    static rapidjson::SizeType Length(std::string_view text)
-    {
-        return static_cast<rapidjson::SizeType>(text.size());
-    }
-
     rapidjson::StringBuffer buffer;
     rapidjson::Writer<rapidjson::StringBuffer> writer{buffer};
 };

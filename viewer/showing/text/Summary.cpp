@@ -132,6 +132,7 @@ void Summary::AddFindings(const Recording& recording)
 void Summary::AddErrors()
 {
     std::vector<const ErrorCount*> rows;
+    rows.reserve(errors.size());
     for (const auto& [what, count] : errors)
         rows.push_back(&count);
     std::stable_sort(rows.begin(), rows.end(), [](const ErrorCount* one, const ErrorCount* other) {
