@@ -16,17 +16,18 @@ class KLogNames
 public:
     /// A name. Its text follows it in memory, with a zero behind.
     struct Name {
+        /// As long as `length` says, and zero-terminated.
         const char* GetText() const { return reinterpret_cast<const char*>(this + 1); }
 
-        const Name* older; ///< the one added before, null for the first
-        std::uint64_t key;
+        const Name* older;              ///< the one added before, null for the first
+        std::uint64_t key;              ///< what the name is for
         std::atomic<Name*> branches[4]; ///< the ways on to other names, by two bits of their hash
         std::uint64_t length;           ///< bytes of the text
     };
 
     /// The head of the memory that names are cut from.
     struct Block {
-        const Block* older;
+        const Block* older; ///< the one taken before, null for the first
         std::uint64_t size; ///< bytes, this head included
     };
 

@@ -17,6 +17,7 @@ public:
     /// Writes what is left and closes.
     ~KDumpFile();
 
+    /// Whether there is a file to write to.
     bool IsOpen() const;
 
     /// What cannot be written, on a full disk for example, is lost without a word.

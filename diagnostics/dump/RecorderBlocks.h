@@ -15,6 +15,7 @@ public:
     /// Looks at all images anew. A recorder that cannot be read counts as far as it can.
     void Collect();
 
+    /// How many pieces `Collect` has found.
     std::uint32_t GetCount() const { return count; }
 
     /// The first of them.
