@@ -30,9 +30,10 @@ class Lane {
     isCollapsed = false;
     isPinned = false;
 
-    constructor(name, id) {
+    constructor(name, id, key = null) {
         this.name = name;
         this.id = id;
+        this.key = key;
     }
 
     addRow() {

@@ -18,7 +18,7 @@ class Trace {
     #add(event) {
         switch (event.ph) {
         case "M":
-            this.threads.push(new Lane(event.args.name, event.tid));
+            this.threads.push(new Lane(event.args.name, event.tid, Trace.laneKey(event)));
             break;
         case "s":
         case "f":
@@ -27,6 +27,11 @@ class Trace {
         default:
             this.#addEntry(event, this.threads.at(-1));
         }
+    }
+
+    // Dumps that were merged may have threads of one id.
+    static laneKey({ pid, tid }) {
+        return `${pid} ${tid}`;
     }
 
     #addEntry(event, lane) {
@@ -60,10 +65,10 @@ class Trace {
         const raised = new Map();
         for (const error of this.errors) {
             if (error.args.dismissed !== undefined)
-                raised.set(`${error.lane.id} ${error.begin} ${error.args.dismissed}`, error);
+                raised.set(`${error.lane.key} ${error.begin} ${error.args.dismissed}`, error);
         }
         for (const error of this.errors) {
-            const key = `${error.lane.id} ${error.args.dismisses} ${error.begin}`;
+            const key = `${error.lane.key} ${error.args.dismisses} ${error.begin}`;
             const root = raised.get(key);
             if (root) {
                 root.dismissal = error;
