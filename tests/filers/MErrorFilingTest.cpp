@@ -7,6 +7,8 @@
 #include "tests/support/Allocations.h"
 #include "tests/support/Raised.h"
 
+#include <utility>
+
 #include <windows.h>
 
 namespace
@@ -48,33 +50,29 @@ std::string Told(const MException& exception)
     return errors;
 }
 
+/// What filers have been called for, one after the other.
+std::string told;
+
 /// Filers that tell their calls, and answer false to the `failing`th.
-struct ScriptedIn : MInFilerTaggedXml {
-    ScriptedIn(std::string& told, int failing)
-        : MInFilerTaggedXml(L"", L"", L""), told(told), failing(failing)
-    {
-    }
+struct Scripted {
+    bool Tell(char call) { return told += call, --failing != 0; }
+    int failing = 0;
+};
+
+struct ScriptedIn : MInFilerTaggedXml, Scripted {
+    ScriptedIn() : MInFilerTaggedXml(L"", L"", L"") {}
     bool ReadString(const MString&, MString&, const MString&) override { return Tell('s'); }
     bool ReadUInt32(const MString&, unsigned*, unsigned) override { return Tell('u'); }
     bool BeginGroup(const MString&) override { return Tell('['); }
     bool EndGroup() override { return Tell(']'); }
-    bool Tell(char call) { return told += call, --failing != 0; }
-    std::string& told;
-    int failing;
 };
 
-struct ScriptedOut : MOutFilerTaggedXml {
-    ScriptedOut(std::string& told, int failing)
-        : MOutFilerTaggedXml(L"r", L""), told(told), failing(failing)
-    {
-    }
+struct ScriptedOut : MOutFilerTaggedXml, Scripted {
+    ScriptedOut() : MOutFilerTaggedXml(L"r", L"") {}
     bool WriteString(const MString&, const MString&) override { return Tell('='); }
     bool WriteUInt32(const MString&, unsigned) override { return Tell('#'); }
     bool BeginGroup(const MString&) override { return Tell('('); }
     bool EndGroup() override { return Tell(')'); }
-    bool Tell(char call) { return told += call, --failing != 0; }
-    std::string& told;
-    int failing;
 };
 
 } // namespace
@@ -118,11 +116,11 @@ TEST(ErrorFiling, FailedWriteEndsTheChainAndLeavesTheGroupOfAParameterOpen)
                                  "((=(==))()", "((=(==))(=))", "((=(==))(=))", "((=(==))(=))"};
     int failing = 0;
     for (const char* const expected : calls) {
-        std::string told;
-        ScriptedOut out(told, ++failing);
+        ScriptedOut out;
+        out.failing = ++failing;
         MFilerTaggedPair filer(nullptr, &out);
         EXPECT_FALSE(exception.Write(filer, L"X"));
-        EXPECT_EQ(expected, told);
+        EXPECT_EQ(expected, std::exchange(told, ""));
     }
 }
 
@@ -161,11 +159,12 @@ TEST(ErrorFiling, RegistryKeepsAChainOrAnErrorAsOneText)
 
 TEST(MFilerTaggedPair, AsksBothInOrderForGroupsAndOneForAValue)
 {
-    std::string told;
     unsigned int value = 0;
     MString text;
-    ScriptedIn in(told, 1);
-    ScriptedOut out(told, 2);
+    ScriptedIn in;
+    ScriptedOut out;
+    in.failing = 1;
+    out.failing = 2;
     MFilerTaggedPair both(&in, &out), none(nullptr, nullptr);
     EXPECT_FALSE(both.BeginGroup(L"a"));
     EXPECT_FALSE(both.EndGroup());
@@ -181,5 +180,5 @@ TEST(MFilerTaggedPair, AsksBothInOrderForGroupsAndOneForAValue)
     EXPECT_TRUE(none.BeginGroup(L"a") && none.EndGroup());
     EXPECT_FALSE(none.ReadString(L"a", text, L"") || none.WriteString(L"a", text));
     EXPECT_FALSE(none.ReadUInt32(L"a", &value, 0) || none.WriteUInt32(L"a", value));
-    EXPECT_EQ("[(])[(])])s=u#su#", told);
+    EXPECT_EQ("[(])[(])])s=u#su#", std::exchange(told, ""));
 }

@@ -50,41 +50,24 @@ struct Calls {
 
 Calls* calls;
 
-LSTATUS Open(HKEY parent, LPCWSTR path, DWORD, REGSAM access, PHKEY key)
-{
-    return calls->Open('o', parent, path, access, *key);
-}
-
-LSTATUS Create(HKEY parent, LPCWSTR path, DWORD, LPWSTR, DWORD, REGSAM access, void*, PHKEY key,
-               LPDWORD)
-{
-    return calls->Open('c', parent, path, access, *key);
-}
-
-LSTATUS Close(HKEY key)
-{
-    return calls->Do('x', key, L"");
-}
-
-LSTATUS Set(HKEY key, LPCWSTR name, DWORD, DWORD type, const wchar_t* data, DWORD size)
-{
-    return calls->Do('s', key, name + std::to_wstring(type) + std::wstring(data, size / 2));
-}
-
-LSTATUS Query(HKEY key, LPCWSTR name, LPDWORD, LPDWORD, BYTE* data, LPDWORD size)
-{
-    return calls->Query(key, name, data, *size);
-}
-
 } // namespace
 
 // What the filers call through in this program.
 extern "C" {
-auto* __imp_RegOpenKeyExW = &Open;
-auto* __imp_RegCreateKeyExW = &Create;
-auto* __imp_RegCloseKey = &Close;
-auto* __imp_RegSetValueExW = &Set;
-auto* __imp_RegQueryValueExW = &Query;
+auto* __imp_RegCloseKey = +[](HKEY key) { return calls->Do('x', key, L""); };
+auto* __imp_RegOpenKeyExW = +[](HKEY parent, LPCWSTR path, DWORD, REGSAM access, PHKEY key) {
+    return calls->Open('o', parent, path, access, *key);
+};
+auto* __imp_RegCreateKeyExW =
+    +[](HKEY parent, LPCWSTR path, DWORD, LPWSTR, DWORD, REGSAM access, void*, PHKEY key, LPDWORD) {
+        return calls->Open('c', parent, path, access, *key);
+    };
+auto* __imp_RegSetValueExW =
+    +[](HKEY key, LPCWSTR name, DWORD, DWORD type, const wchar_t* data, DWORD size) {
+        return calls->Do('s', key, name + std::to_wstring(type) + std::wstring(data, size / 2));
+    };
+auto* __imp_RegQueryValueExW = +[](HKEY key, LPCWSTR name, LPDWORD, LPDWORD, BYTE* data,
+                                   LPDWORD size) { return calls->Query(key, name, data, *size); };
 }
 
 namespace

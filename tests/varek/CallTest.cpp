@@ -20,11 +20,7 @@ struct StartedProcessor : MCommandProcessor {
     {
         struct Deadly : MCommand {
             explicit Deadly(Gate& gate) : gate(gate) {}
-            void ExecuteGenericCommand() override
-            {
-                gate.Pass();
-                Raise("deadly");
-            }
+            void ExecuteGenericCommand() override { gate.Pass(), Raise("deadly"); }
             Gate& gate;
         };
         Queue(std::unique_ptr<MCommand>(new Deadly(gate)));
@@ -34,12 +30,9 @@ struct StartedProcessor : MCommandProcessor {
 /// Every way of calling, to the end.
 void CallBy(int way, MCommandProcessor& processor, const Action& work)
 {
-    if (way == 0)
-        varek::Call(processor, work);
-    else if (way == 1)
-        varek::CallFor(std::chrono::hours(2000), processor, work);
-    else
-        varek::CallAsync(processor, work).get();
+    way == 0   ? varek::Call(processor, work)
+    : way == 1 ? varek::CallFor(std::chrono::hours(2000), processor, work)
+               : varek::CallAsync(processor, work).get();
 }
 
 } // namespace
