@@ -60,7 +60,9 @@ TEST(MCommandProcessor, FlushAndStopExecuteWhatIsQueuedAndNoMoreAndAFailingStopD
         processor.Start();
         std::thread callers([&] {
             RunOnThreads(4, [&](int number) {
-                const auto count = [&] { return processor.Execute([&] { Sleep(++executed < 4 ? 5 : 0); }); };
+                const auto count = [&] {
+                    return processor.Execute([&] { Sleep(++executed < 4 ? 5 : 0); });
+                };
                 if (number > 0)
                     held.Pass();
                 EXPECT_EQ(fails && number > 0 ? call + "CommandProcessingAborted" : "",
