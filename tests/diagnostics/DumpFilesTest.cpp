@@ -9,6 +9,7 @@
 #include "tests/support/ProcessHandles.h"
 
 #include <cstring>
+#include <functional>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -32,6 +33,36 @@ std::string Read(const wchar_t* path, DWORD flags = 0)
     ReadFile(file, &content[0], size, &size, nullptr);
     CloseHandle(file);
     return content;
+}
+
+// The ring pointer is the first field of a core, for tools and for us.
+KLogRecord* Ring(KLogger& core)
+{
+    return *reinterpret_cast<KLogRecord**>(&core);
+}
+
+/// What `dump` answers, with `action` done in the midst of it, where it comes to a guarded page.
+bool Interrupt(KLogger& core, std::function<bool()> dump, std::function<void()> action)
+{
+    static std::function<void()> inTheMidst;
+    inTheMidst = action;
+    const PVECTORED_EXCEPTION_HANDLER handle = [](_EXCEPTION_POINTERS* pointers) -> LONG {
+        if (pointers->ExceptionRecord->ExceptionCode != STATUS_GUARD_PAGE_VIOLATION)
+            return EXCEPTION_CONTINUE_SEARCH;
+        inTheMidst();
+        return EXCEPTION_CONTINUE_EXECUTION;
+    };
+    DWORD before = 0;
+    VirtualProtect(Ring(core) + 500, 1, PAGE_READWRITE | PAGE_GUARD, &before);
+    void* const handler = AddVectoredExceptionHandler(1, handle);
+    const bool answer = dump();
+    RemoveVectoredExceptionHandler(handler);
+    return answer;
+}
+
+void WINAPI TellTime(SYSTEMTIME* time)
+{
+    *time = {2026, 11, 6, 7, 8, 9, 10, 42};
 }
 
 /// A log with a thousand records.
@@ -59,7 +90,7 @@ struct Reader {
         const auto* block =
             reinterpret_cast<const RecorderBlock*>(streams.at(RecorderBlocksStream));
         for (std::uint32_t type = RecorderFirstBlockStream; streams.count(type); ++type, ++block) {
-            memory[block->address] = streams[type];
+            EXPECT_TRUE(memory.emplace(block->address, streams[type]).second);
             if (std::memcmp(streams[type], "Varek recorder\x1A", 16) == 0)
                 told = reinterpret_cast<const RecorderDescription*>(streams[type]);
         }
@@ -91,6 +122,11 @@ struct Reader {
 
 } // namespace
 
+// The import slot through which files ask for the time in their names.
+extern "C" {
+decltype(&GetLocalTime) __imp_GetLocalTime = TellTime;
+}
+
 TEST(DumpToFile, ReplacesTheFileByLinesOfItsPlatformAndAnswersFalseWhereItCannot)
 {
     Log log;
@@ -108,13 +144,21 @@ TEST(DumpToFile, ReplacesTheFileByLinesOfItsPlatformAndAnswersFalseWhereItCannot
     const HANDLE taken = CreateFileW(dumpPath, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_FALSE(log.adapter.DumpToFile());
     CloseHandle(taken);
+    const auto open = [] {
+        const HANDLE shared =
+            CreateFileW(dumpPath, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                        nullptr, OPEN_EXISTING, 0, nullptr);
+        EXPECT_NE(INVALID_HANDLE_VALUE, shared);
+        CloseHandle(shared);
+    };
+    EXPECT_TRUE(Interrupt(
+        log.core, [&] { return log.adapter.DumpToFile(); }, open));
 }
 
 TEST(DumpToFile, EndsAtAFaultOfAnyKindWithWhatWasWrittenAndNothingLeftOpen)
 {
     Log log;
-    // The ring pointer is the first field of a core, for tools and for us.
-    KLogRecord* const ring = *reinterpret_cast<KLogRecord**>(&log.core);
+    KLogRecord* const ring = Ring(log.core);
     const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(ring);
     const std::uintptr_t page = (start + 500 * sizeof *ring) / 0x1000 * 0x1000;
     const std::string last = std::to_string((page - start) / sizeof *ring - 1);
@@ -130,14 +174,19 @@ TEST(DumpToFile, EndsAtAFaultOfAnyKindWithWhatWasWrittenAndNothingLeftOpen)
 
 TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
 {
+    EXPECT_NO_THROW(CrashDump(std::wstring(900, L'x').c_str()));
     EXPECT_THROW(CrashDump(std::wstring(901, L'x').c_str()), std::length_error);
     CreateDirectoryA("C:\\Temp", nullptr);
     CrashDump crashDump(prefix), nowhere(L"C:\\no such folder\\x");
     EXPECT_STREQ(L"", crashDump.GetPath());
+    const std::wstring begin =
+        prefix + (L"-20261107-080910-042-" + std::to_wstring(GetCurrentProcessId()));
+    const auto write = [&] { return crashDump.WriteText(); };
+    const auto writeBeside = [&] { EXPECT_FALSE(write() || crashDump.WriteMinidump(nullptr)); };
     const ExpectSameHandles handles;
     for (int i = 0; i < 2; ++i) {
-        EXPECT_TRUE(crashDump.WriteText());
-        EXPECT_EQ(0u, std::wstring(crashDump.GetPath()).find(prefix + std::wstring(L"-2")));
+        EXPECT_TRUE(Interrupt(*KLogger::GetModuleLogger(), write, writeBeside));
+        EXPECT_EQ(0u, std::wstring(crashDump.GetPath()).find(begin));
         EXPECT_EQ(0u,
                   Read(crashDump.GetPath(), FILE_FLAG_DELETE_ON_CLOSE).find("%% Reference time: "));
     }
@@ -163,6 +212,8 @@ TEST(CrashDump, MinidumpOfAFaultHoldsTheRecorderAsItsDescriptionSays)
     for (std::uint32_t i = 0; i < 0x20000 + 10; ++i)
         log.AddRecord(-25, 2, i, 7, 7, &log);
     CrashDump crashDump(prefix);
+    EXPECT_FALSE(crashDump.WriteMinidump(reinterpret_cast<_EXCEPTION_POINTERS*>(0x1234)));
+    EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesW(crashDump.GetPath()));
     const GuardedBody fault = [](void*) { *reinterpret_cast<volatile int*>(0x1234) = 1; };
     const GuardFilter write = [](void* context, _EXCEPTION_POINTERS* pointers) -> long {
         ArmAllocationFailure(AllocationFailure::ThrowsForGood, 1);
