@@ -1,6 +1,10 @@
 // What becomes of a thread that fails, and of its process.
 
+#include "diagnostics/KLogger.h"
+#include "diagnostics/MFlowLogger.h"
+#include "diagnostics/MKLoggerAdapter.h"
 #include "tests/module/LoadedModule.h"
+#include "tests/support/DumpedRecord.h"
 #include "tests/support/LeakCheck.h"
 
 #include <gtest/gtest.h>
@@ -97,11 +101,30 @@ void PrintFault(_EXCEPTION_POINTERS* pointers)
 /// A host that has something done and then leaves without a shutdown.
 void Host(TestModule::DoOnThread TestModule::*place, const Action& action)
 {
+    static const Action& shutDown = *new Action([] { std::fputs("shut down", stderr); });
     LoadedModule module;
+    module.OnShutdown(shutDown);
     module.Register(nullptr, PrintFault);
     (module.*place)(action);
     module.Free();
     std::exit(ownExitCode);
+}
+
+/// That what is called is what was registered, by the records of both.
+void ExpectCallbacksAsRegistered(KLogger& core)
+{
+    std::vector<std::int64_t> registered;
+    for (const DumpedRecord& record : ReadDump(TakeDump(core))) {
+        const auto is = [&](const std::string& function) {
+            return record.text.find("% Scope_push in_class ModuleCommandProcessor at " +
+                                    function) == 0;
+        };
+        if (is("RegisterFatalErrorHandlers"))
+            registered = record.numbers;
+        if (is("OnSpontaneousError") || is("OnUnhandledException")) {
+            EXPECT_EQ(registered.at(is("OnSpontaneousError") ? 1 : 2), record.numbers[1]);
+        }
+    }
 }
 
 } // namespace
@@ -110,7 +133,11 @@ TEST(ModuleDeath, IsToldOnceAndGoesOnAfterTheLastActOfTheThreadWhateverElseGoesW
 {
     LeakCheck::Skip(); // what a fault leaves on its stack is lost
     const auto before = SetUnhandledExceptionFilter(EndThread);
+    KLogger core;
+    MKLoggerAdapter adapter(&core);
+    MFlowLogger logger(&adapter);
     LoadedModule module;
+    module.AttachMFlowLogger(&logger);
     for (auto die : {module.DieOnProcessor, module.DieOnScheduler}) {
         diary.clear();
         EXPECT_EQ("", die(nothing, [] { diary += "last act;"; })); // a stop
@@ -142,6 +169,7 @@ TEST(ModuleDeath, IsToldOnceAndGoesOnAfterTheLastActOfTheThreadWhateverElseGoesW
             }
     }
     module.Shutdown();
+    ExpectCallbacksAsRegistered(core);
     EXPECT_TRUE(module.Free());
     SetUnhandledExceptionFilter(before);
 }

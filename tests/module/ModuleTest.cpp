@@ -166,7 +166,12 @@ TEST(Module, CallbacksAreReplacedAndDeletedAtTheLatestWhenItIsUnloaded)
     const auto alive = std::make_shared<int>();
     LoadedModule module;
     const auto count = [&] {
-        module.Register([alive](const std::wstring&) {}, [alive](_EXCEPTION_POINTERS*) {});
+        auto text = module.NewCallback<const std::wstring&>([alive](auto&) {});
+        auto fault = module.NewCallback<_EXCEPTION_POINTERS*>([alive](auto) {});
+        auto sameText = text.get();
+        auto sameFault = fault.get();
+        module.RegisterFatalErrorHandlers(text, fault);
+        module.RegisterFatalErrorHandlers(decltype(text)(sameText), decltype(fault)(sameFault));
         return alive.use_count();
     };
     const long registered = count();
