@@ -246,9 +246,11 @@ double BytesOf(const wchar_t* path)
     return attributes.nFileSizeLow;
 }
 
-/// The floor: the system's function alone, without any recorder's memory.
+/// The floor: the system's function alone, without any recorder's memory, and without loading
+/// symbols.
 void WriteBareMinidump()
 {
+    SymSetOptions(SymGetOptions() | SYMOPT_DEFERRED_LOADS);
     const wchar_t path[] = L"C:\\Temp\\bench-bare.dmp";
     const HANDLE file = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
     MiniDumpWriteDump(GetCurrentProcess(), GetCurrentProcessId(), file, MiniDumpNormal, nullptr,

@@ -2,11 +2,44 @@
 
 #include "diagnostics/StructuredGuard.h"
 
-Minidump::Minidump() : library(LoadLibraryW(L"dbghelp.dll")), writeDump(nullptr)
+namespace
 {
-    if (library)
-        writeDump = reinterpret_cast<decltype(writeDump)>(
-            reinterpret_cast<void (*)()>(GetProcAddress(library, "MiniDumpWriteDump")));
+
+/// While one lives, the system's library loads no image's symbols before somebody asks for one.
+/// A minidump needs none; but for a debug record without a file's name, as a build id is, some
+/// versions of the library read all that lies beside the image, and may fail over it.
+class SymbolsDeferred
+{
+public:
+    SymbolsDeferred(decltype(&SymGetOptions) get, decltype(&SymSetOptions) set)
+        : set(set), before(get())
+    {
+        set(before | SYMOPT_DEFERRED_LOADS);
+    }
+    SymbolsDeferred(const SymbolsDeferred&) = delete;
+    SymbolsDeferred& operator=(const SymbolsDeferred&) = delete;
+    ~SymbolsDeferred() { set(before); }
+
+private:
+    const decltype(&SymSetOptions) set;
+    const DWORD before;
+};
+
+template <class Function>
+Function* Find(HMODULE library, const char* name)
+{
+    return reinterpret_cast<Function*>(
+        reinterpret_cast<void (*)()>(library ? GetProcAddress(library, name) : nullptr));
+}
+
+} // namespace
+
+Minidump::Minidump()
+    : library(LoadLibraryW(L"dbghelp.dll")),
+      getOptions(Find<decltype(SymGetOptions)>(library, "SymGetOptions")),
+      setOptions(Find<decltype(SymSetOptions)>(library, "SymSetOptions")),
+      writeDump(Find<decltype(MiniDumpWriteDump)>(library, "MiniDumpWriteDump"))
+{
 }
 
 Minidump::~Minidump()
@@ -17,7 +50,7 @@ Minidump::~Minidump()
 
 bool Minidump::Write(HANDLE file, _EXCEPTION_POINTERS* pointers)
 {
-    if (!writeDump)
+    if (!getOptions || !setOptions || !writeDump)
         return false;
     struct Call {
         Minidump* minidump;
@@ -31,6 +64,7 @@ bool Minidump::Write(HANDLE file, _EXCEPTION_POINTERS* pointers)
     };
     const GuardFilter acceptAll = [](void*, _EXCEPTION_POINTERS*) -> long { return GuardAccept; };
     FillStreams();
+    const SymbolsDeferred deferred(getOptions, setOptions);
     return RunGuarded(write, acceptAll, &call) && call.written;
 }
 

@@ -25,7 +25,9 @@ private:
     bool CallSystem(HANDLE file, _EXCEPTION_POINTERS* pointers);
 
     const HMODULE library;
-    decltype(&MiniDumpWriteDump) writeDump;
+    const decltype(&SymGetOptions) getOptions;
+    const decltype(&SymSetOptions) setOptions;
+    const decltype(&MiniDumpWriteDump) writeDump;
     RecorderBlocks blocks;
     MINIDUMP_USER_STREAM streams[1 + RecorderBlocks::capacity];
 };

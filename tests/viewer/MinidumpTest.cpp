@@ -61,6 +61,7 @@ bool WriteMinidump(HANDLE process, int type, _EXCEPTION_POINTERS* pointers)
 {
     const HANDLE file = CreateFileA(fullFile, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
     MINIDUMP_EXCEPTION_INFORMATION exception = {GetCurrentThreadId(), pointers, FALSE};
+    SymSetOptions(SymGetOptions() | SYMOPT_DEFERRED_LOADS); // no dump needs symbols
     const BOOL written =
         MiniDumpWriteDump(process, GetProcessId(process), file, static_cast<MINIDUMP_TYPE>(type),
                           pointers ? &exception : nullptr, nullptr, nullptr);
