@@ -14,21 +14,15 @@
 namespace
 {
 
-class DrainCommand : public MCommand
-{
-public:
+struct DrainCommand : MCommand {
     void ExecuteGenericCommand() override {}
 };
 
-class FillCommand : public MCommand
-{
-public:
+struct FillCommand : MCommand {
     void ExecuteGenericCommand() override {}
 };
 
-class ErrorWithoutCopies : public MError
-{
-public:
+struct ErrorWithoutCopies : MError {
     MDynObject* Clone() const override { return nullptr; }
 };
 
@@ -45,35 +39,25 @@ struct Subject {
 
     MString emptyText;
     MString text = L"\"Bl\u00E4tter\" \U0001F343";
-    Strings noStrings;
-    Strings strings;
+    Strings noStrings, strings;
     MError noError;
     MError error{L"Pump.Drain:RunsDry"};
     MErrorOutOfMemory outOfMemory;
-    MException noException;
-    MException exception;
+    MException noException, exception;
     DrainCommand drain;
     FillCommand fill;
-    Commands noCommands;
-    Commands commands;
-    KLogger emptyLog;
-    KLogger log;
-    KLogger wrappedLog;
+    Commands noCommands, commands;
+    KLogger emptyLog, log, wrappedLog;
     std::string dump;
-    MXmlMarkup emptyDocument;
-    MXmlMarkup document;
-    MXmlMarkup illFormedDocument;
-    unsigned char zeros[sizeof(KLogger)];
-    unsigned char ones[sizeof(KLogger)];
-    unsigned char overwritten[sizeof(KLogger)];
+    MXmlMarkup emptyDocument, document, illFormedDocument;
+    unsigned char zeros[sizeof(KLogger)], ones[sizeof(KLogger)], overwritten[sizeof(KLogger)];
 };
 
 Subject::Subject()
 {
     strings.SetGrowFactor(4);
-    strings.Add(L"one");
-    strings.Add(L"two");
-    strings.Add(L"three");
+    for (const wchar_t* const each : {L"one", L"two", L"three"})
+        strings.Add(each);
     strings.RemoveAt(0);
     FillErrors();
     FillQueue();
