@@ -55,22 +55,20 @@ TEST(MOutFilerTaggedXml, DocumentHasItsFormToTheCharacter)
 
 TEST(MOutFilerTaggedXml, TagIsANameOrRefused)
 {
-    const std::wstring names[] = {L"a-b.c:9\xB7\x301", L"_\xD83C\xDF43\x4E2D", L":\xDB7F\xDFFF"};
-    const std::wstring others[] = {
-        L"",         L"-a",     L"9",           L"a b",   L"a>",           L"a/",
-        L"a=",       L"\x301",  L"\xD7",        L"a\xF7", L"\xDF43\xD83C", L"a\xD83C",
-        L"a\xD83Cz", L"\xFFFE", L"\xDB80\xDC00"};
+    const std::vector<std::wstring> tags[] = {
+        {L"", L"-a", L"9", L"a b", L"a>", L"a/", L"a=", L"\x301", L"\xD7", L"a\xF7",
+         L"\xDF43\xD83C", L"a\xD83C", L"a\xD83Cz", L"\xFFFE", L"\xDB80\xDC00"},
+        {L"a-b.c:9\xB7\x301", L"_\xD83C\xDF43\x4E2D", L":\xDB7F\xDFFF"}};
     MOutFilerTaggedXml filer(L"r", nullptr);
-    for (const std::wstring& other : others) {
-        const MString tag(other.c_str());
-        EXPECT_FALSE(filer.WriteByte(tag, 1) || filer.WriteDocument(tag, L"<r/>")) << other;
-        EXPECT_FALSE(filer.BeginGroup(tag) || MOutFilerTaggedXml(tag.c_str(), L"").EndGroup());
-    }
-    EXPECT_EQ(declaration + L"<r/>\n", TextOf(filer));
-    for (const std::wstring& name : names) {
-        const MString tag(name.c_str());
-        EXPECT_TRUE(filer.WriteByte(tag, 1) && filer.WriteDocument(tag, L"<r/>")) << name;
-        EXPECT_TRUE(filer.BeginGroup(tag) && MOutFilerTaggedXml(tag.c_str(), L"").EndGroup());
+    for (const bool isName : {false, true}) {
+        for (const std::wstring& text : tags[isName]) {
+            const MString tag(text.c_str());
+            for (const bool taken :
+                 {filer.WriteByte(tag, 1), filer.WriteDocument(tag, L"<r/>"), filer.BeginGroup(tag),
+                  MOutFilerTaggedXml(tag.c_str(), L"").EndGroup()})
+                EXPECT_EQ(isName, taken) << text;
+        }
+        EXPECT_EQ(isName, TextOf(filer) != declaration + L"<r/>\n");
     }
     EXPECT_TRUE(MInFilerTaggedXml(TextOf(filer).c_str(), L"r", L"").IsOpen());
 }
