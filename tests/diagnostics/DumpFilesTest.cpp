@@ -9,6 +9,7 @@
 #include "tests/support/ProcessHandles.h"
 
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <set>
@@ -35,34 +36,24 @@ std::string Read(const wchar_t* path, DWORD flags = 0)
     return content;
 }
 
-// The ring pointer is the first field of a core, for tools and for us.
-KLogRecord* Ring(KLogger& core)
-{
-    return *reinterpret_cast<KLogRecord**>(&core);
-}
-
 /// What `dump` answers, with `action` done in the midst of it, where it comes to a guarded page.
 bool Interrupt(KLogger& core, std::function<bool()> dump, std::function<void()> action)
 {
     static std::function<void()> inTheMidst;
     inTheMidst = action;
-    const PVECTORED_EXCEPTION_HANDLER handle = [](_EXCEPTION_POINTERS* pointers) -> LONG {
+    const auto handle = [](_EXCEPTION_POINTERS* pointers) -> LONG {
         if (pointers->ExceptionRecord->ExceptionCode != STATUS_GUARD_PAGE_VIOLATION)
             return EXCEPTION_CONTINUE_SEARCH;
         inTheMidst();
         return EXCEPTION_CONTINUE_EXECUTION;
     };
     DWORD before = 0;
-    VirtualProtect(Ring(core) + 500, 1, PAGE_READWRITE | PAGE_GUARD, &before);
+    VirtualProtect(*reinterpret_cast<KLogRecord**>(&core) + 500, 1, PAGE_READWRITE | PAGE_GUARD,
+                   &before);
     void* const handler = AddVectoredExceptionHandler(1, handle);
     const bool answer = dump();
     RemoveVectoredExceptionHandler(handler);
     return answer;
-}
-
-void WINAPI TellTime(SYSTEMTIME* time)
-{
-    *time = {2026, 11, 6, 7, 8, 9, 10, 42};
 }
 
 /// A log with a thousand records.
@@ -124,7 +115,10 @@ struct Reader {
 
 // The import slot through which files ask for the time in their names.
 extern "C" {
-decltype(&GetLocalTime) __imp_GetLocalTime = TellTime;
+decltype(&GetLocalTime) __imp_GetLocalTime = [](SYSTEMTIME* time) {
+    GetSystemTime(time);
+    time->wMilliseconds = 42;
+};
 }
 
 TEST(DumpToFile, ReplacesTheFileByLinesOfItsPlatformAndAnswersFalseWhereItCannot)
@@ -144,13 +138,7 @@ TEST(DumpToFile, ReplacesTheFileByLinesOfItsPlatformAndAnswersFalseWhereItCannot
     const HANDLE taken = CreateFileW(dumpPath, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_FALSE(log.adapter.DumpToFile());
     CloseHandle(taken);
-    const auto open = [] {
-        const HANDLE shared =
-            CreateFileW(dumpPath, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                        nullptr, OPEN_EXISTING, 0, nullptr);
-        EXPECT_NE(INVALID_HANDLE_VALUE, shared);
-        CloseHandle(shared);
-    };
+    const auto open = [] { EXPECT_TRUE(std::ofstream("C:\\Temp\\DebugDump.log", std::ios::app)); };
     EXPECT_TRUE(Interrupt(
         log.core, [&] { return log.adapter.DumpToFile(); }, open));
 }
@@ -158,7 +146,8 @@ TEST(DumpToFile, ReplacesTheFileByLinesOfItsPlatformAndAnswersFalseWhereItCannot
 TEST(DumpToFile, EndsAtAFaultOfAnyKindWithWhatWasWrittenAndNothingLeftOpen)
 {
     Log log;
-    KLogRecord* const ring = Ring(log.core);
+    // The ring pointer is the first field of a core, for tools and for us.
+    KLogRecord* const ring = *reinterpret_cast<KLogRecord**>(&log.core);
     const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(ring);
     const std::uintptr_t page = (start + 500 * sizeof *ring) / 0x1000 * 0x1000;
     const std::string last = std::to_string((page - start) / sizeof *ring - 1);
@@ -179,14 +168,14 @@ TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
     CreateDirectoryA("C:\\Temp", nullptr);
     CrashDump crashDump(prefix), nowhere(L"C:\\no such folder\\x");
     EXPECT_STREQ(L"", crashDump.GetPath());
-    const std::wstring begin =
-        prefix + (L"-20261107-080910-042-" + std::to_wstring(GetCurrentProcessId()));
+    const std::wstring end = L"-042-" + std::to_wstring(GetCurrentProcessId());
     const auto write = [&] { return crashDump.WriteText(); };
     const auto writeBeside = [&] { EXPECT_FALSE(write() || crashDump.WriteMinidump(nullptr)); };
     const ExpectSameHandles handles;
     for (int i = 0; i < 2; ++i) {
         EXPECT_TRUE(Interrupt(*KLogger::GetModuleLogger(), write, writeBeside));
-        EXPECT_EQ(0u, std::wstring(crashDump.GetPath()).find(begin));
+        const std::wstring made = crashDump.GetPath();
+        EXPECT_EQ(std::wcslen(prefix) + 16, made.find(end));
         EXPECT_EQ(0u,
                   Read(crashDump.GetPath(), FILE_FLAG_DELETE_ON_CLOSE).find("%% Reference time: "));
     }

@@ -35,8 +35,6 @@ TEST(FailureTable, FailedStartForgetsItsThreadFailedFlushChangesNothingFailedSto
             AnswerNext(import, answer);
             return Raised([&] { (thread.*operation)(); });
         };
-        HANDLE ended = nullptr;
-        thread.on["start"] = [&] { ended = OpenThread(SYNCHRONIZE, FALSE, GetCurrentThreadId()); };
         Gate forgotten;
         thread.onStarted = [&] {
             forgotten.Pass();
@@ -47,10 +45,8 @@ TEST(FailureTable, FailedStartForgetsItsThreadFailedFlushChangesNothingFailedSto
                   answered(Import::WaitForMultipleObjects, &ScriptedThread::Start));
         EXPECT_FALSE(thread.IsThreadActive());
         forgotten.Open();
-        WaitForSingleObject(ended, INFINITE);
-        CloseHandle(ended);
+        WaitForSingleObject(thread.GetEndedEvent(), INFINITE);
 
-        thread.on.clear();
         thread.onStarted = [] {};
         EXPECT_EQ("MEngineThread.Start:BeginThread errno=" + std::to_string(int(answer)),
                   answered(Import::BeginThread, &ScriptedThread::Start));

@@ -61,7 +61,7 @@ TEST(MCommandProcessor, FlushAndStopExecuteWhatIsQueuedAndNoMoreAndAFailingStopD
         std::thread callers([&] {
             RunOnThreads(4, [&](int number) {
                 const auto count = [&] {
-                    return processor.Execute([&] { Sleep(++executed < 4 ? 5 : 0); });
+                    return processor.Execute([&] { Sleep(++executed < 4); });
                 };
                 if (number > 0)
                     held.Pass();

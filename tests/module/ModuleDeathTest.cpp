@@ -101,9 +101,8 @@ void PrintFault(_EXCEPTION_POINTERS* pointers)
 /// A host that has something done and then leaves without a shutdown.
 void Host(TestModule::DoOnThread TestModule::*place, const Action& action)
 {
-    static const Action& shutDown = *new Action([] { std::fputs("shut down", stderr); });
     LoadedModule module;
-    module.OnShutdown(shutDown);
+    module.OnShutdown(*new Action([] { std::fputs("shut down", stderr); }));
     module.Register(nullptr, PrintFault);
     (module.*place)(action);
     module.Free();

@@ -168,10 +168,9 @@ TEST(Module, CallbacksAreReplacedAndDeletedAtTheLatestWhenItIsUnloaded)
     const auto count = [&] {
         auto text = module.NewCallback<const std::wstring&>([alive](auto&) {});
         auto fault = module.NewCallback<_EXCEPTION_POINTERS*>([alive](auto) {});
-        auto sameText = text.get();
-        auto sameFault = fault.get();
+        const auto same = std::make_pair(text.get(), fault.get());
         module.RegisterFatalErrorHandlers(text, fault);
-        module.RegisterFatalErrorHandlers(decltype(text)(sameText), decltype(fault)(sameFault));
+        module.RegisterFatalErrorHandlers(decltype(text)(same.first), decltype(fault)(same.second));
         return alive.use_count();
     };
     const long registered = count();
