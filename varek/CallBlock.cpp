@@ -154,7 +154,7 @@ std::exception_ptr WhyDropped(const CancelToken::Flag& cancelled) noexcept
     }
 }
 
-std::exception_ptr AsMException(std::exception_ptr failure) noexcept
+std::exception_ptr AsMException(const std::exception_ptr& failure) noexcept
 {
     try {
         RethrowAsMException(failure);

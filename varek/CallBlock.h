@@ -165,7 +165,7 @@ void QueueAsync(MCommandProcessor& processor, MCommand* command);
 std::exception_ptr WhyDropped(const CancelToken::Flag& cancelled) noexcept;
 
 /// The failure as an `MException`, or itself where there is no memory for that.
-std::exception_ptr AsMException(std::exception_ptr failure) noexcept;
+std::exception_ptr AsMException(const std::exception_ptr& failure) noexcept;
 
 template <class F>
 void Fulfil(std::promise<void>& promise, F& function)

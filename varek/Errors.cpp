@@ -6,6 +6,7 @@
 #include <limits>
 #include <sstream>
 #include <typeinfo>
+#include <utility>
 
 #include <windows.h>
 
@@ -191,7 +192,9 @@ MString FullText(const MException& exception)
         }
         if (!error.GetParameters().empty())
             one += L")";
-        text = text.empty() ? one : one + L", caused by " + text;
+        if (!text.empty())
+            one.append(L", caused by ").append(text);
+        text = std::move(one);
     }
     return text.empty() ? MString(L"no error") : ToMString(text);
 }

@@ -45,7 +45,7 @@ template <class T>
 bool Filing::FileBy(bool (IInFilerTagged::*read)(const MString&, T*, T),
                     bool (IOutFilerTagged::*write)(const MString&, T), const MString& tag, T& value)
 {
-    if (out)
+    if (!in)
         return Note(tag, absent == 0 && (out->*write)(tag, value));
     const T before = value;
     const bool filed = Note(tag, absent == 0 && (in->*read)(tag, &value, value));
@@ -113,7 +113,7 @@ bool Filing::FileNumber(const MString& tag, unsigned long long& value)
 template <class T>
 bool Filing::FileAsText(const MString& tag, T& value)
 {
-    if (out)
+    if (!in)
         return Note(tag, absent == 0 && out->WriteString(tag, TextOf(value)));
     MString text;
     wchar_t* end = nullptr;
@@ -129,7 +129,7 @@ bool Filing::FileAsText(const MString& tag, T& value)
 
 bool Filing::FileText(const MString& tag, MString& value)
 {
-    if (out)
+    if (!in)
         return Note(tag, absent == 0 && out->WriteString(tag, value));
     const MString before = value;
     return Note(tag, absent == 0 && in->ReadString(tag, value, before));

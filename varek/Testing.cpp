@@ -69,7 +69,7 @@ long long CountBlocks()
 long long CountHandles()
 {
     typedef decltype(&NtQuerySystemInformation) Query;
-    const auto query = reinterpret_cast<Query>(reinterpret_cast<void*>(
+    const auto query = reinterpret_cast<Query>(reinterpret_cast<void (*)()>(
         GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
     std::vector<char> buffer(1 << 16);
     while (!NT_SUCCESS(
