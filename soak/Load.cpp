@@ -1,0 +1,91 @@
+#include "soak/Load.h"
+
+#include "diagnostics/CrashDump.h"
+#include "soak/module/Activities.h"
+#include "varek/Errors.h"
+#include "varek/Host.h"
+
+#include <chrono>
+#include <stdexcept>
+
+#include <windows.h>
+
+namespace
+{
+
+const unsigned threadCount = 3;
+const int restPerWork = 10; // so many times as long as the work took
+
+typedef std::chrono::steady_clock Clock;
+
+struct Activity {
+    std::function<void()> act;
+    unsigned times; ///< in a round
+};
+
+void TakeTextDump(const varek::Host& host, unsigned number)
+{
+    const std::string path = "C:\\Temp\\soak-" + std::to_string(number) + ".log";
+    host.WriteLog(path);
+    DeleteFileA(path.c_str());
+}
+
+void TakeMinidump(CrashDump& dump)
+{
+    if (!dump.WriteMinidump(nullptr))
+        throw std::runtime_error("there is no minidump");
+    DeleteFileW(dump.GetPath());
+}
+
+} // namespace
+
+Load::Load(const varek::Host& host) : host(host)
+{
+    for (unsigned number = 0; number < threadCount; ++number)
+        threads.emplace_back(&Load::Run, this, number);
+}
+
+Load::~Load()
+{
+    ends = true;
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+void Load::Run(unsigned number)
+{
+    CrashDump dump((L"C:\\Temp\\soak-" + std::to_wstring(number)).c_str());
+    const Activity round[] = {
+        {ExecuteCommands, 30},
+        {DeliverEvents, 30},
+        {FileDocuments, 30},
+        {StartAndStopThreads, 10},
+        {[&] { TakeTextDump(host, number); }, 1},
+        {[&] { TakeMinidump(dump); }, 1},
+    };
+    try {
+        while (!ends)
+            for (const Activity& activity : round)
+                for (unsigned time = 0; time < activity.times && !ends; ++time)
+                    Do(activity.act);
+    } catch (const std::exception& exception) {
+        Tell(varek::What(exception));
+    }
+}
+
+void Load::Do(const std::function<void()>& activity)
+{
+    const Clock::time_point begin = Clock::now();
+    {
+        const std::shared_lock<std::shared_timed_mutex> working(atWork);
+        activity();
+    }
+    ++done;
+    std::this_thread::sleep_for((Clock::now() - begin) * restPerWork);
+}
+
+void Load::Tell(const std::string& what)
+{
+    const std::lock_guard<std::shared_timed_mutex> alone(atWork);
+    failure += what + "\n";
+}

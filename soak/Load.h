@@ -1,0 +1,56 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <shared_mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace varek
+{
+class Host;
+}
+
+/// Threads of a host that do what there is to do in turn, commands, events, documents, threads and
+/// dumps, and rest in between, so that all of them together take about a fifth of a processor.
+class Load
+{
+public:
+    explicit Load(const varek::Host& host);
+    Load(const Load&) = delete;
+    Load& operator=(const Load&) = delete;
+
+    /// Comes back when all of them have stopped.
+    ~Load();
+
+    /// Keeps the threads from work for as long as it lives, once they have done what they are at.
+    class Pause
+    {
+    public:
+        explicit Pause(Load& load) : lock(load.atWork) {}
+
+    private:
+        std::unique_lock<std::shared_timed_mutex> lock;
+    };
+
+    /// How often something has been done.
+    unsigned long long Done() const { return done; }
+
+    /// What came out wrong, empty when nothing did. The thread that met it has stopped. While
+    /// paused.
+    const std::string& Failure() const { return failure; }
+
+private:
+    void Run(unsigned number);
+    void Do(const std::function<void()>& activity);
+    void Tell(const std::string& what);
+
+    const varek::Host& host;
+    std::shared_timed_mutex atWork; // shared by those who work; guards the failure
+    std::atomic<bool> ends{false};
+    std::atomic<unsigned long long> done{0};
+    std::string failure;
+    std::vector<std::thread> threads;
+};
