@@ -42,7 +42,9 @@ std::vector<Span> SpansOf(const std::vector<std::array<long long, 3>>& events, l
         open.pop_back();
     };
     for (const auto& [time, kind, function] : events) {
-        const auto isOfIt = [&](std::size_t span) { return spans[span].function == function; };
+        const auto isOfIt = [&, of = function](std::size_t span) {
+            return spans[span].function == of;
+        };
         if (kind == EventKind::ScopePush) {
             if (!open.empty())
                 spans[open.back()].inside.push_back(spans.size());
@@ -111,9 +113,9 @@ std::string CsvOf(const std::string& text)
     std::ostringstream csv;
     csv << "name,count,cut,total,self,median,p99,slowest,handed,wait\n";
     for (auto& [function, columns] : functions) {
-        const auto sum = [&](const char* column) {
+        const auto sum = [&, &numbers = columns](const char* column) {
             long long all = 0;
-            for (const long long value : columns[column])
+            for (const long long value : numbers[column])
                 all += value;
             return all;
         };
