@@ -16,6 +16,7 @@ IMPORT(_beginthreadex)
 IMPORT(CreateEventW)
 IMPORT(SetEvent)
 IMPORT(ResetEvent)
+IMPORT(CloseHandle)
 
 extern "C" {
 
@@ -50,6 +51,11 @@ BOOL __wrap_ResetEvent(HANDLE event)
     return __imp_ResetEvent(event);
 }
 
+BOOL __wrap_CloseHandle(HANDLE handle)
+{
+    return __imp_CloseHandle(handle);
+}
+
 HMODULE GetModuleHandleW(const wchar_t*)
 {
     return nullptr;
@@ -67,6 +73,7 @@ void* GetProcAddress(HMODULE, const char* name)
         {"CreateEventW", reinterpret_cast<void*>(__real_CreateEventW)},
         {"SetEvent", reinterpret_cast<void*>(__real_SetEvent)},
         {"ResetEvent", reinterpret_cast<void*>(__real_ResetEvent)},
+        {"CloseHandle", reinterpret_cast<void*>(__real_CloseHandle)},
     };
     for (const auto& function : functions)
         if (std::strcmp(function.name, name) == 0)

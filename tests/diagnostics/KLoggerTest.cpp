@@ -18,8 +18,6 @@
 namespace
 {
 
-const std::uint32_t ringSize = 0x20000;
-
 typedef std::map<std::uint32_t, std::string> Names;
 
 Names MakeKinds()
@@ -101,12 +99,6 @@ struct InterruptedText : std::stringbuf {
     int sync() override { return static_cast<int>(++oldest->time) * 0; }
     KLogRecord* oldest;
 };
-
-// The ring pointer is the first field of a core, for tools and for us.
-KLogRecord* Ring(KLogger& core)
-{
-    return *reinterpret_cast<KLogRecord**>(&core);
-}
 
 /// Whether `action` returns on a thread of its own, as it is expected to or not; where it does not,
 /// the thread is ended.

@@ -25,7 +25,7 @@ struct Script : IThreadErrorHandler {
     {
         failures += FailureText(exception) + ";";
     }
-    void OnUnhandledException(_EXCEPTION_POINTERS*) override {}
+    void OnUnhandledException(_EXCEPTION_POINTERS*) override { failures += "fault;"; }
 
     std::map<std::string, Action> on; ///< what is done at a call, by its name
     std::string calls, failures;

@@ -30,6 +30,7 @@ std::string WordsOrExit(const std::string& operation, DWORD answer)
 TEST(FailureTable, FailedStartForgetsItsThreadFailedFlushChangesNothingFailedStopCanBeRepeated)
 {
     for (DWORD answer : answers) {
+        const ExpectSameHandles handles;
         ScriptedThread thread;
         const auto answered = [&](Import import, void (ScriptedThread::*operation)()) {
             AnswerNext(import, answer);

@@ -1,5 +1,7 @@
 #include "tests/engine/Imports.h"
 
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <cerrno>
 
@@ -57,7 +59,8 @@ Function* Real(Import import)
                                  "_beginthreadex",
                                  "CreateEventW",
                                  "SetEvent",
-                                 "ResetEvent"};
+                                 "ResetEvent",
+                                 "CloseHandle"};
     const wchar_t* const library = import == Import::BeginThread ? L"msvcrt" : L"kernel32";
     const auto name = names[static_cast<int>(import)];
     const auto address = GetProcAddress(GetModuleHandleW(library), name);
@@ -81,6 +84,15 @@ Result Make(Arguments... arguments)
     return Lies(import) ? Result() : real(arguments...);
 }
 
+// Whoever closes what is another's by now takes it from him, and his own closing fails.
+BOOL Close(HANDLE handle)
+{
+    static const auto real = Real<BOOL(HANDLE)>(Import::CloseHandle);
+    const BOOL closed = real(handle);
+    EXPECT_TRUE(closed) << "a handle that is not open was closed";
+    return closed;
+}
+
 } // namespace
 
 extern "C" {
@@ -91,6 +103,7 @@ decltype(&_beginthreadex) __imp__beginthreadex = Make<Import::BeginThread>;
 decltype(&CreateEventW) __imp_CreateEventW = Make<Import::CreateEvent>;
 decltype(&SetEvent) __imp_SetEvent = Make<Import::SetEvent>;
 decltype(&ResetEvent) __imp_ResetEvent = Make<Import::ResetEvent>;
+decltype(&CloseHandle) __imp_CloseHandle = Close;
 }
 
 void AnswerNext(Import import, DWORD answer)

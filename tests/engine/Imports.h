@@ -5,7 +5,8 @@
 #include <windows.h>
 
 // This executable brings import slots of its own for a few functions of the system, through which
-// the engine's calls go like everybody's.
+// the engine's calls go like everybody's. A handle that is closed twice, or that is none, fails the
+// test at once.
 
 enum class Import {
     WaitForMultipleObjects,
@@ -13,7 +14,8 @@ enum class Import {
     BeginThread,
     CreateEvent,
     SetEvent,
-    ResetEvent
+    ResetEvent,
+    CloseHandle
 };
 
 /// Has the next call of the calling thread answer `answer`, with that for last error and `errno`.

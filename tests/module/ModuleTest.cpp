@@ -79,6 +79,16 @@ TEST(Module, StartsWithTheFirstCallStopsForGoodAndIsSeenByTheAttachedLogger)
     }
 }
 
+TEST(Module, IsConstructedInItsOrderAheadOfTheStaticsOfItsAuthor)
+{
+    const std::wstring order =
+        L"adapter MDiagnosticsRegistry MLocale classic MString MError MErrorOutOfMemory "
+        L"MErrorInternal MErrorDivisionByZero MErrorBadInput MErrorUserEscape MTime MDynObject "
+        L"MCommandSynchronous MDesyncEventScheduler MCommandProcessor MEngineThread "
+        L"MSchedulerThread core ModuleCommandProcessor TestModule ";
+    EXPECT_EQ(order, std::wstring(LoadedModule().startUp).substr(0, order.size()));
+}
+
 TEST(Module, ShutdownOnItsOwnThreadsSaysSoAtOnceAlsoWhileTheHostIsInsideOne)
 {
     LeakCheck::Skip(); // the module makes what is caught here

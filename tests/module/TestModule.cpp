@@ -1,7 +1,10 @@
 #include "tests/module/TestModule.h"
 
+#include "diagnostics/ClassName.h"
 #include "module/ModuleCommandProcessor.h"
 #include "tests/support/Raised.h"
+
+#include <cwchar>
 
 #include <windows.h>
 
@@ -85,7 +88,35 @@ void OnShutdown(const Action& action)
     ModuleCommandProcessor::OnShutdown(FunctorFor([&action] { action(); }));
 }
 
+wchar_t startUp[400];
+
+void Tell(const wchar_t* constructed)
+{
+    if (std::wcslen(startUp) + std::wcslen(constructed) + 2 < sizeof startUp / sizeof *startUp)
+        std::wcscat(std::wcscat(startUp, constructed), L" ");
+}
+
+// The first static of its own that the author of a module can have.
+__attribute__((init_priority(102))) const ClassName ownName(L"TestModule");
+
 } // namespace
+
+// Where the linker leads what the static start-up calls.
+#define TELLING(function, text, Result, parameters, ...)                                           \
+    Result __real_##function parameters;                                                           \
+    Result __wrap_##function parameters                                                            \
+    {                                                                                              \
+        Tell(text);                                                                                \
+        return __real_##function(__VA_ARGS__);                                                     \
+    }
+extern "C" {
+TELLING(_ZN26MKLoggerAdapterInitialiserC1Ev, L"adapter", void, (void* self), self)
+TELLING(_ZN18KLoggerInitialiserC1Ev, L"core", void, (void* self), self)
+TELLING(_ZN20MDiagnosticsRegistry17RegisterClassNameEjPKw, name, void,
+        (void* self, std::uint32_t id, const wchar_t* name), self, id, name)
+TELLING(_ZN7MLocale16GetClassicLocaleEv, L"classic", const void*, (), )
+TELLING(_ZN7MStringC1EPKw, text, void, (void* self, const wchar_t* text), self, text)
+}
 
 // The import slot through which COM is left.
 extern "C" {
@@ -106,5 +137,6 @@ TestModule GetTestModule()
             Schedule,
             OnShutdown,
             DieOnProcessor,
-            DieOnScheduler};
+            DieOnScheduler,
+            startUp};
 }

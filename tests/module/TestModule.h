@@ -27,6 +27,8 @@ struct TestModule {
     /// the one who waited for it was told.
     typedef std::string (*DieOnThread)(const Action& action, const Action& lastAct);
     DieOnThread DieOnProcessor, DieOnScheduler;
+
+    const wchar_t* startUp; ///< what was constructed, in its order, as far as there was room for it
 };
 
 extern "C" __declspec(dllexport) TestModule GetTestModule();

@@ -18,11 +18,12 @@ std::atomic<std::int64_t> blocksOut;
 // What is to fail; written and read by the armed thread, which is none when its id is 0.
 std::atomic<DWORD> armedThread;
 AllocationFailure failure;
+bool failsElsewhere;
 int allocationsLeft;
 
 bool IsToFail()
 {
-    if (armedThread != GetCurrentThreadId())
+    if (armedThread == 0 || (armedThread == GetCurrentThreadId()) == failsElsewhere)
         return false;
     --allocationsLeft;
     return allocationsLeft == 0 ||
@@ -86,8 +87,15 @@ void ArmAllocationFailure(AllocationFailure how, int nth)
     armedThread = GetCurrentThreadId();
 }
 
+void ArmAllocationFailureElsewhere(AllocationFailure how, int nth)
+{
+    failsElsewhere = true;
+    ArmAllocationFailure(how, nth);
+}
+
 bool DisarmAllocationFailure()
 {
     armedThread = 0;
+    failsElsewhere = false;
     return allocationsLeft <= 0;
 }

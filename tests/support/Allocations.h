@@ -24,6 +24,9 @@ enum class AllocationFailure {
 /// process.
 void ArmAllocationFailure(AllocationFailure how, int nth);
 
+/// The same for the only other thread that is at work.
+void ArmAllocationFailureElsewhere(AllocationFailure how, int nth);
+
 /// Lets all further allocations succeed. Whether the nth has been asked for.
 bool DisarmAllocationFailure();
 

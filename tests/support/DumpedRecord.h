@@ -5,6 +5,7 @@
 #include <vector>
 
 class KLogger;
+struct KLogRecord;
 class MFlowLoggerImplementation;
 
 /// One record as a dump shows it.
@@ -13,6 +14,14 @@ struct DumpedRecord {
     double seconds;                    ///< the first number
     std::vector<std::int64_t> numbers; ///< kind, two parameters, class, point, object, thread
 };
+
+const std::uint32_t ringSize = 0x20000;
+
+/// The records in memory. Their address is the first field of a core, for tools and for us.
+inline KLogRecord* Ring(KLogger& core)
+{
+    return *reinterpret_cast<KLogRecord**>(&core);
+}
 
 /// The records of a dump, oldest first.
 std::vector<DumpedRecord> ReadDump(const std::string& dump);
