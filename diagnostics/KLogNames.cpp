@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <new>
 
+const std::size_t KLogNames::blockSize;
+
 KLogNames::~KLogNames()
 {
     while (newestBlock) {

@@ -68,7 +68,11 @@
     VAREK_TRACE_OPEN(__VA_ARGS__) VAREK_MAY_SHADOW_NO_MORE static_assert(true, "")
 
 // The line of a lambda may stand inside the block of another.
-#ifdef __GNUC__
+#if defined __clang__
+#define VAREK_MAY_SHADOW                                                                           \
+    _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wshadow-all\"")
+#define VAREK_MAY_SHADOW_NO_MORE _Pragma("clang diagnostic pop")
+#elif defined __GNUC__
 #define VAREK_MAY_SHADOW                                                                           \
     _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wshadow\"")                  \
         _Pragma("GCC diagnostic ignored \"-Wshadow=local\"")                                       \
