@@ -30,12 +30,12 @@ void MXmlOpenElements::Grow()
 
 std::int32_t MXmlOpenElements::FindNewest(const wchar_t* name, std::int32_t length)
 {
-    const std::int32_t far = std::max(depth - Nearby, 0);
-    for (std::int32_t at = depth; at > far; --at) {
+    const std::int32_t distant = std::max(depth - Nearby, 0);
+    for (std::int32_t at = depth; at > distant; --at) {
         if (Matches(at, name, length))
             return at;
     }
-    if (far == 0)
+    if (distant == 0)
         return 0;
     IndexEntries();
     return FindIndexed(name, length);
