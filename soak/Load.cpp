@@ -1,6 +1,5 @@
 #include "soak/Load.h"
 
-#include "diagnostics/CrashDump.h"
 #include "soak/module/Activities.h"
 #include "varek/Errors.h"
 #include "varek/Host.h"
@@ -30,16 +29,9 @@ void TakeTextDump(const varek::Host& host, unsigned number)
     DeleteFileA(path.c_str());
 }
 
-void TakeMinidump(CrashDump& dump)
-{
-    if (!dump.WriteMinidump(nullptr))
-        throw std::runtime_error("there is no minidump");
-    DeleteFileW(dump.GetPath());
-}
-
 } // namespace
 
-Load::Load(const varek::Host& host) : host(host)
+Load::Load(const varek::Host& host) : host(host), dump(L"C:\\Temp\\soak")
 {
     for (unsigned number = 0; number < threadCount; ++number)
         threads.emplace_back(&Load::Run, this, number);
@@ -54,14 +46,13 @@ Load::~Load()
 
 void Load::Run(unsigned number)
 {
-    CrashDump dump((L"C:\\Temp\\soak-" + std::to_wstring(number)).c_str());
     const Activity round[] = {
         {ExecuteCommands, 30},
         {DeliverEvents, 30},
         {FileDocuments, 30},
         {StartAndStopThreads, 10},
         {[&] { TakeTextDump(host, number); }, 1},
-        {[&] { TakeMinidump(dump); }, 1},
+        {[this] { TakeMinidump(); }, 1},
     };
     try {
         while (!ends)
@@ -82,6 +73,15 @@ void Load::Do(const std::function<void()>& activity)
     }
     ++done;
     std::this_thread::sleep_for((Clock::now() - begin) * restPerWork);
+}
+
+// The system writes one at a time.
+void Load::TakeMinidump()
+{
+    const std::lock_guard<std::mutex> alone(dumping);
+    if (!dump.WriteMinidump(nullptr))
+        throw std::runtime_error("no minidump, " + std::to_string(GetLastError()));
+    DeleteFileW(dump.GetPath());
 }
 
 void Load::Tell(const std::string& what)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "diagnostics/CrashDump.h"
+
 #include <atomic>
 #include <functional>
 #include <mutex>
@@ -45,9 +47,12 @@ public:
 private:
     void Run(unsigned number);
     void Do(const std::function<void()>& activity);
+    void TakeMinidump();
     void Tell(const std::string& what);
 
     const varek::Host& host;
+    std::mutex dumping;
+    CrashDump dump;                 // guarded by `dumping`
     std::shared_timed_mutex atWork; // shared by those who work; guards the failure
     std::atomic<bool> ends{false};
     std::atomic<unsigned long long> done{0};
