@@ -52,4 +52,4 @@ target_compile_options(varek_warnings INTERFACE
     "$<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic>"
     "$<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wshadow=local>"
     "$<$<COMPILE_LANGUAGE:CXX>:-Wconversion>"
-    "$<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wthread-safety;SHELL:${clang_warnings}>")
+    "$<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wthread-safety;-Wthread-safety-beta;SHELL:${clang_warnings}>")

@@ -107,10 +107,13 @@ private:
     friend class KLogText;
 
     static const std::uint32_t ringCapacity = 0x20000;
+    static_assert((ringCapacity & (ringCapacity - 1)) == 0,
+                  "slots follow one another where the numbers begin anew, too");
 
-    static void Insert(KLogNames& names, KLogLock& lock, std::uint64_t key,
-                       const std::string& name);
-    static void Copy(KLogNames& from, KLogLock& fromLock, KLogNames& to, KLogLock& toLock);
+    static void Insert(KLogNames& names, KLogLock& lock, std::uint64_t key, const std::string& name)
+        VAREK_LOCK_RULE(locks_excluded(lock));
+    static void Copy(KLogNames& from, KLogLock& fromLock, KLogNames& to, KLogLock& toLock)
+        VAREK_LOCK_RULE(locks_excluded(fromLock, toLock));
     static std::uint32_t StateKey(std::uint32_t classId, std::uint32_t state)
     {
         return classId * 100 + state;
@@ -128,7 +131,9 @@ private:
     std::uint32_t capacity;
     std::atomic<std::uint32_t> writeIndex; // running number of the last claimed slot
     bool enabled;                          // for debuggers to see; it gates nothing
-    KLogNames eventNames;                  // constant after construction
+    // Who adds to a map holds its lock; who looks up takes none. Where two are held, which only
+    // copying does, the lock of the core that is copied from comes first.
+    KLogNames eventNames; // constant after construction
     KLogNames threadNames;
     KLogNames idNames;
     KLogNames stateNames;

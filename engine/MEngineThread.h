@@ -75,7 +75,7 @@ public:
 
     /// Whether no code runs on the engine thread any more: it was never started, was stopped, or
     /// has died. Not while another thread is in `Start` or `Stop`.
-    bool HasEnded() const;
+    bool HasEnded() const VAREK_LOCK_RULE(no_thread_safety_analysis);
 
     /// Set when the thread has ended, in whatever way, until the next `Start`; for waiting on
     /// something that only the living thread does. It stays the thread's.
@@ -118,7 +118,7 @@ protected:
 
     /// Makes the object "Inactive" whatever happens, stopping the thread first if it runs; the
     /// failures of that are dismissed. For destructors.
-    void ForceStop();
+    void ForceStop() VAREK_LOCK_RULE(no_thread_safety_analysis);
 
 private:
     struct Locations;
@@ -130,18 +130,20 @@ private:
     void AwaitThread(MFlowLocation& location, HANDLE event)
         VAREK_LOCK_RULE(requires_capability(stateMutex));
     void AwaitEnd(MFlowLocation& location) VAREK_LOCK_RULE(requires_capability(stateMutex));
-    void ForgetThread();
+    void ForgetThread() VAREK_LOCK_RULE(requires_capability(stateMutex));
 
-    void ChangeState(EngineThreadState newState);
+    void ChangeState(EngineThreadState newState) VAREK_LOCK_RULE(requires_capability(stateMutex));
     void RunThreadFunction();
     void OnFlushWrapper();
     void OnStopWrapper();
 
     // Written under the lock, read without it.
     std::atomic<EngineThreadState> state;
+    // Held through each handshake. The engine thread never waits for it, and what it calls
+    // meanwhile may take any other lock but this.
     MMutex stateMutex;
     std::atomic<unsigned> threadId;
-    HANDLE threadHandle;
+    HANDLE threadHandle VAREK_LOCK_RULE(guarded_by(stateMutex));
     PlatformEvent flushRequestEvent;
     PlatformEvent stopEvent;
     PlatformEvent threadStartedEvent;

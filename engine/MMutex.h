@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/LockRules.h"
+#include "diagnostics/LockRules.h"
 
 #include <cstdint>
 

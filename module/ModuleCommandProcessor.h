@@ -96,22 +96,25 @@ private:
     ModuleCommandProcessor();
 
     void AddShutdownFunctor(MCallbackFunctorPtr functor);
-    void StartScheduler();
-    void StartProcessor();
-    void Dismantle();
+    void StartScheduler() VAREK_LOCK_RULE(requires_capability(lifecycleMutex));
+    void StartProcessor() VAREK_LOCK_RULE(requires_capability(lifecycleMutex));
+    void Dismantle() VAREK_LOCK_RULE(requires_capability(lifecycleMutex));
     void RaiseIfOwnThread();
-    void StopThreads();
-    void DropReferenceOnceEnded();
-    void RunShutdownFunctors();
+    void StopThreads() VAREK_LOCK_RULE(requires_capability(lifecycleMutex));
+    void DropReferenceOnceEnded() VAREK_LOCK_RULE(requires_capability(lifecycleMutex));
+    void RunShutdownFunctors() VAREK_LOCK_RULE(requires_capability(lifecycleMutex));
     MCallbackFunctorPtr TakeShutdownFunctor();
 
-    MMutex lifecycleMutex;
+    // Held through a start and a stop, and so ahead of the locks of the threads and of whatever the
+    // functors of a shutdown take. Nothing of ours waits for it once the lifecycle is done.
+    MMutex lifecycleMutex VAREK_LOCK_RULE(acquired_before(shutdownMutex));
     std::atomic<bool> lifecycleDone; // set by the first Start or Stop, and never cleared
+    // These two are written under the lock before that, and only read by anybody afterwards.
     std::unique_ptr<MCommandProcessor> commandProcessor;
     std::unique_ptr<MDesyncEventScheduler> desyncScheduler;
     SpontaneousErrorCallback spontaneousErrorCallback;
     CrashCallback crashCallback;
-    ModuleReference moduleReference;
+    ModuleReference moduleReference VAREK_LOCK_RULE(guarded_by(lifecycleMutex));
     MMutex shutdownMutex; // guards the two below, and is held while nothing else is done
     std::vector<MCallbackFunctorPtr> shutdownFunctors VAREK_LOCK_RULE(guarded_by(shutdownMutex));
     bool shutdownFunctorsRun VAREK_LOCK_RULE(guarded_by(shutdownMutex));

@@ -27,9 +27,11 @@ TracedLocation& Location()
 
 /// What is named, and the engine thread that does it while the worker runs.
 struct Worker::State {
-    MMutex mutex; // held through starts and stops; never waited for by the worker's own thread
-    std::vector<std::unique_ptr<Duty>> duties;
-    std::unique_ptr<MSchedulerThread> running;
+    // Held through starts and stops, and so ahead of the locks of the engine thread, and at a start
+    // of those of the module. Never waited for by the worker's own thread.
+    MMutex mutex;
+    std::vector<std::unique_ptr<Duty>> duties VAREK_LOCK_RULE(guarded_by(mutex));
+    std::unique_ptr<MSchedulerThread> running VAREK_LOCK_RULE(guarded_by(mutex));
     std::atomic<unsigned long> threadAtWork{0};
 };
 
@@ -125,8 +127,8 @@ private:
             delete this;
     }
 
-    MMutex mutex;
-    Worker* worker;
+    MMutex mutex; // ahead of that of the worker's state
+    Worker* worker VAREK_LOCK_RULE(guarded_by(mutex));
     std::atomic<int> shares;
 };
 
