@@ -17,12 +17,18 @@ namespace
 const std::uint64_t mostOrders = 1000000; // with two preemptions
 const unsigned alwaysAll = 1;             // preemptions whose orders are run however long it takes
 
+void PrintOrders(bool cut, std::uint64_t run)
+{
+    const char* const which = !cut ? "all" : run < mostOrders ? "time up at" : "cut at";
+    std::cout << std::setw(12) << which << std::setw(9) << run << std::flush;
+}
+
 } // namespace
 
 Exploration::Exploration(double secondsEach)
     : secondsEach(secondsEach),
-      orders(static_cast<std::uint64_t*>(
-          mmap(nullptr, sizeof *orders, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
+      shared(static_cast<decltype(shared)>(
+          mmap(nullptr, sizeof *shared, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
 {
 }
 
@@ -44,7 +50,12 @@ bool Exploration::ExploreOften(const Scenario& scenario)
 
 bool Exploration::ExploreOnce(const Scenario& scenario)
 {
-    return RunAllOnce(scenario, 0) && RunAllOnce(scenario, 1);
+    return RunAllOnce(scenario, 0) && RunAllOnce(scenario, 1) && RunAllOnce(scenario, 2);
+}
+
+bool Exploration::MayGoOn(unsigned preemptions, std::uint64_t run) const
+{
+    return preemptions <= alwaysAll || (run < mostOrders && !IsTimeUp());
 }
 
 bool Exploration::IsTimeUp() const
@@ -56,7 +67,7 @@ bool Exploration::Run(const Scenario& scenario, Order& order)
 {
     WrittenOrder written(order);
     const std::string failure = RunOnce(scenario.run, written);
-    ++*orders;
+    ++shared->orders;
     if (!failure.empty())
         std::cout << " FAILED: " << failure << "\n  varek-explore " << scenario.name << " \""
                   << written.Text() << "\"" << std::flush;
@@ -68,28 +79,34 @@ bool Exploration::RunAll(const Scenario& scenario, unsigned preemptions)
     EveryOrder every(preemptions);
     std::uint64_t run = 0;
     bool more = true;
-    while (more && (preemptions <= alwaysAll || (run < mostOrders && !IsTimeUp()))) {
+    while (more && MayGoOn(preemptions, run)) {
         if (!Run(scenario, every))
             return false;
         ++run;
         more = every.Next();
     }
-    std::cout << std::right << std::setw(9) << run << (more ? " of more" : " all") << std::flush;
+    PrintOrders(more, run);
     return true;
 }
 
 bool Exploration::RunAllOnce(const Scenario& scenario, unsigned preemptions)
 {
-    const std::uint64_t before = *orders;
+    const std::uint64_t before = shared->orders;
+    shared->cut = false;
+    const auto mayBranch = [&] {
+        const bool may = MayGoOn(preemptions, shared->orders - before);
+        shared->cut = shared->cut || !may;
+        return may;
+    };
     const pid_t child = fork();
     if (child == 0) {
-        EveryOrderOnce every(preemptions);
+        EveryOrderOnce every(preemptions, mayBranch);
         std::_Exit(Run(scenario, every) && std::cout.flush() ? 0 : 1);
     }
     int status = 1;
     waitpid(child, &status, 0);
     if (status == 0)
-        std::cout << std::setw(9) << *orders - before << " all" << std::flush;
+        PrintOrders(shared->cut, shared->orders - before);
     return status == 0;
 }
 
@@ -97,10 +114,10 @@ bool Exploration::RunRandom(const Scenario& scenario)
 {
     std::uint64_t run = 0;
     for (; !IsTimeUp(); ++run) {
-        RandomOrder random(*orders);
+        RandomOrder random(shared->orders);
         if (!Run(scenario, random))
             return false;
     }
-    std::cout << std::setw(9) << run << " random";
+    std::cout << "  random" << std::setw(9) << run;
     return true;
 }

@@ -15,11 +15,12 @@ public:
     explicit Exploration(double secondsEach);
 
     /// Runs all orders without a preemption, with one, with two where they are fewer than a
-    /// million, then random ones. The first that fails is printed as it can be told to the program,
-    /// and ends it.
+    /// million, then random ones, and prints of each how many and whether these are all, or whether
+    /// the million or the time was up. The first that fails is printed as it can be told to the
+    /// program, and ends it.
     void Explore(const Scenario& scenario);
 
-    std::uint64_t Orders() const { return *orders; }
+    std::uint64_t Orders() const { return shared->orders; }
     unsigned Failures() const { return failures; }
 
 private:
@@ -29,10 +30,14 @@ private:
     bool RunAllOnce(const Scenario& scenario, unsigned preemptions);
     bool RunRandom(const Scenario& scenario);
     bool Run(const Scenario& scenario, Order& order);
+    bool MayGoOn(unsigned preemptions, std::uint64_t run) const;
     bool IsTimeUp() const;
 
     double secondsEach;
     std::chrono::steady_clock::time_point begin;
-    std::uint64_t* orders; ///< run so far, counted by all processes
+    struct {
+        std::uint64_t orders; ///< run so far
+        bool cut;             ///< there were more
+    } * shared;               ///< by all processes
     unsigned failures = 0;
 };

@@ -75,7 +75,7 @@ std::size_t EveryOrderOnce::Choose(const std::vector<Candidate>& candidates)
     while (preemptionsLeft == 0 && candidates[allowed - 1].preempts)
         --allowed;
     std::size_t taken = 0;
-    while (taken + 1 < allowed && !IsBranch())
+    while (taken + 1 < allowed && mayBranch() && !IsBranch())
         ++taken;
     preemptionsLeft -= candidates[taken].preempts;
     return taken;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -53,15 +54,20 @@ private:
 
 /// All orders too, each in a process of its own that branches off at its last choice: for what a
 /// process does once. The processes end as leaves; the one that began tells what became of them.
+/// From when `mayBranch` says no, the rest is left out.
 class EveryOrderOnce final : public Order
 {
 public:
-    explicit EveryOrderOnce(unsigned preemptions) : preemptionsLeft(preemptions) {}
+    EveryOrderOnce(unsigned preemptions, std::function<bool()> mayBranch)
+        : preemptionsLeft(preemptions), mayBranch(std::move(mayBranch))
+    {
+    }
 
     std::size_t Choose(const std::vector<Candidate>& candidates) override;
 
 private:
     unsigned preemptionsLeft;
+    std::function<bool()> mayBranch;
 };
 
 /// Made up as it goes along, with a preemption at one in so many choices.
