@@ -1,6 +1,7 @@
 #include "diagnostics/KLogNames.h"
 
 #include <algorithm>
+#include <cassert>
 #include <new>
 
 const std::size_t KLogNames::blockSize;
@@ -27,6 +28,7 @@ void KLogNames::Insert(std::uint64_t key, const char* text, std::size_t length)
     *end = '\0';
     newest.store(name, std::memory_order_release);
     place.store(name, std::memory_order_release);
+    assert(Find(key) == name);
 }
 
 /// Where the name of a key stands or would stand. Different keys have different hashes, whose bits
@@ -47,6 +49,7 @@ void* KLogNames::Allocate(std::size_t size)
     const std::size_t aligned = (size + alignof(Name) - 1) / alignof(Name) * alignof(Name);
     if (aligned > left)
         AddBlock(std::max(blockSize, sizeof(Block) + aligned));
+    assert(aligned <= left);
     void* const allocated = free;
     free += aligned;
     left -= aligned;

@@ -2,6 +2,7 @@
 
 #include "diagnostics/RecorderDescription.h"
 
+#include <cassert>
 #include <cstring>
 #include <ctime>
 
@@ -88,6 +89,7 @@ KLogger::KLogger()
     writeIndex = 0xFFFFFFFF;
     enabled = true;
     records = new KLogRecord[capacity]();
+    assert((writeIndex + 1) % capacity == 0 && FindOldest() == 0);
 }
 
 // The lock is not released when the insertion throws: a map that ran out of memory is closed to

@@ -7,6 +7,7 @@
 #include "engine/MMutexLock.h"
 #include "engine/StackReserve.h"
 
+#include <cassert>
 #include <cerrno>
 
 #include <process.h>
@@ -49,6 +50,16 @@ void RegisterStateNames(const wchar_t* className)
         GetDiagnosticsRegistry()->RegisterStateName(FlowId(className), state++, name);
 }
 
+#ifndef NDEBUG
+/// A stop may be tried again, and whatever it was, a thread can be forgotten.
+bool LeadsTo(EngineThreadState from, EngineThreadState to)
+{
+    return to == EngineThreadState::Inactive ||
+           static_cast<int>(to) == static_cast<int>(from) + 1 ||
+           (to == EngineThreadState::Stopping && from == to);
+}
+#endif
+
 } // namespace
 
 MEngineThread::MEngineThread(IThreadErrorHandler* errorHandler)
@@ -77,6 +88,7 @@ void MEngineThread::Start()
     MFlowScope scope(location.SetObject(this));
 
     MMutexLock lock(stateMutex);
+    assert(IsThreadActive() == (threadHandle != nullptr));
     if (state != EngineThreadState::Inactive)
         RaiseError(location.SetObject(this).SetLine(__LINE__), L"AlreadyRunning");
     ResetEvent(stopEvent);
@@ -115,6 +127,7 @@ void MEngineThread::Flush()
 
     RaiseIfCurrentThread(location, L"CannotFlushSelf");
     MMutexLock lock(stateMutex);
+    assert(IsThreadActive() == (threadHandle != nullptr));
     if (state == EngineThreadState::Inactive)
         return;
     SetEvent(flushRequestEvent);
@@ -152,6 +165,7 @@ bool MEngineThread::WaitForEvents(std::uint32_t timeoutMs)
 {
     MFlowLocation& location = Locations::Get().waitForEvents;
     const DWORD count = static_cast<DWORD>(waitHandles.size());
+    assert(count == waitFunctors.size());
     const DWORD status = WaitForMultipleObjects(count, waitHandles.data(), FALSE, timeoutMs);
     if (status == WAIT_TIMEOUT)
         return false;
@@ -250,6 +264,7 @@ void MEngineThread::ForgetThread()
 void MEngineThread::ChangeState(EngineThreadState newState)
 {
     MFlowLocation& location = Locations::Get().changeState;
+    assert(LeadsTo(state, newState));
     state = newState;
     location.SetObject(this).LogStateChange(static_cast<std::uint32_t>(newState), 0);
 }
@@ -297,6 +312,7 @@ void MEngineThread::OnStopWrapper()
 {
     MFlowLocation& location = Locations::Get().onStopWrapper;
     MFlowScope scope(location.SetObject(this));
+    assert(!stopServed);
     stopServed = true;
     OnStop();
 }

@@ -2,6 +2,7 @@
 
 #include "foundation/MakeOrRaise.h"
 
+#include <cassert>
 #include <cstddef>
 
 #include <windows.h>
@@ -32,6 +33,8 @@ template <class T, class A>
 bool MThreadSafeFifo<T, A>::Get(T& element)
 {
     MMutexLock guard(lock);
+    assert(IsSound());
+    assert(Wait(0) == (count != 0));
     if (count == 0)
         return false;
     element = buffer[head];
@@ -76,8 +79,10 @@ void MThreadSafeFifo<T, A>::Put(A element)
     std::int32_t index = head + count;
     if (index >= capacity)
         index -= capacity;
+    assert(index < capacity);
     buffer[index] = element;
     ++count;
+    assert(IsSound());
     SetEvent(notEmptyEvent);
 }
 
@@ -104,6 +109,15 @@ void MThreadSafeFifo<T, A>::GrowTo(std::int32_t newCapacity)
     capacity = newCapacity;
     head = 0;
 }
+
+#ifndef NDEBUG
+template <class T, class A>
+bool MThreadSafeFifo<T, A>::IsSound() const
+{
+    return count >= 0 && count <= capacity && head >= 0 && head <= capacity - (capacity != 0) &&
+           (buffer != nullptr) == (capacity != 0);
+}
+#endif
 
 template class MThreadSafeFifo<MCommand*, MCommand*>;
 template class MThreadSafeFifo<MDesyncEvent*, MDesyncEvent*>;

@@ -78,6 +78,7 @@ public:
 
 private:
     void GrowTo(std::int32_t newCapacity) VAREK_LOCK_RULE(requires_capability(lock));
+    bool IsSound() const VAREK_LOCK_RULE(requires_capability(lock));
 
     T* buffer VAREK_LOCK_RULE(guarded_by(lock));
     std::int32_t count VAREK_LOCK_RULE(guarded_by(lock));

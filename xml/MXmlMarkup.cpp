@@ -5,6 +5,7 @@
 #include "xml/scan/XmlRuns.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cwchar>
 
 constexpr std::size_t MXmlMarkup::MaxTextLength;
@@ -31,6 +32,7 @@ int MXmlMarkup::ParseDocument(const wchar_t* source, std::int32_t length)
     index.Clear(length / 64 + 8);
 
     IndexDocument(source, length);
+    assert(index.IsSound());
     ClearPosition();
     if (!earlierText.empty())
         errorText = errorText.empty() ? earlierText : earlierText + L", " + errorText;

@@ -4,6 +4,8 @@
 #include "xml/parse/MXmlElementParser.h"
 #include "xml/scan/MXmlTagTokens.h"
 
+#include <cassert>
+
 namespace
 {
 
@@ -81,6 +83,7 @@ bool MXmlMarkup::SetAttribute(std::int32_t record, const wchar_t* name, const wc
     } else {
         index.GrowTag(record, delta);
     }
+    assert(index.IsSound());
     return true;
 }
 
@@ -136,6 +139,7 @@ std::int32_t MXmlMarkup::SpliceElement(std::int32_t sibling, MXmlInsertRequest& 
     const std::int32_t added = index.LinkElement(element.parent, insertion.Sibling(), element);
     if (fragment != 0)
         index.AdoptFragment(added, fragment, index[added].ContentStart());
+    assert(index.IsSound());
     return added;
 }
 
@@ -164,6 +168,7 @@ bool MXmlMarkup::AddNode(std::int32_t type, const wchar_t* text, std::uint32_t f
         nodeOffset = request.offset;
         nodeLength = request.length;
     }
+    assert(index.IsSound());
     return true;
 }
 
@@ -193,6 +198,7 @@ int MXmlMarkup::ReplaceInnerMarkup(const wchar_t* markup)
     index.ShiftOffsets(mainIndex, delta, true);
     index[mainIndex].GrowBy(delta);
     index.AdoptFragment(mainIndex, fragment, request.offset);
+    assert(index.IsSound());
     MoveTo(parentIndex, mainIndex, 0);
     return wellFormed ? 1 : 0;
 }

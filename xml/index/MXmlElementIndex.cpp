@@ -276,3 +276,66 @@ std::int32_t MXmlElementIndex::NextInDocument(std::int32_t record, std::int32_t 
     }
     return records[record].nextSibling;
 }
+
+#ifndef NDEBUG
+
+bool MXmlElementIndex::IsSound() const
+{
+    const std::int32_t seen = 500; // as it is asked for at every operation
+    if (nextFreeIndex > seen)
+        return true;
+    if (!records[0].IsDocument() || !AreDeletedListed() || !AreChildrenChained(0))
+        return false;
+    for (std::int32_t at = records[0].firstChild; at != 0; at = NextInDocument(at, 0, true))
+        if (!AreChildrenChained(at))
+            return false;
+    return IsOrderKept();
+}
+
+bool MXmlElementIndex::AreDeletedListed() const
+{
+    std::int32_t unlisted = 0;
+    for (std::int32_t i = 0; i < nextFreeIndex; ++i)
+        unlisted += records[i].Has(XmlElementDeleted) ? 1 : 0;
+    for (std::int32_t at = deletedHead; at != 0 && unlisted >= 0; at = records[at].nextSibling)
+        unlisted -= records[at].Has(XmlElementDeleted) ? 1 : nextFreeIndex;
+    return unlisted == 0;
+}
+
+// Among the children of a dissolved element, which have moved up, is one that is still marked as
+// the first; their levels are what they were.
+bool MXmlElementIndex::AreChildrenChained(std::int32_t parent) const
+{
+    const std::int32_t first = records[parent].firstChild;
+    std::int32_t before = 0;
+    bool dissolved = false;
+    bool counted = true;
+    for (std::int32_t at = first; at != 0; at = records[at].nextSibling) {
+        const MXmlElementRecord& child = records[at];
+        const bool isMarked = child.Has(XmlElementFirstChild);
+        if (!IsElement(at) || child.parent != parent ||
+            (at == first ? !isMarked : child.previousSibling != before))
+            return false;
+        dissolved = dissolved || (isMarked && at != first);
+        counted = counted && child.Level() == LevelBelow(parent);
+        before = at;
+    }
+    return dissolved || (counted && LastChild(parent) == before);
+}
+
+bool MXmlElementIndex::IsOrderKept() const
+{
+    std::int32_t before = 0;
+    std::int32_t parsedBefore = 0;
+    for (std::int32_t at = records[0].firstChild; at != 0; at = NextInDocument(at, 0, true)) {
+        if (inOrder && before != 0 && records[before].start >= records[at].start)
+            return false;
+        if (inOrder && at < parsedEnd && at < parsedBefore)
+            return false;
+        before = at;
+        parsedBefore = at < parsedEnd ? at : parsedBefore;
+    }
+    return true;
+}
+
+#endif

@@ -130,6 +130,12 @@ public:
     /// Offsets need not rise any more, until the next `Clear`.
     void LoseOrder() { inOrder = false; }
 
+#ifndef NDEBUG
+    /// Whether all that is said above holds, as far as it can be seen without the text. For
+    /// assertions: a large document passes unseen.
+    bool IsSound() const;
+#endif
+
 private:
     static constexpr std::int32_t NoFragment = 0x7FFFFFFF;
 
@@ -145,6 +151,9 @@ private:
     void LinkBehind(std::int32_t parent, std::int32_t sibling, std::int32_t added);
     void LinkInFront(std::int32_t parent, std::int32_t added);
     std::int32_t NextInDocument(std::int32_t record, std::int32_t top, bool enters) const;
+    bool AreDeletedListed() const;
+    bool AreChildrenChained(std::int32_t parent) const;
+    bool IsOrderKept() const;
 
     MXmlRecordStore records;
     std::int32_t nextFreeIndex = 1;
