@@ -22,6 +22,9 @@ public:
 
     static const std::vector<Measure>& Measures();
 
+    /// Takes the memory for that many samples, so that its own does not show.
+    explicit Curve(std::size_t count) { samples.reserve(count); }
+
     void Add(double minute, const Holdings& holdings) { samples.push_back({minute, holdings}); }
 
     /// Of at least six samples.

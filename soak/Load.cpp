@@ -4,6 +4,7 @@
 #include "varek/Errors.h"
 #include "varek/Host.h"
 
+#include <algorithm>
 #include <chrono>
 #include <stdexcept>
 
@@ -13,11 +14,12 @@ namespace
 {
 
 const unsigned threadCount = 3;
-const int restPerWork = 10; // so many times as long as the work took
+const int restPerWork = 8; // so many times as long as the work took
 
 typedef std::chrono::steady_clock Clock;
 
 struct Activity {
+    const char* kind;
     std::function<void()> act;
     unsigned times; ///< in a round
 };
@@ -31,7 +33,15 @@ void TakeTextDump(const varek::Host& host, unsigned number)
 
 } // namespace
 
-Load::Load(const varek::Host& host) : host(host), dump(L"C:\\Temp\\soak")
+const std::vector<std::string>& Load::Kinds()
+{
+    static const std::vector<std::string> kinds = {"commands", "events", "documents",
+                                                   "threads",  "texts",  "minidumps"};
+    return kinds;
+}
+
+Load::Load(const varek::Host& host, const std::vector<std::string>& kinds)
+    : host(host), kinds(kinds), dump(L"C:\\Temp\\soak")
 {
     for (unsigned number = 0; number < threadCount; ++number)
         threads.emplace_back(&Load::Run, this, number);
@@ -47,18 +57,19 @@ Load::~Load()
 void Load::Run(unsigned number)
 {
     const Activity round[] = {
-        {ExecuteCommands, 30},
-        {DeliverEvents, 30},
-        {FileDocuments, 30},
-        {StartAndStopThreads, 10},
-        {[&] { TakeTextDump(host, number); }, 1},
-        {[this] { TakeMinidump(); }, 1},
+        {"minidumps", [this] { TakeMinidump(); }, 1},
+        {"texts", [&] { TakeTextDump(host, number); }, 4},
+        {"commands", ExecuteCommands, 120},
+        {"events", DeliverEvents, 120},
+        {"documents", FileDocuments, 120},
+        {"threads", StartAndStopThreads, 40},
     };
     try {
         while (!ends)
             for (const Activity& activity : round)
-                for (unsigned time = 0; time < activity.times && !ends; ++time)
-                    Do(activity.act);
+                if (std::find(kinds.begin(), kinds.end(), activity.kind) != kinds.end())
+                    for (unsigned time = 0; time < activity.times && !ends; ++time)
+                        Do(activity.act);
     } catch (const std::exception& exception) {
         Tell(varek::What(exception));
     }

@@ -17,10 +17,15 @@ class Host;
 
 /// Threads of a host that do what there is to do in turn, commands, events, documents, threads and
 /// dumps, and rest in between, so that all of them together take about a fifth of a processor.
+/// Failures are told, not raised.
 class Load
 {
 public:
-    explicit Load(const varek::Host& host);
+    /// What there is to do.
+    static const std::vector<std::string>& Kinds();
+
+    /// Does only what is of those kinds.
+    Load(const varek::Host& host, const std::vector<std::string>& kinds);
     Load(const Load&) = delete;
     Load& operator=(const Load&) = delete;
 
@@ -51,6 +56,7 @@ private:
     void Tell(const std::string& what);
 
     const varek::Host& host;
+    const std::vector<std::string>& kinds;
     std::mutex dumping;
     CrashDump dump;                 // guarded by `dumping`
     std::shared_timed_mutex atWork; // shared by those who work; guards the failure

@@ -10,14 +10,16 @@
 #include <cstdlib>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace
 {
 
-const char usage[] = "usage: soak MINUTES TABLE\n"
+const char usage[] = "usage: soak MINUTES TABLE [KIND...]\n"
                      "\n"
                      "Works with a module for so many minutes, and writes what the process held\n"
-                     "meanwhile into a table, values separated by commas.\n"
+                     "meanwhile into a table, values separated by commas. With kinds, only\n"
+                     "commands, events, documents, threads, texts or minidumps.\n"
                      "\n"
                      "Exit codes: 0 nothing grew, 1 something grew or went wrong, 2 the command\n"
                      "line is wrong.\n";
@@ -31,14 +33,16 @@ typedef std::chrono::duration<double> Seconds;
 class Soak
 {
 public:
-    explicit Soak(double minutes) : seconds(minutes * minuteOfSeconds) {}
+    Soak(double minutes, const std::vector<std::string>& kinds)
+        : seconds(minutes * minuteOfSeconds), kinds(kinds)
+    {
+    }
 
     /// Works until the time is over or something goes wrong.
     void Run()
     {
         const varek::Host host(L"soak-module.dll");
-        Load load(host);
-        const double pause = std::min(longestPause, seconds / samplesAtLeast);
+        Load load(host, kinds);
         while (failure.empty() && Passed() < seconds) {
             std::this_thread::sleep_for(Seconds(pause));
             Look(load);
@@ -83,23 +87,34 @@ private:
     }
 
     const double seconds;
+    const double pause = std::min(longestPause, seconds / samplesAtLeast);
+    Curve curve{static_cast<std::size_t>(seconds / pause) + 1};
+    const std::vector<std::string> kinds;
     const std::chrono::steady_clock::time_point begin = std::chrono::steady_clock::now();
     double printed = 0; // when to print again
-    Curve curve;
     std::string failure;
 };
+
+bool AreKnown(const std::vector<std::string>& kinds)
+{
+    const std::vector<std::string>& known = Load::Kinds();
+    return std::all_of(kinds.begin(), kinds.end(), [&](const std::string& kind) {
+        return std::find(known.begin(), known.end(), kind) != known.end();
+    });
+}
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const double minutes = argc == 3 ? std::atof(argv[1]) : 0;
-    if (minutes <= 0) {
+    const double minutes = argc >= 3 ? std::atof(argv[1]) : 0;
+    const std::vector<std::string> kinds(argv + std::min(argc, 3), argv + argc);
+    if (minutes <= 0 || !AreKnown(kinds)) {
         std::fputs(usage, stderr);
         return 2;
     }
     try {
-        Soak soak(minutes);
+        Soak soak(minutes, kinds.empty() ? Load::Kinds() : kinds);
         soak.Run();
         return soak.Judge(argv[2]) ? 0 : 1;
     } catch (const std::exception& exception) {

@@ -1,5 +1,6 @@
 #include "soak/module/Activities.h"
 
+#include "engine/MMutexLock.h"
 #include "varek/Varek.h"
 #include "xml/MXmlMarkup.h"
 
@@ -117,16 +118,31 @@ void CallThatIsTakenBack()
     Expect(failure == L"Cancelled" || failure.empty(), L"NotTakenBack");
 }
 
-void RunWorker()
+/// A worker that is started and stopped again and again. A new one each time would show: the module
+/// remembers each until its shutdown.
+class Ticker
 {
+public:
+    Ticker()
+    {
+        worker.Every(milliseconds(1), [this] { ++ticks; });
+    }
+
+    void Run()
+    {
+        MMutexLock lock(mutex);
+        const int before = ticks;
+        worker.Start();
+        while (ticks == before)
+            Sleep(1);
+        worker.Stop();
+    }
+
+private:
+    MMutex mutex; // one thread's turn
     std::atomic<int> ticks{0};
     varek::Worker worker;
-    worker.Every(milliseconds(1), [&] { ++ticks; });
-    worker.Start();
-    while (ticks == 0)
-        Sleep(1);
-    worker.Stop();
-}
+} ticker;
 
 void RunProcessor()
 {
@@ -204,5 +220,5 @@ void StartAndStopThreads()
 {
     RunProcessor();
     RunScheduler();
-    RunWorker();
+    ticker.Run();
 }
