@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <stdexcept>
 
 #include <windows.h>
@@ -45,6 +47,15 @@ Load::Load(const varek::Host& host, const std::vector<std::string>& kinds)
 {
     for (unsigned number = 0; number < threadCount; ++number)
         threads.emplace_back(&Load::Run, this, number);
+}
+
+Load::Pause::Pause(Load& load) : lock(load.atWork, std::chrono::minutes(3))
+{
+    if (lock)
+        return;
+    std::puts("FAILED: something does not come back");
+    std::fflush(stdout);
+    std::_Exit(1);
 }
 
 Load::~Load()

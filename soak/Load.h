@@ -36,7 +36,8 @@ public:
     class Pause
     {
     public:
-        explicit Pause(Load& load) : lock(load.atWork) {}
+        /// Ends the process as failed when they are not done within minutes.
+        explicit Pause(Load& load);
 
     private:
         std::unique_lock<std::shared_timed_mutex> lock;
