@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <ctime>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <random>
@@ -212,9 +211,12 @@ TEST(KLogger, DumpEndsWhereItsStreamRaisesAndThatOfANullCoreBeforeItBegins)
     none->CopyNamesTo(core);
     EXPECT_EQ("", TakeDump(*none));
 
-    std::ofstream closed;
-    closed.exceptions(std::ios::badbit);
-    EXPECT_NO_THROW(core.WriteDump(closed));
+    struct : std::streambuf {
+        int overflow(int) override { throw 7; }
+    } refusing;
+    std::ostream out(&refusing);
+    out.exceptions(std::ios::badbit);
+    EXPECT_NO_THROW(core.WriteDump(out));
 }
 
 TEST(KLogger, ANameThatFindsNoMemoryClosesItsTableToNamesAndNothingElse)
