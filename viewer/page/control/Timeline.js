@@ -18,7 +18,6 @@ class Timeline {
         this.search = element("#search");
         this.#listen();
         this.#goToPlace();
-        this.#draw();
     }
 
     // Shows a scope, or what else happened amid the scope around it.
@@ -167,6 +166,7 @@ class Timeline {
     }
 
     #draw() {
+        cancelAnimationFrame(this.frame);
         this.frame = null;
         this.painter.draw(this.main.scrollTop);
         this.heads.clip(this.main.scrollTop);
@@ -232,7 +232,7 @@ class Timeline {
             button.onclick = () => this.#zoom(Number(button.dataset.zoom));
         window.onhashchange = () => this.#goToPlace();
         matchMedia("(prefers-color-scheme: dark)").onchange = () => this.#recolour();
-        const observer = new ResizeObserver(redraw);
+        const observer = new ResizeObserver(() => this.#draw()); // at once, so that nothing stale is shown
         for (const element of [this.main, this.flames.section])
             observer.observe(element);
     }

@@ -15,6 +15,11 @@ class Entry {
         return this.cat === "scope";
     }
 
+    // What its colour goes by.
+    get look() {
+        return this.name;
+    }
+
     get isError() {
         return this.cat === "error";
     }
@@ -27,12 +32,9 @@ class Entry {
 
 // A state of an object, from the change to it until the next; one row shows all of an object.
 class Band {
-    isScope = true;
-    isError = false;
-    around = null;
-
     constructor(change, lane, depth, end) {
         this.change = change;
+        this.begin = change.begin;
         this.lane = lane;
         this.depth = depth;
         this.end = end;
@@ -43,8 +45,20 @@ class Band {
         return `${objectName ?? object}: ${state}`;
     }
 
-    get begin() {
-        return this.change.begin;
+    get look() {
+        return this.change.args.state;
+    }
+
+    get isScope() {
+        return true;
+    }
+
+    get isError() {
+        return false;
+    }
+
+    get around() {
+        return null;
     }
 
     get args() {

@@ -45,6 +45,8 @@ class Lane {
         while (this.rows.length <= entry.depth)
             this.addRow();
         this.rows[entry.depth].add(entry);
+        if (entry.isScope)
+            this.open[entry.depth] = entry;
     }
 
     get rowsShown() {

@@ -6,16 +6,20 @@ class Trace {
         this.end = otherData.end;
         this.threads = [];
         this.entries = [];
+        this.errors = [];
+        this.scopeNames = new Set();
+        this.records = 0; // of the dump that are here; a filter may have left some out
         this.flows = new Flows();
+        const changes = [];
         for (const event of traceEvents)
-            this.#add(event);
-        this.objects = this.#layOutStates();
+            this.#add(event, changes);
+        this.objects = this.#layOutStates(changes);
         this.lanes = this.objects.rows.length > 0 ? [...this.threads, this.objects] : this.threads;
         this.#sortErrors();
         this.flows.bind(this.threads);
     }
 
-    #add(event) {
+    #add(event, changes) {
         switch (event.ph) {
         case "M":
             this.threads.push(new Lane(event.args.name, event.tid, Trace.laneKey(event)));
@@ -25,7 +29,7 @@ class Trace {
             this.flows.add(event);
             break;
         default:
-            this.#addEntry(event, this.threads.at(-1));
+            this.#addEntry(new Entry(event, this.threads.at(-1)), changes);
         }
     }
 
@@ -34,18 +38,22 @@ class Trace {
         return `${pid} ${tid}`;
     }
 
-    #addEntry(event, lane) {
-        const entry = new Entry(event, lane);
-        if (entry.isScope)
-            lane.open[entry.depth] = entry;
+    #addEntry(entry, changes) {
+        const { cat, args } = entry;
         this.entries.push(entry);
-        lane.add(entry);
+        entry.lane.add(entry);
+        this.records += cat === "scope" && !args.lostBegin && !args.lostEnd ? 2 : 1;
+        if (cat === "scope")
+            this.scopeNames.add(entry.name);
+        else if (cat === "state")
+            changes.push(entry);
+        else if (cat === "error")
+            this.errors.push(entry);
     }
 
-    #layOutStates() {
+    #layOutStates(changes) {
         const lane = new Lane("States of objects", null);
         const rows = new Map();
-        const changes = this.entries.filter(({ cat }) => cat === "state");
         for (const change of changes.sort((one, other) => one.begin - other.begin)) {
             const { object } = change.args;
             if (!rows.has(object))
@@ -60,7 +68,6 @@ class Trace {
 
     // A dismissed error stands with what dismissed it.
     #sortErrors() {
-        this.errors = this.entries.filter((entry) => entry.isError);
         this.errors.sort((one, other) => one.begin - other.begin);
         const raised = new Map();
         for (const error of this.errors) {
@@ -87,12 +94,6 @@ class Trace {
             const all = texts.filter(Boolean).join(" ").toLowerCase();
             return words.every((word) => all.includes(word));
         });
-    }
-
-    // How many records of the dump are here, where a filter may have left some out.
-    countRecords() {
-        const recordsOf = ({ isScope, args }) => (isScope && !args.lostBegin && !args.lostEnd ? 2 : 1);
-        return this.entries.reduce((sum, entry) => sum + recordsOf(entry), 0);
     }
 
     // A point of time, as the dump has it.

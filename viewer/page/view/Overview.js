@@ -30,11 +30,16 @@ class Overview {
     #drawCrowd(pen, width, height) {
         const counts = this.#countColumns(width);
         const most = Math.log1p(Math.max(...counts));
-        pen.fillStyle = this.palette.mark;
+        pen.beginPath();
+        pen.moveTo(0, height);
         counts.forEach((count, column) => {
-            const rise = Math.log1p(count) / most * (height - Overview.errorHeight - 4);
-            pen.fillRect(column, height - rise, 1, rise);
+            const top = height - Math.log1p(count) / most * (height - Overview.errorHeight - 4);
+            pen.lineTo(column, top);
+            pen.lineTo(column + 1, top);
         });
+        pen.lineTo(width, height);
+        pen.fillStyle = this.palette.mark;
+        pen.fill();
     }
 
     #countColumns(width) {

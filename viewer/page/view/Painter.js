@@ -1,7 +1,8 @@
 // Draws the lanes on the plot, and the times above it on the axis. Only what is in view is drawn, and
 // of what falls on one pixel only the first.
 class Painter {
-    static leastLabel = 28; // pixels of a scope that has its name in it
+    static leastBar = 2;    // pixels of a scope that is told from its neighbours
+    static leastLabel = 28; // and of one that has its name in it
     static reach = 4;       // pixels between the pointer and a mark that it is on
     static apart = { scopes: 1, marks: 2, errors: 4 }; // pixels, where they crowd
 
@@ -98,53 +99,66 @@ class Painter {
     #drawLane({ pen, width }, lane) {
         pen.fillStyle = this.palette.line;
         pen.fillRect(0, lane.top, width, 1);
-        const rows = lane.rowsShown;
         pen.globalAlpha = this.isSearching ? 0.25 : 1;
-        this.#drawRows(pen, rows);
+        lane.rowsShown.forEach((row, i) => this.#drawRow(pen, row, lane.rowTop(lane.base + i)));
         pen.globalAlpha = 1;
         if (this.isSearching)
-            this.#drawRows(pen, rows.map((row) => row.found));
+            lane.rowsShown.forEach(({ found }, i) => this.#drawRow(pen, found, lane.rowTop(lane.base + i)));
         if (this.selected?.lane === lane && lane.rowsShown.includes(lane.rows[this.selected.depth]))
             this.#drawSelected(pen, this.selected);
     }
 
-    #drawRows(pen, rows) {
-        const draw = {
-            scopes: (scope) => this.#drawScope(pen, scope), marks: (mark) => this.#drawMark(pen, mark),
-            errors: (error) => this.#drawMark(pen, error),
-        };
-        for (const [kind, pixels] of Object.entries(Painter.apart)) {
-            for (const row of rows)
-                this.#drawApart(row[kind], pixels, draw[kind]);
-        }
+    #drawRow(pen, { scopes, marks, errors }, top) {
+        this.#drawScopes(pen, scopes, top);
+        this.#drawMarks(pen, marks, top);
+        this.#drawErrors(pen, errors, top);
     }
 
     #drawSelected(pen, entry) {
+        const top = entry.lane.rowTop(entry.depth);
         if (entry.isScope)
-            this.#drawScope(pen, entry);
+            this.#drawScope(pen, entry, top);
+        else if (entry.isError)
+            this.#drawSelectedError(pen, entry, top);
         else
-            this.#drawMark(pen, entry);
+            this.#drawSelectedMark(pen, entry, top);
     }
 
-    // Those in view that end at least so many pixels behind the one drawn before.
-    #drawApart(entries, pixels, draw) {
+    // Those in view, but of what begins in one stretch of so many pixels only the first.
+    #forEachApart(entries, pixels, draw) {
         const { from, to, span, width } = this.scale;
-        const least = pixels * span / width;
+        const stretch = pixels * span / width;
         for (let i = firstEndingFrom(entries, from); i < entries.length && entries[i].begin <= to;) {
             const { begin, end } = entries[i];
             draw(entries[i]);
-            const next = Math.max(end, begin + least);
+            const next = Math.max(end, from + (Math.floor((begin - from) / stretch) + 1) * stretch);
             ++i;
             if (i < entries.length && entries[i].end < next)
                 i = firstEndingFrom(entries, next, i);
         }
     }
 
-    #drawScope(pen, scope) {
-        const left = Math.max(Math.floor(this.scale.x(scope.begin)), -2); // what is narrow stays sharp
-        const width = Math.max(1, Math.min(this.scale.x(scope.end), this.scale.width + 2) - left - 0.5);
-        const top = scope.lane.rowTop(scope.depth);
-        pen.fillStyle = this.palette.bar(scope.name);
+    #drawScopes(pen, scopes, top) {
+        const crowd = new Crowd(pen, top, Lane.rowHeight - 2);
+        this.#forEachApart(scopes, Painter.apart.scopes, (scope) => {
+            const { left, width } = this.#extent(scope);
+            if (width < Painter.leastBar)
+                crowd.add(left, width, this.palette.bar(scope.look));
+            else
+                this.#drawScope(pen, scope, top);
+        });
+        crowd.draw();
+    }
+
+    // What is narrow stays sharp.
+    #extent({ begin, end }) {
+        const left = Math.max(Math.floor(this.scale.x(begin)), -2);
+        return { left, width: Math.max(1, Math.min(this.scale.x(end), this.scale.width + 2) - left - 0.5) };
+    }
+
+    #drawScope(pen, scope, top) {
+        const { left, width } = this.#extent(scope);
+        pen.fillStyle = this.palette.bar(scope.look);
         pen.fillRect(left, top, width, Lane.rowHeight - 2);
         if (width >= Painter.leastLabel) {
             pen.fillStyle = this.palette.ink;
@@ -157,34 +171,58 @@ class Painter {
         }
     }
 
-    #drawMark(pen, mark) {
-        const x = this.scale.x(mark.begin);
-        const bottom = mark.lane.rowTop(mark.depth) + Lane.rowHeight - 2;
-        const isSelected = mark === this.selected;
-        if (mark.isError) {
-            this.#drawDiamond(pen, x, bottom - 9, isSelected, mark.isDismissed);
-            return;
-        }
-        const rise = isSelected ? 14 : 7;
-        pen.fillStyle = isSelected ? this.palette.accent : this.palette[mark.cat] ?? this.palette.mark;
-        pen.fillRect(x - 1, bottom - rise, 2, rise);
-        if (mark.cat === "state")
-            pen.fillRect(x - 1, bottom - rise, 5, 3);
+    // Changes of state are flags.
+    #drawMarks(pen, marks, top) {
+        const bottom = top + Lane.rowHeight - 2;
+        const [poles, flags] = [new Crowd(pen, bottom - 7, 7), new Crowd(pen, bottom - 7, 3)];
+        this.#forEachApart(marks, Painter.apart.marks, ({ begin, cat }) => {
+            const left = this.scale.x(begin) - 1;
+            poles.add(left, 2, this.palette[cat] ?? this.palette.mark);
+            if (cat === "state")
+                flags.add(left, 5, this.palette.state);
+        });
+        poles.draw();
+        flags.draw();
     }
 
-    #drawDiamond(pen, x, y, isSelected, isHollow) {
-        const { accent, back, error } = this.palette;
-        const reach = isSelected ? 8 : 6;
-        pen.beginPath();
-        pen.moveTo(x, y - reach);
-        pen.lineTo(x + reach, y);
-        pen.lineTo(x, y + reach);
-        pen.lineTo(x - reach, y);
-        pen.closePath();
-        pen.fillStyle = isHollow ? back : error;
-        pen.strokeStyle = isSelected ? accent : isHollow ? error : back;
-        pen.lineWidth = isSelected || isHollow ? 2 : 1;
-        pen.fill();
-        pen.stroke();
+    #drawSelectedMark(pen, { begin, cat }, top) {
+        const left = this.scale.x(begin) - 1;
+        pen.fillStyle = this.palette.accent;
+        pen.fillRect(left, top + Lane.rowHeight - 16, 2, 14);
+        if (cat === "state")
+            pen.fillRect(left, top + Lane.rowHeight - 16, 5, 3);
+    }
+
+    // Diamonds, hollow when they were dismissed.
+    #drawErrors(pen, errors, top) {
+        const [full, hollow] = [new Path2D(), new Path2D()];
+        this.#forEachApart(errors, Painter.apart.errors, (error) =>
+            this.#addDiamond(error.isDismissed ? hollow : full, error, top, 6));
+        this.#paint(pen, hollow, this.palette.back, this.palette.error, 2);
+        this.#paint(pen, full, this.palette.error, this.palette.back, 1);
+    }
+
+    #drawSelectedError(pen, error, top) {
+        const { accent, back, error: red } = this.palette;
+        const diamond = new Path2D();
+        this.#addDiamond(diamond, error, top, 8);
+        this.#paint(pen, diamond, error.isDismissed ? back : red, accent, 2);
+    }
+
+    #addDiamond(path, { begin }, top, reach) {
+        const [x, y] = [this.scale.x(begin), top + Lane.rowHeight - 11];
+        path.moveTo(x, y - reach);
+        path.lineTo(x + reach, y);
+        path.lineTo(x, y + reach);
+        path.lineTo(x - reach, y);
+        path.closePath();
+    }
+
+    #paint(pen, path, inside, edge, thickness) {
+        pen.fillStyle = inside;
+        pen.strokeStyle = edge;
+        pen.lineWidth = thickness;
+        pen.fill(path);
+        pen.stroke(path);
     }
 }

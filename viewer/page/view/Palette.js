@@ -6,8 +6,7 @@ class Palette {
     // All scopes of a class look alike, and those that come one after the other far from alike. Reds
     // are left to errors.
     constructor(trace) {
-        const names = new Set(trace.entries.filter(({ isScope }) => isScope).map(({ name }) => name));
-        const classes = new Set([...names].map(Palette.#className));
+        const classes = new Set([...trace.scopeNames].map(Palette.#className));
         this.hues = new Map([...classes].map((name, i) => [name, 40 + i * 0.618 % 1 * 280]));
         this.read();
     }
@@ -24,12 +23,12 @@ class Palette {
     }
 
     // Of a scope by the class in its name, of a band by its state.
-    bar(name) {
-        let colour = this.bars.get(name);
+    bar(look) {
+        let colour = this.bars.get(look);
         if (!colour) {
-            const hue = this.hues.get(Palette.#className(name)) ?? Palette.#hueOf(name.split(": ").at(-1));
+            const hue = this.hues.get(Palette.#className(look)) ?? Palette.#hueOf(look);
             colour = `hsl(${hue} ${this["bar-saturation"]} ${this["bar-lightness"]})`;
-            this.bars.set(name, colour);
+            this.bars.set(look, colour);
         }
         return colour;
     }

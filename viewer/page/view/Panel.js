@@ -14,7 +14,7 @@ class Panel {
         const { source, records, begin, end, findings } = this.trace.about;
         document.title = `${source} – timeline`;
         element("h1").textContent = source;
-        const shown = this.trace.countRecords();
+        const shown = this.trace.records;
         const all = `${records.toLocaleString("en")} ${records === 1 ? "record" : "records"}`;
         const facts = [shown < records ? `${shown.toLocaleString("en")} of ${all}` : all,
             TimeScale.seconds(end - begin)];

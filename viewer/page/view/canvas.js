@@ -3,9 +3,11 @@ function beginDrawing(id) {
     const canvas = document.getElementById(id);
     const { clientWidth: width, clientHeight: height } = canvas;
     const ratio = window.devicePixelRatio;
-    canvas.width = width * ratio;
-    canvas.height = height * ratio;
+    const [columns, lines] = [Math.round(width * ratio), Math.round(height * ratio)];
+    if (canvas.width !== columns || canvas.height !== lines)
+        Object.assign(canvas, { width: columns, height: lines });
     const pen = canvas.getContext("2d");
+    pen.reset();
     pen.scale(ratio, ratio);
     pen.font = "11px system-ui, sans-serif";
     pen.textBaseline = "middle";
