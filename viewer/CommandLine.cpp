@@ -1,5 +1,6 @@
 #include "viewer/CommandLine.h"
 
+#include "viewer/forms/Terminal.h"
 #include "viewer/forms/Utf8.h"
 
 #include <CLI/CLI.hpp>
@@ -48,6 +49,9 @@ void AddOutputs(CLI::App& app, Words& words, CommandLine& line)
     app.add_option("--format", line.format, "statistics as text, csv or json")
         ->type_name("FORM")
         ->check(CLI::IsMember({"text", "csv", "json"}));
+    line.width = Terminal::Width();
+    app.add_option("--width", line.width, "columns of lists and statistics; 0: whole names")
+        ->type_name("COLUMNS");
 }
 
 void AddFilters(CLI::App& app, Words& words, CommandLine& line)

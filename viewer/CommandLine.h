@@ -26,6 +26,7 @@ struct CommandLine {
     ScopeStatistics::By by = ScopeStatistics::By::Function;
     std::string sort = "self";   ///< column of the statistics
     std::string format = "text"; ///< of the statistics: text, csv, json
+    std::size_t width; ///< that lists and statistics keep to by shortening names; 0 if not
 
     std::string answer; ///< to be printed, and nothing else done: the help, the version
 

@@ -80,7 +80,7 @@ std::string Statistics(const CommandLine& line, const Recordings& recordings)
     ScopeStatistics::Sort(rows, line.sort);
     return line.format == "csv"    ? StatisticsData::ComposeCsv(rows)
            : line.format == "json" ? StatisticsData::ComposeJson(rows)
-                                   : StatisticsTable::Compose(rows);
+                                   : StatisticsTable::Compose(rows, line.width);
 }
 
 std::string TextOf(const CommandLine& line, const Recordings& recordings)
@@ -90,7 +90,7 @@ std::string TextOf(const CommandLine& line, const Recordings& recordings)
     case Show::Tree:
         return ScopeTree::Compose(recordings);
     case Show::List:
-        return RecordList::Compose(recordings);
+        return RecordList::Compose(recordings, line.width);
     case Show::Stats:
         return Statistics(line, recordings);
     default:

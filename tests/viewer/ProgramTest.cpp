@@ -66,24 +66,29 @@ TEST_F(Program, ReadsAFileOrStandardInputAndWritesWhereItIsTold)
 
 TEST_F(Program, TellsByItsExitCodeWhatWentWrong)
 {
-    EXPECT_EQ(1, Run("no-such.log"));
-    EXPECT_EQ("varek-log: no-such.log: No such file or directory\n", Text("err"));
-    EXPECT_EQ(1, Run("."));
-    EXPECT_EQ("varek-log: .: Is a directory\n", Text("err"));
-    EXPECT_EQ(1, Run("--trace no-such/trace.json sample.log"));
-    EXPECT_EQ(1, Run("--trace /dev/full sample.log"));
-    EXPECT_EQ(1, Run("--html ./sample.log sample.log"));
-    EXPECT_EQ(sampleDump, Text("sample.log"));
-    EXPECT_EQ(1, Run("--dump 2 sample.log"));
-    EXPECT_EQ("varek-log: sample.log: there is only 1 dump\n", Text("err"));
-    EXPECT_EQ(1, Run("err"));
-    EXPECT_EQ("varek-log: err: this is not a dump of a flight recorder\n", Text("err"));
     TextFile::Write(folder + "none.dmp", "MDMP");
-    EXPECT_EQ(1, Run("none.dmp"));
-    EXPECT_NE(std::string::npos, Text("err").find("does not hold a flight recorder; one that"));
-    EXPECT_EQ(0, Run("--tree --class Pumps sample.log"));
-    EXPECT_EQ("varek-log: nothing passes the filters\n", Text("err"));
-    EXPECT_EQ(2, Run("--nothing"));
-    EXPECT_EQ(0, Run("--help"));
-    EXPECT_EQ(0, Run("--version"));
+    TextFile::Write(folder + "none.log", "none");
+    const struct {
+        int code;
+        const char* arguments;
+        const char* complaint; // among others
+    } cases[] = {
+        {1, "no-such.log", "varek-log: no-such.log: No such file or directory\n"},
+        {1, ".", "varek-log: .: Is a directory\n"},
+        {1, "--trace no-such/trace.json sample.log", "No such file"},
+        {1, "--trace /dev/full sample.log", "No space left"},
+        {1, "--html ./sample.log sample.log", "this is the dump itself"},
+        {1, "--dump 2 sample.log", "varek-log: sample.log: there is only 1 dump\n"},
+        {1, "none.log", "varek-log: none.log: this is not a dump of a flight recorder\n"},
+        {1, "none.dmp", "does not hold a flight recorder; one that"},
+        {0, "--tree --class Pumps sample.log", "varek-log: nothing passes the filters\n"},
+        {2, "--nothing", "varek-log --help tells more"},
+        {0, "--help", ""},
+        {0, "--version", ""},
+    };
+    for (const auto& [code, arguments, complaint] : cases) {
+        EXPECT_EQ(code, Run(arguments)) << arguments;
+        EXPECT_NE(std::string::npos, Text("err").find(complaint)) << Text("err");
+    }
+    EXPECT_EQ(sampleDump, Text("sample.log"));
 }

@@ -100,23 +100,18 @@ std::string RecordLines(std::int64_t microseconds, std::int32_t kind, const std:
 
 Dump DumpOf(const std::string& story)
 {
-    std::string text = emptyDump;
-    std::int64_t time = 0;
-    std::int32_t thread = 7;
+    std::string words;
+    char thread = '7';
     for (std::size_t at = 0; at < story.size(); ++at) {
         const char letter = story[at];
         if (letter >= '0' && letter <= '9')
-            thread = letter - '0';
-        else if (letter == '+')
-            text += RecordLines(time++, EventKind::ScopePush, {story[++at]}, thread);
-        else if (letter == '-')
-            text += RecordLines(time++, EventKind::ScopePop, {story[++at]}, thread);
-        else if (letter == '.')
-            text += RecordLines(time++, EventKind::TimingPoint, "p", thread);
+            thread = letter;
         else if (letter == '~')
-            text += RecordLines(time++, EventKind::ScopePop, "p", 0);
+            words += " 0-p";
+        else
+            words += {' ', thread, letter, letter == '.' ? 'p' : story[++at]};
     }
-    return ReadText(text);
+    return DumpOfPlaces(words);
 }
 
 Dump DumpOfPlaces(const std::string& story)

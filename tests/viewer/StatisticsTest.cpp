@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <map>
+#include <numeric>
 #include <random>
 #include <sstream>
 
@@ -23,70 +24,72 @@ namespace
 struct Span {
     int function;
     long long begin;
+    std::size_t around; // number of the span that it is directly inside, or none
     long long end = 0;
     bool isWhole = false;
-    std::vector<std::size_t> inside = {}; // directly
+    long long inside = 0; // time of those directly inside
 };
 
+typedef std::vector<std::array<long long, 3>> Events; // time, kind, function
 typedef std::map<std::string, std::vector<long long>> Columns;
+
+constexpr std::size_t none = std::string::npos;
 
 /// The spans of one thread. A leaving that fits none of those open is of one entered before the
 /// dump if none is open, and nothing otherwise.
-std::vector<Span> SpansOf(const std::vector<std::array<long long, 3>>& events, long long dumpEnd)
+std::vector<Span> SpansOf(const Events& events, long long dumpEnd)
 {
     std::vector<Span> spans;
-    std::vector<std::size_t> open;
+    std::size_t open = none; // the innermost
     const auto close = [&](long long time, bool isWhole) {
-        spans[open.back()].end = time;
-        spans[open.back()].isWhole = isWhole;
-        open.pop_back();
+        Span& span = spans[open];
+        span.end = time;
+        span.isWhole = isWhole;
+        open = span.around;
+        if (open != none)
+            spans[open].inside += time - span.begin;
     };
-    for (const auto& [time, kind, function] : events) {
-        const auto isOfIt = [&, of = function](std::size_t span) {
-            return spans[span].function == of;
-        };
+    for (const auto& [time, kind, of] : events) {
+        const int function = static_cast<int>(of);
+        std::size_t left = open;
+        while (left != none && spans[left].function != function)
+            left = spans[left].around;
         if (kind == EventKind::ScopePush) {
-            if (!open.empty())
-                spans[open.back()].inside.push_back(spans.size());
-            open.push_back(spans.size());
-            spans.push_back({static_cast<int>(function), time});
-        } else if (std::any_of(open.begin(), open.end(), isOfIt)) {
-            while (!isOfIt(open.back()))
+            spans.push_back({function, time, open});
+            open = spans.size() - 1;
+        } else if (left != none) {
+            while (open != left)
                 close(time, false);
             close(time, true);
-        } else if (open.empty()) {
-            spans.push_back({static_cast<int>(function), 0, time});
+        } else if (open == none) {
+            spans.push_back({function, 0, none, time});
         }
     }
-    while (!open.empty())
+    while (open != none)
         close(dumpEnd, false);
     return spans;
 }
 
-void Count(const std::vector<Span>& spans, std::size_t at, std::vector<int> around,
-           std::map<int, Columns>& functions)
+void Count(const std::vector<Span>& spans, std::map<int, Columns>& functions)
 {
-    const Span& span = spans[at];
-    Columns& columns = functions[span.function];
-    columns["count"].push_back(1);
-    long long self = span.end - span.begin;
-    for (const std::size_t inner : span.inside)
-        self -= spans[inner].end - spans[inner].begin;
-    if (span.isWhole) {
+    for (const Span& span : spans) {
+        Columns& columns = functions[span.function];
+        columns["count"].push_back(1);
+        if (!span.isWhole)
+            continue;
+        bool isInside = false;
+        for (std::size_t at = span.around; at != none; at = spans[at].around)
+            isInside |= spans[at].isWhole && spans[at].function == span.function;
         columns["durations"].push_back(span.end - span.begin);
-        columns["self"].push_back(self);
-        if (std::count(around.begin(), around.end(), span.function) == 0)
-            columns["total"].push_back(span.end - span.begin);
-        around.push_back(span.function);
+        columns["self"].push_back(span.end - span.begin - span.inside);
+        columns["total"].push_back(isInside ? 0 : span.end - span.begin);
     }
-    for (const std::size_t inner : span.inside)
-        Count(spans, inner, around, functions);
 }
 
 /// The statistics of a dump as CSV, sorted by name, computed from the numbers of its text alone.
 std::string CsvOf(const std::string& text)
 {
-    std::map<int, std::vector<std::array<long long, 3>>> threads;
+    std::map<long long, Events> threads;
     std::istringstream lines(text);
     long long end = 0;
     for (std::string line; std::getline(lines, line);) {
@@ -96,38 +99,27 @@ std::string CsvOf(const std::string& text)
             continue;
         end = std::max(end, seconds * 1000000 + micros);
         if (kind == EventKind::ScopePush || kind == EventKind::ScopePop)
-            threads[static_cast<int>(thread)].push_back(
-                {seconds * 1000000 + micros, kind, function});
+            threads[thread].push_back({seconds * 1000000 + micros, kind, function});
     }
     std::map<int, Columns> functions;
-    for (const auto& [thread, events] : threads) {
-        const std::vector<Span> spans = SpansOf(events, end);
-        std::vector<bool> isInside(spans.size());
-        for (const Span& span : spans)
-            for (const std::size_t inner : span.inside)
-                isInside[inner] = true;
-        for (std::size_t at = 0; at < spans.size(); ++at)
-            if (!isInside[at])
-                Count(spans, at, {}, functions);
-    }
+    for (const auto& thread : threads)
+        Count(SpansOf(thread.second, end), functions);
     std::ostringstream csv;
     csv << "name,count,cut,total,self,median,p99,slowest,handed,wait\n";
-    for (auto& [function, columns] : functions) {
-        const auto sum = [&, &numbers = columns](const char* column) {
-            long long all = 0;
-            for (const long long value : numbers[column])
-                all += value;
-            return all;
-        };
+    for (auto& function : functions) {
+        Columns& columns = function.second;
         std::vector<long long>& durations = columns["durations"];
         std::sort(durations.begin(), durations.end());
-        const auto rank = [&](double share) {
-            const double place =
-                std::max(1.0, std::ceil(share * static_cast<double>(durations.size())));
-            return durations.empty() ? 0 : durations[static_cast<std::size_t>(place) - 1];
+        const auto sum = [&](const char* column) {
+            return std::accumulate(columns[column].begin(), columns[column].end(), 0LL);
         };
-        csv << "\"C." << static_cast<char>(function) << "\"," << sum("count") << ','
-            << sum("count") - static_cast<long long>(durations.size()) << ',' << sum("total") << ','
+        const auto rank = [&](double share) {
+            const double place = std::ceil(share * static_cast<double>(durations.size()));
+            return durations.empty() ? 0
+                                     : durations[std::max<std::size_t>(1, std::size_t(place)) - 1];
+        };
+        csv << "\"C." << static_cast<char>(function.first) << "\"," << columns["count"].size()
+            << ',' << columns["count"].size() - durations.size() << ',' << sum("total") << ','
             << sum("self") << ',' << rank(0.5) << ',' << rank(0.99) << ',' << rank(1) << ",0,0\n";
     }
     return csv.str();

@@ -1,7 +1,9 @@
 #include "viewer/showing/text/Summary.h"
 
 #include "tests/viewer/SampleDump.h"
+#include "viewer/showing/text/RecordList.h"
 #include "viewer/showing/text/ScopeTree.h"
+#include "viewer/showing/text/StatisticsTable.h"
 
 #include <gtest/gtest.h>
 
@@ -43,52 +45,40 @@ TEST(Summary, OfWhatPassesAFilterAndWithFindings)
     RecordFilter filter;
     filter.thread = "2";
     filter.from = 3;
-    EXPECT_EQ(R"(5 records in 0.000004 seconds, passing the filters: 1
-
-At the end
-  in no scope: 2
-
-Findings
-  The recorder did not know the wall clock.
-
-No errors
-
-    Count        Self     Median    Slowest  Name
-        1    0.000002   0.000002   0.000002  C.b
-
-         Took         from  Longest scopes
-     0.000002     0.000001  C.b on 2
-
-  Records         from           to  Thread
-        1     0.000003     0.000003  2
-
-   Events  Class
-        1  C: Scope_pop 1
-)",
-              Summary::Compose(RecordingsOf(DumpOf("1+a2+b.-b1-a"), filter)));
+    const std::string summary = Summary::Compose(RecordingsOf(DumpOf("1+a2+b.-b1-a"), filter));
+    for (const char* told :
+         {"5 records in 0.000004 seconds, passing the filters: 1\n\nAt the end\n  in no scope: 2\n",
+          "\nFindings\n  The recorder did not know the wall clock.\n\nNo errors\n",
+          "        1    0.000002   0.000002   0.000002  C.b\n",
+          "     0.000002     0.000001  C.b on 2\n", "        1     0.000003     0.000003  2\n",
+          "        1  C: Scope_pop 1\n"})
+        EXPECT_NE(std::string::npos, summary.find(told)) << told << summary;
 }
 
-TEST(ScopeTree, OfASmallDumpAndOfLostScopes)
+TEST(ScopeTree, SaysWhichEndsAreLost)
 {
-    EXPECT_EQ(R"(Thread 36 Host
-         time         took
-     0.000000               - Construction at Station.Station (a (b) in_class c at d), line 32
-     0.000100    12.345801  Station.Serve (a (b) in_class c at d)
-     0.000300     0.000020    Pump.Drain (FFFFFFFFFFFFFFF0)
-     0.000310                   - Root_error RunsDry at Pump.Drain (FFFFFFFFFFFFFFF0), line 38
-     0.000400                 - Dismissed_error at Station.Serve (a (b) in_class c at d), line 52
-
-Thread 260 in_thread 36 (x)
-         time         took
-     0.000250               - State_change to off, in_class at at Station.ChangeState (a (b) in_class c at d)
-     1.000000               - Timing_point (1, -2) at (unknown).(unknown)
-)",
-              ScopeTree::Compose(RecordingsOf(sampleDump)));
-
     EXPECT_EQ(R"(Thread 7
          time         took
      0.000000     0.000000  C.a, entered before
      0.000001     0.000000  C.b, not left
 )",
               ScopeTree::Compose(RecordingsOf(DumpOf("-a+b"))));
+}
+
+// In the middle, where names differ least; what does not fit even so is wider.
+TEST(StatisticsTable, AndListsKeepToAWidthByShorteningNames)
+{
+    const Recordings recordings = RecordingsOf(sampleDump);
+    const auto rows = ScopeStatistics::Of(recordings, ScopeStatistics::By::Object);
+    EXPECT_EQ(R"(  Count       Self      Total     Median       99 %    Slowest  Wait  Name
+      1  12.345781  12.345801  12.345801  12.345801  12.345801        a (b)…c at d
+      1   0.000020   0.000020   0.000020   0.000020   0.000020        FFFFF…0 Pump
+)",
+              StatisticsTable::Compose(rows, 80));
+    const std::string list = RecordList::Compose(recordings, 80);
+    EXPECT_NE(
+        std::string::npos,
+        list.find(
+            "     0.000250  15:12:20.782  260 in…36 (x)  State_change to o…) in_class c at d)\n"))
+        << list;
 }

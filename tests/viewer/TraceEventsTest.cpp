@@ -34,12 +34,6 @@ TEST(TraceEvents, OfASmallDump)
     EXPECT_EQ(Json::parse(R"({"name": "thread_name", "ph": "M", "pid": 1, "tid": 36,
                               "args": {"name": "Host"}})"),
               events[0]);
-    EXPECT_EQ(Json::parse(R"({"name": "Construction", "ph": "i", "s": "t", "cat": "lifetime",
-                              "ts": 0, "pid": 1, "tid": 36,
-                              "args": {"place": "Station.Station", "line": 32, "depth": 0,
-                                       "object": "0x000000001D2C5A40",
-                                       "objectName": "a (b) in_class c at d"}})"),
-              events[1]);
     EXPECT_EQ(Json::parse(R"({"name": "Station.Serve", "ph": "X", "cat": "scope", "ts": 100,
                               "dur": 12345801, "pid": 1, "tid": 36,
                               "args": {"object": "0x000000001D2C5A40", "depth": 0,

@@ -33,6 +33,17 @@ std::string TextForms::Count(std::size_t number, const std::string& noun)
     return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
 }
 
+std::string TextForms::Shorten(const std::string& text, std::size_t most)
+{
+    const std::size_t length = Utf8::Length(text);
+    if (length <= most)
+        return text;
+    const std::size_t behind = most / 2;
+    const std::size_t before = most - behind - 1;
+    return text.substr(0, Utf8::Offset(text, before)) + "\u2026" +
+           text.substr(Utf8::Offset(text, length - behind));
+}
+
 std::string TextForms::AlignRight(const std::string& text, std::size_t width)
 {
     return Blanks(text, width) + text;

@@ -16,6 +16,9 @@ std::string Address(std::uint64_t address);
 /// "1 record", "2 records"
 std::string Count(std::size_t number, const std::string& noun);
 
+/// As it is, or with "…" for what is too much in the middle of it, to `most` characters.
+std::string Shorten(const std::string& text, std::size_t most);
+
 /// Filled with blanks at the front, to `width` characters.
 std::string AlignRight(const std::string& text, std::size_t width);
 

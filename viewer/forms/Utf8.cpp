@@ -79,3 +79,13 @@ std::size_t Utf8::Length(std::string_view text)
 {
     return text.size() - static_cast<std::size_t>(std::count_if(text.begin(), text.end(), IsTail));
 }
+
+std::size_t Utf8::Offset(std::string_view text, std::size_t character)
+{
+    std::size_t offset = 0;
+    for (; offset < text.size(); ++offset) {
+        if (!IsTail(text[offset]) && character-- == 0)
+            break;
+    }
+    return offset;
+}

@@ -17,4 +17,7 @@ std::string FromUtf16(std::string_view bytes, bool isBigEndian);
 /// How many characters a text has, which is how wide it looks in most scripts.
 std::size_t Length(std::string_view text);
 
+/// Where the character with this number begins, from 0; the end if there are not so many.
+std::size_t Offset(std::string_view text, std::size_t character);
+
 } // namespace Utf8

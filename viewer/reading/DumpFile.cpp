@@ -8,14 +8,15 @@
 namespace
 {
 
-/// "varek.dll with 78 records, host.exe with 3 records", empty unless of a minidump.
+/// "1 of host.exe with 3 records, 2 of varek.dll with 78 records", empty unless of a minidump.
 std::string RecordersOf(const std::vector<Dump>& dumps)
 {
     std::string text;
-    for (const Dump& dump : dumps) {
-        if (!dump.recorder.empty())
-            text += (text.empty() ? "" : ", ") + dump.recorder + " with " +
-                    TextForms::Count(dump.records.size(), "record");
+    for (std::size_t i = 0; i < dumps.size(); ++i) {
+        if (!dumps[i].recorder.empty())
+            text += (text.empty() ? "" : ", ") + std::to_string(i + 1) + " of " +
+                    dumps[i].recorder + " with " +
+                    TextForms::Count(dumps[i].records.size(), "record");
     }
     return text;
 }
@@ -36,8 +37,10 @@ Dump DumpFile::Choose(std::vector<Dump> dumps, std::size_t number)
 {
     if (number > dumps.size())
         throw std::runtime_error("there is only " + TextForms::Count(dumps.size(), "dump"));
-    Dump& dump = number == 0 ? dumps.back() : dumps[number - 1];
+    const std::size_t chosen = number == 0 ? dumps.size() : number;
+    Dump& dump = dumps[chosen - 1];
     dump.findings.dumpsBeside = dumps.size() - 1;
-    dump.findings.recordersBeside = RecordersOf(dumps);
+    dump.findings.dumpNumber = chosen;
+    dump.findings.recorders = RecordersOf(dumps);
     return std::move(dump);
 }

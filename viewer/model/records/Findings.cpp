@@ -26,9 +26,9 @@ public:
 
 std::string Findings::DumpsBeside() const
 {
-    if (!recordersBeside.empty())
-        return "The minidump holds several recorders, " + recordersBeside +
-               "; this is the last unless --dump chooses another.";
+    if (!recorders.empty())
+        return "The minidump holds several recorders: " + recorders + "; this is " +
+               std::to_string(dumpNumber) + ", and --dump chooses another.";
     return "The file holds " + std::to_string(dumpsBeside + 1) +
            " dumps; this one begins at line " + std::to_string(firstLine) +
            ", and --dump chooses another.";

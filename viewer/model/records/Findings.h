@@ -16,7 +16,8 @@ struct Findings {
     bool guessedUtf16 = false;     ///< without a mark that says so
     std::size_t firstLine = 0;     ///< where the header stands in its text, from 1
     std::size_t dumpsBeside = 0;   ///< in the same file
-    std::string recordersBeside;   ///< of a minidump: what they are
+    std::size_t dumpNumber = 0;    ///< of this one among them, from 1
+    std::string recorders;         ///< of a minidump: all that there are in it
     std::size_t ageJumps = 0;      ///< places at which the ages went over to another reference
     std::size_t tornRecords = 0;   ///< whose two lines differ, or of which one is missing
     std::size_t doubtfulNames = 0; ///< lines that can be read in several ways

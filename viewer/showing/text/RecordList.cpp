@@ -12,6 +12,8 @@ namespace
 
 constexpr std::size_t timeWidth = 13;
 constexpr std::size_t usualLine = 110;
+constexpr std::size_t leastThread = 12;
+constexpr std::size_t leastEvent = 20;
 
 /// A recording, and how far the list has come in it.
 class Source
@@ -25,10 +27,12 @@ public:
     void AppendTo(std::string& text)
     {
         const DumpRecord& record = recording->dump.records[next++];
+        const std::size_t begin = text.size();
         text += TextForms::AlignRight(TextForms::Seconds(record.time), timeWidth) + "  ";
         AppendWallClock(text, record.time);
-        text += ThreadOf(record.threadId) + "  " +
-                Description::Whole(record, recording->dump.names) + "\n";
+        text += ThreadOf(record.threadId) + "  ";
+        const std::size_t used = Utf8::Length(std::string_view(text).substr(begin));
+        text += Fit(Description::Whole(record, recording->dump.names), used) + "\n";
         SkipWhatDoesNotPass();
     }
 
@@ -42,6 +46,7 @@ public:
     }
 
     std::size_t threadWidth = 0; // as all sources have it
+    std::size_t width = 0;       // likewise
 
 private:
     void SkipWhatDoesNotPass()
@@ -62,6 +67,8 @@ private:
             clockBegin = moment - (moment % second + second) % second;
             clock = WallClock(clockBegin).Text();
             clock.resize(clock.size() < 4 ? 0 : clock.size() - 3);
+            if (width != 0)
+                clock.erase(0, clock.find(' ') + 1);
         }
         text += clock + std::to_string(1000 + (moment - clockBegin) / 1000).substr(1) + "  ";
     }
@@ -70,11 +77,18 @@ private:
     {
         std::string& thread = threads[threadId];
         if (thread.empty()) {
-            thread = Description::Thread(threadId, *recording);
+            thread = TextForms::Shorten(Description::Thread(threadId, *recording), threadWidth);
             const std::size_t length = Utf8::Length(thread);
             thread.append(threadWidth > length ? threadWidth - length : 0, ' ');
         }
         return thread;
+    }
+
+    std::string Fit(const std::string& event, std::size_t used) const
+    {
+        return width == 0
+                   ? event
+                   : TextForms::Shorten(event, std::max(leastEvent, width - std::min(width, used)));
     }
 
     const Recording* recording;
@@ -86,17 +100,21 @@ private:
 
 } // namespace
 
-std::string RecordList::Compose(const Recordings& recordings)
+std::string RecordList::Compose(const Recordings& recordings, std::size_t width)
 {
     std::vector<Source> sources;
-    std::size_t records = 0, width = 0;
+    std::size_t records = 0, threadWidth = 0;
     for (const Recording& recording : recordings) {
         sources.emplace_back(recording);
         records += recording.dump.records.size();
-        width = std::max(width, sources.back().ThreadWidth());
+        threadWidth = std::max(threadWidth, sources.back().ThreadWidth());
     }
-    for (Source& source : sources)
-        source.threadWidth = width;
+    if (width != 0)
+        threadWidth = std::min(threadWidth, std::max(leastThread, width / 6));
+    for (Source& source : sources) {
+        source.threadWidth = threadWidth;
+        source.width = width;
+    }
 
     std::string text;
     text.reserve(records * usualLine);

@@ -5,10 +5,11 @@
 #include <string>
 
 /// All records that pass the filters, in order of time, a line each: time, wall clock, thread, what
-/// happened. Several recordings are merged.
+/// happened. Several recordings are merged. Unless `width` is 0 lines keep to it: without the date,
+/// and with the names of threads and what happened shortened in the middle.
 namespace RecordList
 {
 
-std::string Compose(const Recordings& recordings);
+std::string Compose(const Recordings& recordings, std::size_t width = 0);
 
 } // namespace RecordList
