@@ -8,8 +8,8 @@ MXmlElementParser::MXmlElementParser(MXmlElementIndex& elements, std::int32_t st
                                      MXmlTokenCursor& freshCursor, std::wstring& firstFinding,
                                      std::wstring* copy)
     : index(elements), cursor(freshCursor), finding(firstFinding), target(copy), text(cursor.text),
-      map(cursor.text, cursor.textLength),
-      open(cursor.text, (cursor.flags & XmlDocIgnoreCase) != 0, startRecord),
+      textEnd(cursor.TextEnd()), copied(text), map(textEnd),
+      open(text, (cursor.flags & XmlDocIgnoreCase) != 0, startRecord),
       startLevel(index[startRecord].Level())
 {
     finding.clear();
@@ -17,134 +17,148 @@ MXmlElementParser::MXmlElementParser(MXmlElementIndex& elements, std::int32_t st
 
 void MXmlElementParser::Run()
 {
-    for (std::int32_t at = 0; at < cursor.textLength;) {
+    for (const wchar_t* at = text; at != textEnd;) {
         map.Draw(at);
         CopyUpTo(map.End());
         at = IndexStretch();
     }
-    CopyUpTo(cursor.textLength);
+    CopyUpTo(textEnd);
     OnEndOfText();
     if (open[0].record == 0)
         index.NoteParsed();
 }
 
-void MXmlElementParser::CopyUpTo(std::int32_t offset)
+void MXmlElementParser::CopyUpTo(const wchar_t* end)
 {
-    if (target && offset > copied) {
-        target->append(text + copied, static_cast<std::size_t>(offset - copied));
-        copied = offset;
+    if (target && end > copied) {
+        target->append(copied, static_cast<std::size_t>(end - copied));
+        copied = end;
     }
 }
 
 // Answers where the next stretch is to begin.
-std::int32_t MXmlElementParser::IndexStretch()
+const wchar_t* MXmlElementParser::IndexStretch()
 {
-    const std::int32_t end = map.End();
-    for (const std::int32_t* at = map.Brackets(); *at < end;) {
+    const wchar_t* const end = map.End();
+    for (Brackets at = map.Brackets(); *at < end;) {
         // A ">" in character data leaves no trace.
-        const std::int32_t taken = text[*at] == L'<' ? TakePlainTag(at) : 1;
-        at += taken;
-        if (taken != 0)
-            continue;
-        if (MayGoOn(at))
+        const Brackets behind = **at == L'<' ? TakePlainNode(at) : at + 1;
+        if (behind != at)
+            at = behind;
+        else if (MayGoOn(at))
             return *at;
-        TakeNode(*at);
-        while (*at < cursor.next && *at < end)
-            ++at;
+        else
+            at = TakeNode(at);
     }
-    return std::max(cursor.next, end);
+    return std::max(cursor.Next(), end);
 }
 
-// Whether the tag may be plain, but goes on behind the stretch.
-bool MXmlElementParser::MayGoOn(const std::int32_t* brackets) const
+// Whether the node may be plain, but goes on behind the stretch.
+bool MXmlElementParser::MayGoOn(Brackets at) const
 {
-    return brackets[1] == map.End() && map.End() != cursor.textLength && brackets[0] != map.Begin();
+    return at[1] == map.End() && map.End() != textEnd && at[0] != map.Begin();
 }
 
-// Answers how many brackets were taken, 0 if this is no plain tag.
-inline std::int32_t MXmlElementParser::TakePlainTag(const std::int32_t* brackets)
+// Answers the bracket behind what was taken: the same one if this is no plain node.
+inline MXmlElementParser::Brackets MXmlElementParser::TakePlainNode(Brackets at)
 {
-    const std::int32_t start = brackets[0];
-    const std::int32_t close = brackets[1];
-    if (close == map.End() || text[close] != L'>')
-        return 0;
-    if (text[start + 1] != L'/')
-        return TakeStartTag(brackets);
-    if (open.Depth() == 0 || !IsEndTag(brackets, open.Top().nameStart))
-        return 0;
-    Close(open.Depth(), start, close + 1 - start);
-    return 2;
+    const wchar_t* const inside = at[0] + 1;
+    if (at[1] == map.End() || *at[1] != L'>')
+        return at;
+    if (XmlCharacters::BeginsName(*inside))
+        return TakeStartTag(at);
+    if (*inside == L'/')
+        return TakeEndTag(at);
+    return IsComment(inside, at[1]) ? at + 2 : at;
 }
 
 // Most elements contain no others: their end tag comes next.
-inline std::int32_t MXmlElementParser::TakeStartTag(const std::int32_t* brackets)
+inline MXmlElementParser::Brackets MXmlElementParser::TakeStartTag(Brackets at)
 {
-    const std::int32_t start = brackets[0];
-    const std::int32_t close = brackets[1];
-    const bool slash = text[close - 1] == L'/';
-    if (!XmlCharacters::BeginsName(text[start + 1]) || MayBeQuoted(start, close - slash))
-        return 0;
-    const std::int32_t length = close + 1 - start;
-    const std::uint32_t tagLengths = static_cast<std::uint32_t>(length);
-    if (slash && ClosesItself(start, close)) {
-        AddElement(start, length, tagLengths);
-        return 2;
+    const wchar_t* const start = at[0];
+    const wchar_t* const name = start + 1;
+    const Brackets close = FindTagEnd(at);
+    if (!close)
+        return at;
+    Brackets behind = close + 1;
+    std::uint32_t tagLengths = static_cast<std::uint32_t>(TagLength(start, *close));
+    const wchar_t* const last = *close - 1;
+    const bool closesItself = *last == L'/' && ClosesXmlElement(name, last);
+    const bool isLeaf = !closesItself && IsEndTag(behind, name);
+    if (isLeaf) {
+        tagLengths |= static_cast<std::uint32_t>(TagLength(behind[0], behind[1]))
+                      << MXmlElementRecord::EndTagShift;
+        behind += 2;
     }
-    if (brackets[3] != map.End() && text[brackets[2]] == L'<' && text[brackets[2] + 1] == L'/' &&
-        text[brackets[3]] == L'>' && IsEndTag(brackets + 2, start + 1)) {
-        const std::int32_t endTagLength = brackets[3] + 1 - brackets[2];
-        AddElement(start, brackets[3] + 1 - start,
-                   tagLengths | static_cast<std::uint32_t>(endTagLength)
-                                    << MXmlElementRecord::EndTagShift);
-        return 4;
-    }
-    open.Push({AddElement(start, length, tagLengths), start + 1, 0, 0});
-    return 2;
+    const std::int32_t added =
+        AddElement(cursor.OffsetOf(start), TagLength(start, behind[-1]), tagLengths);
+    if (!closesItself && !isLeaf)
+        open.Push({added, cursor.OffsetOf(name), 0, 0});
+    return behind;
 }
 
-// Whether the first ">" of a start tag, which stands at or right behind `end`, may be in a quoted
-// value. The value's opening quote would stand behind "=" or white space, with no other of its kind
-// behind it. A tag whose last character is a closing quote, and has none of the other kind, has no
-// such value.
-inline bool MXmlElementParser::MayBeQuoted(std::int32_t start, std::int32_t end) const
+inline MXmlElementParser::Brackets MXmlElementParser::TakeEndTag(Brackets at)
 {
-    if (cursor.textLength - end < 32)
+    if (open.Depth() == 0 || !IsEndTag(at, text + open.Top().nameStart))
+        return at;
+    Close(open.Depth(), cursor.OffsetOf(at[0]), TagLength(at[0], at[1]));
+    return at + 2;
+}
+
+// Whether what begins with "<" and ends with that ">", the first one, is a whole comment.
+inline bool MXmlElementParser::IsComment(const wchar_t* inside, const wchar_t* close)
+{
+    return inside[0] == L'!' && inside[1] == L'-' && inside[2] == L'-' && close[-1] == L'-' &&
+           close[-2] == L'-';
+}
+
+// The ">" that ends the start tag, null if it does not end in this stretch.
+inline MXmlElementParser::Brackets MXmlElementParser::FindTagEnd(Brackets at) const
+{
+    Brackets close = at + 1;
+    if (!MayBeQuoted(at[0] + 1, *close))
+        return close;
+    const wchar_t* const end = FindXmlTagEnd(at[0] + 1, textEnd);
+    while (*close < end && *close != map.End())
+        ++close;
+    return *close == map.End() ? nullptr : close;
+}
+
+// Whether that ">" may be in a quoted value. The value's opening quote would stand behind "=" or
+// white space, with no other of its kind behind it. A tag whose last character is a closing quote,
+// and has none of the other kind, has no such value.
+inline bool MXmlElementParser::MayBeQuoted(const wchar_t* name, const wchar_t* close) const
+{
+    if (textEnd - close < 32)
         return true;
-    const wchar_t* const front = text + start + 1;
-    const wchar_t* last = text + end - 1;
+    const wchar_t* last = close - 1;
+    if (*last == L'/')
+        --last;
     while (XmlCharacters::IsSpace(*last))
         --last;
-    if (XmlCharacters::IsQuote(*last) && last[-1] != L'=' && !XmlCharacters::IsSpace(last[-1]))
-        return HasCharacter(front, last, *last == L'"' ? L'\'' : L'"');
-    return HasCharacter(front, last + 1, L'"') || HasCharacter(front, last + 1, L'\'');
+    if (!XmlCharacters::IsQuote(*last))
+        return HasCharacter(name, last + 1, L'"') || HasCharacter(name, last + 1, L'\'');
+    return last[-1] == L'=' || XmlCharacters::IsSpace(last[-1]) ||
+           HasCharacter(name, last, *last == L'"' ? L'\'' : L'"');
 }
 
-// Whether the tag from "</" to ">" closes the element whose name begins there. It does if all that
-// it contains stands there too and is followed by what ends a name: whether that is the name, or
-// the name and more, both names are the same then.
-inline bool MXmlElementParser::IsEndTag(const std::int32_t* brackets, std::int32_t nameStart) const
+// Whether a tag stands there that closes the element whose name begins there. It does if all that
+// it contains stands behind that too and is followed by what ends a name: whether that is the name,
+// or the name and more, both names are the same then.
+inline bool MXmlElementParser::IsEndTag(Brackets at, const wchar_t* name) const
 {
-    const std::int32_t inside = brackets[0] + 2;
-    const std::int32_t length = brackets[1] - inside;
-    return XmlCharacters::EndsTagName(text[nameStart + length]) &&
-           SameCharacters(text + nameStart, text + inside, length, cursor.TextEnd());
+    const wchar_t* const inside = at[0] + 2;
+    if (at[1] == map.End() || inside[-2] != L'<' || inside[-1] != L'/' || *at[1] != L'>')
+        return false;
+    const std::ptrdiff_t length = at[1] - inside;
+    return XmlCharacters::EndsTagName(name[length]) &&
+           SameCharacters(name, inside, length, textEnd);
 }
 
-// As the scanner decides it of a tag with a "/" in front of its ">": that stands behind the name,
-// or behind what may precede it.
-bool MXmlElementParser::ClosesItself(std::int32_t start, std::int32_t close) const
+// Answers the bracket behind the node.
+MXmlElementParser::Brackets MXmlElementParser::TakeNode(Brackets at)
 {
-    if (XmlCharacters::MayPrecedeSlash(text[close - 2]))
-        return true;
-    std::int32_t nameEnd = start + 1;
-    while (!XmlCharacters::EndsTagName(text[nameEnd]))
-        ++nameEnd;
-    return nameEnd == close - 1;
-}
-
-void MXmlElementParser::TakeNode(std::int32_t start)
-{
-    cursor.next = start;
+    cursor.next = cursor.OffsetOf(*at);
     switch (ScanXmlNode(cursor, scan)) {
     case XmlNodeElement:
         OnStartTag();
@@ -158,6 +172,10 @@ void MXmlElementParser::TakeNode(std::int32_t start)
     default:
         break;
     }
+    const wchar_t* const behind = std::min(cursor.Next(), map.End());
+    while (*at < behind)
+        ++at;
+    return at;
 }
 
 void MXmlElementParser::OnStartTag()
@@ -177,17 +195,17 @@ inline std::int32_t MXmlElementParser::AddElement(std::int32_t start, std::int32
 {
     const std::int32_t added = index.TakeRecord();
     MXmlOpenElement& parent = open.Top();
-    const bool isFirst = parent.firstChild == 0;
-    const std::uint32_t level =
+    std::int32_t before = parent.lastChild;
+    std::uint32_t flagsAndLevel =
         (startLevel + static_cast<std::uint32_t>(open.Depth())) & MXmlElementRecord::LevelMask;
-    if (isFirst)
-        parent.firstChild = added;
-    else
-        Record(parent.lastChild).nextSibling = added;
-    Record(added) = {
-        start,         length, tagLengths, isFirst ? level | XmlElementFirstChild : level,
-        parent.record, 0,      0,          isFirst ? added : parent.lastChild};
+    if (before != 0) {
+        Record(before).nextSibling = added;
+    } else {
+        parent.firstChild = before = added;
+        flagsAndLevel |= XmlElementFirstChild;
+    }
     parent.lastChild = added;
+    Record(added) = {start, length, tagLengths, flagsAndLevel, parent.record, 0, 0, before};
     return added;
 }
 
@@ -238,11 +256,13 @@ void MXmlElementParser::OnEndOfText()
     if (open.Depth() != 0)
         Dissolve(0);
     KeepChildren(open[0]);
+    if (!wellFormed)
+        Record(open[0].record).Set(XmlElementDocumentIllFormed);
 }
 
 void MXmlElementParser::MarkIllFormed()
 {
-    Record(open[0].record).Set(XmlElementDocumentIllFormed);
+    wellFormed = false;
     Record(open.Top().record).Set(XmlElementIllFormed);
 }
 
@@ -255,7 +275,7 @@ void MXmlElementParser::Dissolve(std::int32_t depth)
     if (!HasFinding())
         NoteUnclosed(depth);
     index.LoseOrder();
-    Record(open[0].record).Set(XmlElementDocumentIllFormed);
+    wellFormed = false;
     MXmlElementRecord& parent = Record(open[depth].record);
     std::int32_t last = open[depth + 1].record;
     for (std::int32_t i = depth + 1; i <= open.Depth(); ++i) {

@@ -9,9 +9,9 @@
 /// the run; the first one is left in words.
 ///
 /// It has two stages. The map of a stretch of text tells where brackets are; then the run goes from
-/// bracket to bracket. A plain tag is taken as it is: from "<" to the next bracket, a ">" that no
-/// quote hides, and if it is an end tag, with the name of the innermost open element. Everything
-/// else, and what goes beyond the stretch, is left to `ScanXmlNode`, which defines what a node is.
+/// bracket to bracket. What is plain is taken as it is: a start tag, an end tag with the name of
+/// the innermost open element, a comment without brackets. Everything else, and what goes beyond
+/// the stretch, is left to `ScanXmlNode`, which defines what a node is.
 class MXmlElementParser
 {
 public:
@@ -26,16 +26,26 @@ public:
     void Run();
 
 private:
-    void CopyUpTo(std::int32_t offset);
-    std::int32_t IndexStretch();
-    std::int32_t TakePlainTag(const std::int32_t* brackets);
-    std::int32_t TakeStartTag(const std::int32_t* brackets);
-    bool MayBeQuoted(std::int32_t start, std::int32_t end) const;
-    bool IsEndTag(const std::int32_t* brackets, std::int32_t nameStart) const;
-    bool ClosesItself(std::int32_t start, std::int32_t close) const;
-    void TakeNode(std::int32_t start);
-    bool MayGoOn(const std::int32_t* brackets) const;
+    // A place among those that the map tells.
+    using Brackets = const wchar_t* const*;
 
+    void CopyUpTo(const wchar_t* end);
+    const wchar_t* IndexStretch();
+    bool MayGoOn(Brackets at) const;
+
+    Brackets TakePlainNode(Brackets at);
+    Brackets TakeStartTag(Brackets at);
+    Brackets TakeEndTag(Brackets at);
+    Brackets FindTagEnd(Brackets at) const;
+    bool MayBeQuoted(const wchar_t* name, const wchar_t* close) const;
+    bool IsEndTag(Brackets at, const wchar_t* name) const;
+    static bool IsComment(const wchar_t* inside, const wchar_t* close);
+    static std::int32_t TagLength(const wchar_t* start, const wchar_t* close)
+    {
+        return static_cast<std::int32_t>(close + 1 - start);
+    }
+
+    Brackets TakeNode(Brackets at);
     std::int32_t AddElement(std::int32_t start, std::int32_t length, std::uint32_t tagLengths);
     void OnStartTag();
     void OnEndTag();
@@ -58,10 +68,12 @@ private:
     MXmlTokenCursor& cursor;
     std::wstring& finding;
     std::wstring* const target;
-    std::int32_t copied = 0;
     const wchar_t* const text;
+    const wchar_t* const textEnd;
+    const wchar_t* copied;
     MXmlNodeScan scan;
     MXmlTagMap map;
     MXmlOpenElements open;
     std::uint32_t startLevel;
+    bool wellFormed = true;
 };

@@ -20,12 +20,18 @@ const wchar_t* Unterminated(const MXmlTokenCursor& cursor, const wchar_t* findin
     return cursor.TextEnd();
 }
 
+const wchar_t* FindNameEnd(const wchar_t* at)
+{
+    while (!XmlCharacters::EndsTagName(*at))
+        ++at;
+    return at;
+}
+
 // Makes the name the token of the cursor, and answers its end.
 const wchar_t* ScanName(MXmlTokenCursor& cursor, const wchar_t* at)
 {
     cursor.start = cursor.OffsetOf(at);
-    while (!XmlCharacters::EndsTagName(*at))
-        ++at;
+    at = FindNameEnd(at);
     cursor.end = cursor.OffsetOf(at) - 1;
     return at;
 }
@@ -62,7 +68,7 @@ const wchar_t* SkipValue(const wchar_t* at, const wchar_t* end)
     return at;
 }
 
-// The ">" that ends the start tag, or the end of text.
+// The ">" that ends the start tag, or the end of text. Begins behind the name.
 const wchar_t* FindTagEnd(const wchar_t* at, const wchar_t* end)
 {
     using XmlCharacters::Bit;
@@ -76,21 +82,13 @@ const wchar_t* FindTagEnd(const wchar_t* at, const wchar_t* end)
     }
 }
 
-bool ClosesEmptyElement(const wchar_t* tagEnd, const wchar_t* nameEnd)
-{
-    if (tagEnd[-1] != L'/')
-        return false;
-    return tagEnd - 1 == nameEnd || XmlCharacters::MayPrecedeSlash(tagEnd[-2]);
-}
-
 const wchar_t* ScanStartTag(MXmlTokenCursor& cursor, const wchar_t* at, MXmlNodeScan& scan)
 {
     scan.type = XmlNodeElement;
-    const wchar_t* nameEnd = ScanName(cursor, at);
-    const wchar_t* tagEnd = FindTagEnd(nameEnd, cursor.TextEnd());
+    const wchar_t* tagEnd = FindTagEnd(ScanName(cursor, at), cursor.TextEnd());
     if (*tagEnd == 0)
         return Unterminated(cursor, L"Element tag at offset %d unterminated", scan);
-    if (ClosesEmptyElement(tagEnd, nameEnd))
+    if (tagEnd[-1] == L'/' && ClosesXmlElement(at, tagEnd - 1))
         scan.flags = XmlScanEmptyElement;
     return tagEnd + 1;
 }
@@ -248,6 +246,16 @@ std::int32_t ScanXmlNode(MXmlTokenCursor& cursor, MXmlNodeScan& scan)
     cursor.next = cursor.OffsetOf(ScanNode(cursor, at, scan));
     scan.length = cursor.next - scan.start;
     return scan.type;
+}
+
+const wchar_t* FindXmlTagEnd(const wchar_t* name, const wchar_t* textEnd)
+{
+    return FindTagEnd(FindNameEnd(name), textEnd);
+}
+
+bool ClosesXmlElement(const wchar_t* name, const wchar_t* slash)
+{
+    return XmlCharacters::MayPrecedeSlash(slash[-1]) || FindNameEnd(name) == slash;
 }
 
 std::wstring MXmlNodeScan::Message() const

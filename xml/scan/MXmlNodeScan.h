@@ -48,3 +48,10 @@ struct MXmlNodeScan {
 /// Scans the node at `cursor.next`, moves `next` behind it and answers its type. A ">" in character
 /// data ends a text node. Never looks at a character twice, whatever the text.
 std::int32_t ScanXmlNode(MXmlTokenCursor& cursor, MXmlNodeScan& scan);
+
+/// The ">" that ends the start tag whose name begins there, or the end of the text.
+const wchar_t* FindXmlTagEnd(const wchar_t* name, const wchar_t* textEnd);
+
+/// Whether that "/", in front of the ">" of the start tag whose name begins there, makes it an
+/// empty element's.
+bool ClosesXmlElement(const wchar_t* name, const wchar_t* slash);

@@ -3,14 +3,17 @@
 
 #include <algorithm>
 
-void MXmlTagMap::Draw(std::int32_t from)
+void MXmlTagMap::Draw(const wchar_t* from)
 {
     begin = from;
-    end = length - from > Stretch ? from + Stretch : length;
-    std::int32_t* out = brackets;
-    std::int32_t at = from;
-    for (; end - at >= BlockLength; at += BlockLength)
-        out = TakeOut(at, Look(text + at), out);
+    end = textEnd - from > Stretch ? from + Stretch : textEnd;
+    const wchar_t** out = brackets;
+    const wchar_t* at = from;
+    for (; end - at >= BlockLength; at += BlockLength) {
+        XmlBlocks::Fetch(at + Stretch);
+        XmlBlocks::Fetch(at + Stretch + BlockLength / 2);
+        out = TakeOut(at, Look(at), out);
+    }
     if (at < end)
         out = TakeOut(at, LookAtRest(at), out);
     std::fill_n(out, 3, end);
@@ -30,19 +33,20 @@ inline std::uint64_t MXmlTagMap::Look(const wchar_t* at)
 }
 
 // The text ends in this block.
-std::uint64_t MXmlTagMap::LookAtRest(std::int32_t at) const
+std::uint64_t MXmlTagMap::LookAtRest(const wchar_t* at) const
 {
     wchar_t rest[BlockLength] = {};
-    std::copy(text + at, text + end, rest);
+    std::copy(at, end, rest);
     return Look(rest);
 }
 
 // How many bits there are is not to be guessed, so some are taken out at a time, also those that
 // are not there; what comes next goes in their place.
-inline std::int32_t* MXmlTagMap::TakeOut(std::int32_t at, std::uint64_t bits, std::int32_t* out)
+inline const wchar_t** MXmlTagMap::TakeOut(const wchar_t* at, std::uint64_t bits,
+                                           const wchar_t** out)
 {
     constexpr std::uint64_t guard = std::uint64_t(1) << 63;
-    std::int32_t* const behind = out + XmlBlocks::Count(bits);
+    const wchar_t** const behind = out + XmlBlocks::Count(bits);
     do {
         for (int i = 0; i < Together; ++i) {
             *out++ = at + XmlBlocks::First(bits | guard);

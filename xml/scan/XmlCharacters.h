@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 /// The sets of characters that the document engine looks for, each an exact literal. A set that
@@ -89,9 +90,9 @@ inline wchar_t Fold(wchar_t c)
 }
 
 /// Compares as many characters of either text; `ignoreCase` is about ASCII letters only.
-inline bool Equal(const wchar_t* left, const wchar_t* right, std::int32_t length, bool ignoreCase)
+inline bool Equal(const wchar_t* left, const wchar_t* right, std::ptrdiff_t length, bool ignoreCase)
 {
-    for (std::int32_t i = 0; i < length; ++i) {
+    for (std::ptrdiff_t i = 0; i < length; ++i) {
         if (left[i] != right[i] && !(ignoreCase && Fold(left[i]) == Fold(right[i])))
             return false;
     }

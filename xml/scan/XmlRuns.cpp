@@ -28,7 +28,9 @@ std::size_t TextLength(const wchar_t* text)
         reinterpret_cast<std::uintptr_t>(text) % alignment / sizeof(wchar_t);
     const wchar_t* at = text - inFront;
     std::uint32_t zeros = ZeroBits(at) >> inFront << inFront;
-    for (; zeros == 0; zeros = ZeroBits(at))
+    for (; zeros == 0; zeros = ZeroBits(at)) {
         at += Together;
+        XmlBlocks::Fetch(at + 64 * Together);
+    }
     return static_cast<std::size_t>(at - text + XmlBlocks::First(zeros));
 }

@@ -33,10 +33,10 @@ const wchar_t* FindCharacter(const wchar_t* at, const wchar_t* end)
 
 /// Whether `left` and `right` go on with the same `length` characters. Both are in the text that
 /// ends at `end`, `right` behind `left`.
-inline bool SameCharacters(const wchar_t* left, const wchar_t* right, std::int32_t length,
+inline bool SameCharacters(const wchar_t* left, const wchar_t* right, std::ptrdiff_t length,
                            const wchar_t* end)
 {
-    constexpr std::int32_t together = 2 * XmlBlocks::Lanes;
+    constexpr std::ptrdiff_t together = 2 * XmlBlocks::Lanes;
     for (; end - right >= together; left += together, right += together, length -= together) {
         const std::uint32_t equal = XmlBlocks::EqualBits(left, right);
         const std::uint32_t wanted = (1u << std::min(length, together)) - 1;
