@@ -32,6 +32,7 @@ int MXmlMarkup::ParseDocument(const wchar_t* source, std::int32_t length)
     index.Clear(length / 64 + 8);
 
     IndexDocument(source, length);
+    index.Trim();
     assert(index.IsSound());
     ClearPosition();
     if (!earlierText.empty())

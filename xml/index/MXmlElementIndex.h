@@ -56,6 +56,9 @@ public:
     /// most one segment further at a time.
     void GrowRecords(std::int32_t count);
 
+    /// Gives back memory for more records than `Capacity` tells.
+    void Trim() { records.Trim(nextFreeIndex); }
+
     /// Makes sure that the next `TakeRecord` cannot fail.
     void MakeRoom()
     {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <stdexcept>
 
 void MXmlRecordStore::Grow(std::int64_t count)
@@ -29,6 +30,20 @@ void MXmlRecordStore::Grow(std::int64_t count)
     recordCapacity = static_cast<std::int32_t>(count);
 }
 
+void MXmlRecordStore::Trim(std::int32_t used)
+{
+    const std::int32_t last = (recordCapacity - 1) >> SegmentShift;
+    const std::int32_t told = recordCapacity - last * SegmentRecords;
+    if (lastRoom <= told)
+        return;
+    Segment trimmed(new (std::nothrow) MXmlElementRecord[static_cast<std::size_t>(told)]);
+    if (!trimmed)
+        return;
+    std::copy_n(segments[last].get(), std::max(used - last * SegmentRecords, 0), trimmed.get());
+    segments[last] = std::move(trimmed);
+    lastRoom = told;
+}
+
 void MXmlRecordStore::GrowSlots(std::int32_t lastSegment)
 {
     const std::int32_t slots = lastSegment * 2 + 4;
@@ -42,7 +57,7 @@ void MXmlRecordStore::MakeRoom(std::int32_t segment, std::int32_t used, std::int
 {
     if (segments[segment] && lastRoom >= wanted)
         return;
-    const std::int32_t room = wanted < LongestShort ? wanted : SegmentRecords;
+    const std::int32_t room = used == 0 || wanted < LongestShort ? wanted : SegmentRecords;
     Segment grown(new MXmlElementRecord[static_cast<std::size_t>(room)]);
     std::copy_n(segments[segment].get(), used, grown.get());
     segments[segment] = std::move(grown);

@@ -4,9 +4,9 @@
 #include <memory>
 
 /// The element records of one document, in segments of 65,536 records (2 MiB), so that growth never
-/// copies more than one segment. Only the last segment is ever short, and only in a small document:
-/// from 4,096 records on it has the memory of a whole one from the first, whatever the capacity, so
-/// that nothing is copied to grow. Memory to which nothing was written is the system's own still.
+/// copies more than one segment. Only the last segment is ever short. One that has to grow to 4,096
+/// records or more gets the memory of a whole one at once, so that it is copied no more; `Trim`
+/// gives back what the capacity does not tell of.
 ///
 /// Growth may move the records of the last segment: keep no reference to a record across `Grow`.
 /// Records of a new place are not initialised. Not for several threads at once.
@@ -43,6 +43,10 @@ public:
     /// nothing if there is room already. Throws `std::bad_alloc`, or `std::length_error` past the
     /// 32,767th segment; either way the records are as before.
     void Grow(std::int64_t count);
+
+    /// Gives back memory beyond the capacity. Keeps the first `used` records. Does not fail: where
+    /// there is no memory to move them to they stay.
+    void Trim(std::int32_t used);
 
 private:
     using Segment = std::unique_ptr<MXmlElementRecord[]>;
