@@ -20,6 +20,9 @@ public:
     /// its characters; what ends there; and what is longer than a window.
     void Edges(std::size_t window);
 
+    /// Whether the engine makes of a text what the rules, taken literally, make of it.
+    bool IsDocument(const std::wstring& text, bool ignoreCase = false);
+
     /// How many texts were compared.
     std::uint64_t Count() const { return count; }
 
@@ -31,7 +34,6 @@ private:
     void Repeat(const std::wstring& construct, std::size_t window);
     void Stretch(const std::wstring& before, const std::wstring& behind, std::size_t length);
     void Compare(const std::wstring& text);
-    bool IsDocument(const std::wstring& text, bool ignoreCase);
     bool IsMarkup(const std::wstring& text);
 
     MXmlMarkup document;

@@ -2,6 +2,8 @@
 #include "tests/support/Allocations.h"
 #include "xml/MXmlMarkup.h"
 
+#include <functional>
+
 // Names, messages and texts are long enough to take memory of their own, and the elements deep
 // enough for the index of open ones.
 TEST(XmlMemory, FailedLoadOrEditLeavesADocumentThatLoads)
@@ -35,38 +37,33 @@ TEST(XmlMemory, FailedLoadOrEditLeavesADocumentThatLoads)
 // A value, or a whole document, under each kind of element that can take one: in, or not at all.
 TEST(XmlMemory, FailedEditLeavesTheDocumentAsItWas)
 {
+    const std::wstring value = L"a < b, long enough to take memory";
     const std::wstring markup = L"<b>text</b><!-- a comment --><c><d e='&amp;'/></c>text";
+    const std::function<bool(MXmlMarkup&)> edits[] = {
+        [](auto& it) { return it.AddElement(L"b", L"", XmlAddChild, L"a_type", L"<some text>"); },
+        [&](auto& it) { return it.AddElement(L"b", value.c_str(), XmlAddChild, L"c", L"d"); },
+        [&](auto& it) { return it.AddElement(L"b", markup.c_str(), XmlAddChild | XmlAddMarkup); },
+        [&](auto& it) { return it.SetAttribute(1, L"a", markup.c_str()); },
+        [&](auto& it) {
+            return it.EnterElement() && it.AddNode(XmlNodeComment, value.c_str(), 0);
+        }};
     for (const wchar_t* const text : {L"<a/>", L"<a></a>", L"<a><b/>\n</a>", L"<a>text</a>"})
-        for (const std::wstring& data : {std::wstring(), std::wstring(L"a < b"), markup}) {
+        for (const auto& edit : edits) {
             MXmlMarkup document;
             document.LoadText(text);
             document.FindElement();
-            const std::uint32_t flags = data == markup ? XmlAddChild | XmlAddMarkup : XmlAddChild;
-            const auto add = [&] {
-                EXPECT_TRUE(
-                    document.AddElement(L"added", data.c_str(), flags, L"a_type", L"<some text>"));
+            document.SavePosition(L"");
+            const auto editFromHere = [&] {
+                EXPECT_TRUE(document.RestorePosition(L"") && edit(document));
+                EXPECT_NE(document.GetDocumentText(), text);
             };
-            const auto isAsItWas = [&](ShortageOutcome) {
+            ForEachFailingAllocation(AllocationFailure::Throws, editFromHere, [&](ShortageOutcome) {
                 EXPECT_EQ(document.GetDocumentText(), text);
                 EXPECT_EQ(StaleIndex(document) + BrokenRule(document), "");
                 EXPECT_EQ(document.GetChildIndex(), 0);
-            };
-            ForEachFailingAllocation(AllocationFailure::Throws, add, isAsItWas);
-            const std::wstring start = L"<added a_type=\"&lt;some text&gt;\"";
-            EXPECT_NE(document.GetDocumentText().find(start), std::wstring::npos);
+            });
             EXPECT_EQ(StaleIndex(document) + BrokenRule(document), "");
             EXPECT_FALSE(document.AddElement(L"added", L"<b>", XmlAddChild | XmlAddMarkup));
-            document.LoadText(text);
-            document.FindElement();
-            ForEachFailingAllocation(
-                AllocationFailure::Throws, [&] { document.SetAttribute(1, L"a", markup.c_str()); },
-                isAsItWas);
-            document.LoadText(text);
-            document.FindElement();
-            document.EnterElement();
-            ForEachFailingAllocation(
-                AllocationFailure::Throws,
-                [&] { document.AddNode(XmlNodeComment, markup.c_str(), 0); }, isAsItWas);
         }
 }
 
@@ -75,13 +72,15 @@ TEST(XmlMemory, FailedGrowthKeepsTheRecords)
     MXmlRecordStore records;
     records.Grow(100);
     records[99].start = 7;
-    for (std::int32_t count : {1000, 65536, 65537, 200000}) {
+    for (std::int32_t count : {1000, 5000, 65536, 65537, 200000}) {
         const std::int32_t capacity = records.Capacity();
         ForEachFailingAllocation(
             AllocationFailure::Throws, [&] { records.Grow(count); },
             [&](ShortageOutcome) { EXPECT_EQ(records.Capacity(), capacity); });
+        for (int nth : {1, 2})
+            RunShortOfMemory(AllocationFailure::Throws, nth, [&] { records.Trim(100); });
+        EXPECT_EQ(records[99].start, 7);
     }
-    EXPECT_EQ(records[99].start, 7);
     EXPECT_EQ(records.Capacity(), 3 * MXmlRecordStore::SegmentRecords);
     EXPECT_EQ(records.SegmentSlots(), 4);
 }

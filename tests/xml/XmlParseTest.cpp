@@ -1,30 +1,8 @@
-#include "tests/xml/LiteralParser.h"
-#include "xml/MXmlMarkup.h"
+#include "fuzz/XmlExhaustiveTexts.h"
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <random>
-
-namespace
-{
-
-// Whether the engine makes of a text what the rules, taken literally, make of it.
-bool IsAsLiterally(const std::wstring& text, bool ignoreCase = false)
-{
-    const LiteralIndex literal = ParseLiterally(text, ignoreCase);
-    MXmlMarkup document;
-    document.SetDocumentFlags(ignoreCase ? XmlDocIgnoreCase : 0);
-    bool same = document.LoadText(text.c_str()) == literal.wellFormed &&
-                document.GetErrorText() == literal.errorText &&
-                static_cast<std::size_t>(document.GetRecordCount()) == literal.records.size();
-    for (std::int32_t i = 0; same && i < document.GetRecordCount(); ++i)
-        same = std::memcmp(&document.GetRecord(i), &literal.records[static_cast<std::size_t>(i)],
-                           sizeof(MXmlElementRecord)) == 0;
-    return same;
-}
-
-} // namespace
 
 TEST(XmlParse, TagsBeyondWhatARecordHolds)
 {
@@ -47,7 +25,7 @@ TEST(XmlParse, CapacityGrowsSegmentBySegmentAndDepthHasNoLimit)
         opened += L"<a>";
         closed += L"</a>";
     }
-    EXPECT_TRUE(IsAsLiterally(opened + closed));
+    EXPECT_TRUE(XmlExhaustiveTexts().IsDocument(opened + closed));
     ASSERT_EQ(document.LoadText((opened + closed).c_str()), 1);
     // 7664 at first, then by half of what is in use; the first segment is filled up on the way.
     EXPECT_EQ(document.GetRecordCapacity(), 87297);
@@ -71,12 +49,13 @@ TEST(XmlParse, RandomNestingAsLiterally)
         L"<c=bab>", L"<c[b]b>",  L"<A=b>",     L"<cab>",    L"<B>",    L"<d/>",   L"x>",
         L">/a>",    L"</a>",     L"</a=b>",    L"</B]b>",   L"</bab>", L"</c=b>", L"<!-- -->",
         L"<1>",     L"<\u00E9>", L"</\u00C9>", L"</\u00E9>"};
+    XmlExhaustiveTexts texts;
     std::mt19937 random(20240301);
     for (int i = 0; i < 4000; ++i) {
         std::wstring text;
         for (std::uint32_t count = i % 2 == 0 ? 120 : random() % 40; count > 0; --count)
             text += pieces[random() % pieces.size()];
-        ASSERT_TRUE(IsAsLiterally(text, i % 4 == 0)) << testing::PrintToString(text);
+        ASSERT_TRUE(texts.IsDocument(text, i % 4 == 0)) << testing::PrintToString(text);
     }
 }
 
@@ -87,7 +66,7 @@ TEST(XmlParse, DeepNamesThatComeAndGoAsLiterally)
         text += i % 20 == 0 ? L"</none></o><o>" : L"";
         text += L"<n" + std::to_wstring(i) + L">";
     }
-    EXPECT_TRUE(IsAsLiterally(text + L"</none></o></r>"));
+    EXPECT_TRUE(XmlExhaustiveTexts().IsDocument(text + L"</none></o></r>"));
 }
 
 // The source is copied while it is parsed, but it may be the document's own.
