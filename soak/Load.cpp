@@ -16,9 +16,10 @@ namespace
 {
 
 const unsigned threadCount = 3;
-const int restPerWork = 8; // so many times as long as the work took
-
 typedef std::chrono::steady_clock Clock;
+
+const int restPerWork = 8; // so many times as long as the work took
+const Clock::duration longestRest = std::chrono::seconds(10);
 
 struct Activity {
     const char* kind;
@@ -94,7 +95,7 @@ void Load::Do(const std::function<void()>& activity)
         activity();
     }
     ++done;
-    std::this_thread::sleep_for((Clock::now() - begin) * restPerWork);
+    std::this_thread::sleep_for(std::min((Clock::now() - begin) * restPerWork, longestRest));
 }
 
 // The system writes one at a time.
