@@ -51,6 +51,7 @@ std::string WallClock::Text() const
 {
     const std::int64_t second = RoundDown(microseconds, million);
     const std::time_t seconds = static_cast<std::time_t>(second / million);
+    // The viewer has one thread. NOLINTNEXTLINE(concurrency-mt-unsafe)
     const std::tm* const fields = std::gmtime(&seconds);
     if (!fields)
         return "(unknown)"; // beyond what the system's calendar knows
