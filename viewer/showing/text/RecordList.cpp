@@ -31,8 +31,9 @@ public:
         text += TextForms::AlignRight(TextForms::Seconds(record.time), timeWidth) + "  ";
         AppendWallClock(text, record.time);
         text += ThreadOf(record.threadId) + "  ";
-        const std::size_t used = Utf8::Length(std::string_view(text).substr(begin));
-        text += Fit(Description::Whole(record, recording->dump.names), used) + "\n";
+        text += Fit(Description::Whole(record, recording->dump.names),
+                    std::string_view(text).substr(begin)) +
+                "\n";
         SkipWhatDoesNotPass();
     }
 
@@ -84,11 +85,12 @@ private:
         return thread;
     }
 
-    std::string Fit(const std::string& event, std::size_t used) const
+    std::string Fit(const std::string& event, std::string_view inFront) const
     {
-        return width == 0
-                   ? event
-                   : TextForms::Shorten(event, std::max(leastEvent, width - std::min(width, used)));
+        if (width == 0)
+            return event;
+        const std::size_t used = std::min(width, Utf8::Length(inFront));
+        return TextForms::Shorten(event, std::max(leastEvent, width - used));
     }
 
     const Recording* recording;
