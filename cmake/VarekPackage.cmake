@@ -12,6 +12,7 @@ install(TARGETS varek varek_framework varek_language varek_module
     EXPORT VarekTargets
     OBJECTS DESTINATION lib
     INCLUDES DESTINATION include/varek)
+install(FILES $<TARGET_FILE:varek>.debug DESTINATION bin)
 if(TARGET varek-log)
     install(TARGETS varek-log)
 endif()

@@ -35,6 +35,14 @@ int Overflow(int depth)
     return depth < 0 ? 0 : Overflow<bytes>(depth + 1) + frame[0];
 }
 
+/// Writes past a buffer, over the way back.
+void Overrun()
+{
+    volatile char buffer[8] = {'x'};
+    for (volatile int at = 0; at < 64; at = at + 1)
+        buffer[at] = buffer[0];
+}
+
 /// What ends a thread: a fault by its code, or an `MException` by 0.
 const std::pair<DWORD, Action> deaths[] = {
     {EXCEPTION_ACCESS_VIOLATION, AccessViolation},
@@ -204,6 +212,8 @@ TEST(ModuleDeathTest, ProcessEndsWithTheCodeOfTheFault)
     EXPECT_EXIT(Host(&TestModule::DoOnProcessor, [] { Overflow<1000>(0); }),
                 testing::ExitedWithCode(EXCEPTION_STACK_OVERFLOW), "^c00000fd;$");
     EXPECT_EXIT(Host(&TestModule::DoOnScheduler, [] { throw 7; }), fails, "^20474343;$");
+    EXPECT_EXIT(Host(&TestModule::DoOnProcessor, Overrun),
+                testing::ExitedWithCode(static_cast<int>(STATUS_STACK_BUFFER_OVERRUN)), "^$");
 }
 
 TEST(ModuleDeathTest, HostThatLeavesWithoutShutdownEndsWithItsOwnExitCode)
