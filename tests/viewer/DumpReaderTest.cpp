@@ -10,6 +10,7 @@
 
 #include <cstring>
 #include <regex>
+#include <sstream>
 
 namespace
 {
@@ -29,22 +30,16 @@ std::string Replaced(const std::string& text, const char* what, const char* by)
     return std::regex_replace(text, std::regex(what), by);
 }
 
-/// Lines broken behind the last blank that fits, as mail does it, or in the middle of words.
+/// Lines broken at the last blank that fits, as mail does it, or in the middle of words.
 std::string Wrapped(const std::string& text, std::size_t width, bool atBlanks)
 {
     std::string wrapped;
-    std::size_t begin = 0; // of the line
-    for (const char letter : text) {
-        wrapped += letter;
-        const std::size_t blank = wrapped.rfind(' ');
-        if (letter == '\n') {
-            begin = wrapped.size();
-        } else if (wrapped.size() - begin > width) {
-            const bool hasBlank = atBlanks && blank != std::string::npos && blank > begin + 4;
-            if (atBlanks && !hasBlank)
-                continue;
-            begin = hasBlank ? blank + 1 : wrapped.size() - 1;
-            hasBlank ? wrapped.replace(blank, 1, "\n") : wrapped.insert(begin++, "\n");
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line); wrapped += line + "\n") {
+        while (line.size() > width) {
+            const std::size_t end = atBlanks ? line.rfind(' ', width) : width;
+            wrapped += line.substr(0, end) + "\n";
+            line.erase(0, end + atBlanks);
         }
     }
     return wrapped;
