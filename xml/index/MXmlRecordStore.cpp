@@ -57,7 +57,7 @@ void MXmlRecordStore::MakeRoom(std::int32_t segment, std::int32_t used, std::int
 {
     if (segments[segment] && lastRoom >= wanted)
         return;
-    const std::int32_t room = used == 0 || wanted < LongestShort ? wanted : SegmentRecords;
+    const std::int32_t room = used < LongestShort ? wanted : SegmentRecords;
     Segment grown(new MXmlElementRecord[static_cast<std::size_t>(room)]);
     std::copy_n(segments[segment].get(), used, grown.get());
     segments[segment] = std::move(grown);

@@ -4,8 +4,8 @@
 #include <memory>
 
 /// The element records of one document, in segments of 65,536 records (2 MiB), so that growth never
-/// copies more than one segment. Only the last segment is ever short. One that has to grow to 4,096
-/// records or more gets the memory of a whole one at once, so that it is copied no more; `Trim`
+/// copies more than one segment. Only the last segment is ever short. A short one of 4,096 records
+/// or more gets the memory of a whole one when it has to grow, so that it is copied no more; `Trim`
 /// gives back what the capacity does not tell of.
 ///
 /// Growth may move the records of the last segment: keep no reference to a record across `Grow`.
