@@ -3,6 +3,7 @@
 #include "diagnostics/MDiagnosticsRegistry.h"
 #include "engine/EngineErrors.h"
 #include "engine/FailureGuard.h"
+#include "engine/WatchedWork.h"
 
 #include <utility>
 
@@ -46,7 +47,7 @@ MCommandProcessor::MCommandProcessor(IThreadErrorHandler* errorHandler,
       stopFunctor(std::move(stopFunctor)), idleFunctor(std::move(idleFunctor)),
       idleTimeoutMs(idleTimeoutMs ? idleTimeoutMs : waitForEver),
       commandQueue(new MThreadSafeFifo<MCommand*, MCommand*>), abortEvent(EventReset::Manual),
-      aborted(false)
+      aborted(false), died(false)
 {
     MFlowLocation& location = Locations::Get().construction;
     AddEvent(commandQueue->GetEvent(), MakeFunctor(this, &MCommandProcessor::OnCommandQueued));
@@ -88,15 +89,18 @@ void MCommandProcessor::ExecuteSynchronously(std::auto_ptr<MCommandSynchronous> 
     RaiseWindowsError(location, L"WaitFailed");
 }
 
-// Whoever puts a command behind an abort finds the event set, and empties the queue himself.
+// Whoever puts a command behind an abort, or a death, finds it told, and empties the queue himself.
 bool MCommandProcessor::Queue(std::unique_ptr<MCommand> command)
 {
     commandQueue->Put(command.get());
     command.release();
-    const bool accepted = !IsAborted();
-    if (!accepted)
+    if (IsAborted())
         DropQueued();
-    return accepted;
+    else if (died)
+        DropUnawaited();
+    else
+        return true;
+    return false;
 }
 
 bool MCommandProcessor::IsAborted()
@@ -114,12 +118,18 @@ void MCommandProcessor::ThreadFunction()
     MFlowLocation& location = Locations::Get().threadFunction;
     MFlowScope scope(location.SetObject(this));
 
+    died = false;
     if (startFunctor)
         startFunctor->Invoke();
     MCallbackFunctorImp<MCommandProcessor> loop(this, &MCommandProcessor::RunLoop);
     MCallbackFunctorImp<MCommandProcessor> onFailure(
         this, &MCommandProcessor::RunStopFunctorAfterFailure);
-    RunWithFailureHandler(loop, onFailure);
+    try {
+        RunWithFailureHandler(loop, onFailure);
+    } catch (MException&) {
+        DropUnawaited();
+        throw;
+    }
     RunStopFunctor();
 }
 
@@ -153,6 +163,7 @@ void MCommandProcessor::RunStopFunctor()
 
 void MCommandProcessor::RunStopFunctorAfterFailure()
 {
+    died = true;
     MFlowLocation& location = Locations::Get().threadFunction.SetObject(this).SetLine(__LINE__);
     DismissFailureOf([this] { RunStopFunctor(); }, location);
 }
@@ -168,6 +179,7 @@ bool MCommandProcessor::ExecuteNext()
     if (!commandQueue->Get(next))
         return false;
     const std::unique_ptr<MCommand> command(next);
+    const WatchedWork watched(WatchedWork::Kind::Command);
     if (!aborted)
         command->ExecuteGenericCommand();
     return true;
@@ -207,5 +219,16 @@ void MCommandProcessor::DropQueued()
 {
     MCommand* command = nullptr;
     while (commandQueue->Get(command))
+        delete command;
+}
+
+// What somebody waits for stays, for the next thread.
+void MCommandProcessor::DropUnawaited()
+{
+    const auto isUnawaited = [](MCommand* command) {
+        return dynamic_cast<MCommandSynchronous*>(command) == nullptr;
+    };
+    MCommand* command = nullptr;
+    while (commandQueue->GetFirst(isUnawaited, command))
         delete command;
 }

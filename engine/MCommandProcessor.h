@@ -4,6 +4,7 @@
 #include "engine/MEngineThread.h"
 #include "engine/MThreadSafeFifo.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -52,10 +53,15 @@ public:
 
     /// Queues the command and returns at once; nobody waits for it. Any thread. The command says in
     /// its destructor what became of it: it is deleted when it has run, and unexecuted when the
-    /// processor is stopped or destroyed before. What leaves its `ExecuteGenericCommand` ends the
-    /// processor thread. False, with the command deleted or about to be, when the processor has
-    /// been stopped. Raises an `MErrorOutOfMemory` in an `MException`; the command is gone then.
+    /// processor is stopped or destroyed before, or its thread dies. What leaves its
+    /// `ExecuteGenericCommand` ends the processor thread. False, with the command deleted or about
+    /// to be, when the processor has been stopped or its thread has died. Raises an
+    /// `MErrorOutOfMemory` in an `MException`; the command is gone then.
     bool Queue(std::unique_ptr<MCommand> command);
+
+    /// Whether the processor thread has died of a failure, until the next `Start`. What was queued
+    /// by `ExecuteSynchronously` is executed after that; its callers wait.
+    bool HasDied() const { return died; }
 
     /// Whether the processor has been stopped. Raises "ErrorAccessingEvent" with "winErrorCode".
     bool IsAborted();
@@ -76,6 +82,7 @@ private:
 
     void Abort();
     void DropQueued();
+    void DropUnawaited();
     void OnCommandQueued();
     bool ExecuteNext();
     void RunLoop();
@@ -90,4 +97,5 @@ private:
     std::unique_ptr<MThreadSafeFifo<MCommand*, MCommand*>> commandQueue;
     PlatformEvent abortEvent; // set once and never cleared
     bool aborted;             // the same for the processor thread, without asking the system
+    std::atomic<bool> died;
 };

@@ -2,6 +2,7 @@
 
 #include "engine/EngineErrors.h"
 #include "engine/MDesyncEvent.h"
+#include "engine/WatchedWork.h"
 
 const wchar_t MDesyncEventScheduler::className[] = L"MDesyncEventScheduler";
 
@@ -70,6 +71,7 @@ void MDesyncEventScheduler::OnSchedulerEvent()
     MDesyncEvent* event = nullptr;
     while (eventQueue.Get(event)) {
         try {
+            const WatchedWork watched(WatchedWork::Kind::Event);
             event->Fire();
         } catch (MException& exception) {
             location.SetObject(this).SetLine(__LINE__).DismissError(exception);

@@ -25,7 +25,7 @@ bool MThreadSafeFifo<T, A>::Peek(T& element)
     MMutexLock guard(lock);
     if (count == 0)
         return false;
-    element = buffer[head % capacity];
+    element = At(0);
     return true;
 }
 
@@ -38,10 +38,7 @@ bool MThreadSafeFifo<T, A>::Get(T& element)
     if (count == 0)
         return false;
     element = buffer[head];
-    if (++head == capacity)
-        head = 0;
-    if (--count == 0)
-        ResetEvent(notEmptyEvent);
+    RemoveOldest();
     return true;
 }
 
@@ -96,6 +93,38 @@ void MThreadSafeFifo<T, A>::Clear()
     ResetEvent(notEmptyEvent);
 }
 
+// Those ahead of it move up.
+template <class T, class A>
+bool MThreadSafeFifo<T, A>::GetFirst(bool (*wanted)(T element), T& element)
+{
+    MMutexLock guard(lock);
+    std::int32_t place = 0;
+    while (place < count && !wanted(At(place)))
+        ++place;
+    if (place == count)
+        return false;
+    element = At(place);
+    for (; place > 0; --place)
+        At(place) = At(place - 1);
+    RemoveOldest();
+    return true;
+}
+
+template <class T, class A>
+T& MThreadSafeFifo<T, A>::At(std::int32_t place)
+{
+    return buffer[(head + place) % capacity];
+}
+
+template <class T, class A>
+void MThreadSafeFifo<T, A>::RemoveOldest()
+{
+    if (++head == capacity)
+        head = 0;
+    if (--count == 0)
+        ResetEvent(notEmptyEvent);
+}
+
 template <class T, class A>
 void MThreadSafeFifo<T, A>::GrowTo(std::int32_t newCapacity)
 {
@@ -103,7 +132,7 @@ void MThreadSafeFifo<T, A>::GrowTo(std::int32_t newCapacity)
         return;
     T* const fresh = MakeOrRaise([=] { return new T[static_cast<std::size_t>(newCapacity)]; });
     for (std::int32_t i = 0; i < count; ++i)
-        fresh[i] = buffer[(head + i) % capacity];
+        fresh[i] = At(i);
     delete[] buffer;
     buffer = fresh;
     capacity = newCapacity;

@@ -76,7 +76,13 @@ public:
     void Put(A element) override;
     void Clear() override;
 
+    /// Removes the oldest element that is `wanted`, which is asked under the lock; the others keep
+    /// their order. False, with `element` untouched, when there is none.
+    bool GetFirst(bool (*wanted)(T element), T& element);
+
 private:
+    T& At(std::int32_t place) VAREK_LOCK_RULE(requires_capability(lock));
+    void RemoveOldest() VAREK_LOCK_RULE(requires_capability(lock));
     void GrowTo(std::int32_t newCapacity) VAREK_LOCK_RULE(requires_capability(lock));
     bool IsSound() const VAREK_LOCK_RULE(requires_capability(lock));
 

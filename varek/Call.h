@@ -84,9 +84,9 @@ std::future<CallResult<F>> CallAsync(MCommandProcessor& processor, F&& function,
                   "the future of a call would hold a reference into the processor's thread: return "
                   "a value, or a pointer if that is meant");
     typedef AsyncCall<typename std::decay<F>::type, R> Command;
-    std::unique_ptr<Command> command(new Command(std::forward<F>(function), cancelled));
+    std::unique_ptr<Command> command(new Command(processor, std::forward<F>(function), cancelled));
     std::future<R> future = command->GetFuture();
-    QueueAsync(processor, command.release());
+    processor.Queue(std::move(command));
     return future;
 }
 
@@ -159,11 +159,10 @@ detail::CallResult<F> CallFor(std::chrono::duration<Rep, Period> duration, F&& f
 /// Queues the function and returns at once, also on the processor's own thread. The function, which
 /// owns what it refers to, is destroyed on the processor thread, or by whoever drops it.
 ///
-/// The future becomes ready when the function has run or been dropped, with
-/// "CommandProcessingAborted" also where the processor had been stopped before. A processor that is
-/// stopped drops what it could not run; one whose thread has died does so when it is destroyed, so
-/// do not wait for a future of such a one without a limit. A future that is let go of waits for
-/// nothing.
+/// The future becomes ready when the function has run or been dropped. A processor drops what it
+/// could not run when it is stopped or destroyed, with "CommandProcessingAborted", and when its
+/// thread dies, with "ThreadExitedUnexpectedly"; where that had happened before, the future is
+/// ready at once. A future that is let go of waits for nothing.
 template <class F>
 std::future<detail::CallResult<F>> CallAsync(MCommandProcessor& processor, F&& function)
 {

@@ -2,7 +2,6 @@
 
 #include "engine/MCommandProcessor.h"
 #include "varek/Errors.h"
-#include "varek/Watched.h"
 
 #include <memory>
 
@@ -29,9 +28,11 @@ TracedLocation& CallLocation()
     Raise(CallLocation(), code).Throw();
 }
 
-const wchar_t* DropCode(const CancelToken::Flag& cancelled)
+const wchar_t* DropCode(const MCommandProcessor& processor, const CancelToken::Flag& cancelled)
 {
-    return cancelled && *cancelled ? L"Cancelled" : L"CommandProcessingAborted";
+    if (cancelled && *cancelled)
+        return L"Cancelled";
+    return processor.HasDied() ? L"ThreadExitedUnexpectedly" : L"CommandProcessingAborted";
 }
 
 [[noreturn]] void RethrowAsMException(const std::exception_ptr& failure)
@@ -47,7 +48,6 @@ const wchar_t* DropCode(const CancelToken::Flag& cancelled)
 
 std::exception_ptr RunCaught(void (*work)(void* context), void* context) noexcept
 {
-    const Watched watched(WatchedWork::Call);
     try {
         work(context);
     } catch (std::exception&) {
@@ -126,8 +126,10 @@ void CallBlock::RunOn(MCommandProcessor& processor, std::uint32_t timeoutMs)
     }
     if (status == WAIT_TIMEOUT)
         RaiseCallError(L"TimedOut");
+    if (status == WAIT_OBJECT_0 && !accepted && !processor.HasDied())
+        RaiseCallError(L"ProcessorStopped");
     if (status == WAIT_OBJECT_0)
-        RaiseCallError(accepted ? DropCode(cancelled) : L"ProcessorStopped");
+        RaiseCallError(DropCode(processor, cancelled));
 
     MoveOn(CallState::Queued, CallState::Dropped);
     if (status == WAIT_OBJECT_0 + 1)
@@ -136,19 +138,11 @@ void CallBlock::RunOn(MCommandProcessor& processor, std::uint32_t timeoutMs)
     Raise(CallLocation(), L"WaitFailed").WithLastError().Throw();
 }
 
-void QueueAsync(MCommandProcessor& processor, MCommand* command)
-{
-    std::unique_ptr<MCommand> owned(command);
-    if (WaitForSingleObject(processor.GetEndedEvent(), 0) == WAIT_OBJECT_0 &&
-        !processor.IsAborted())
-        RaiseCallError(L"ThreadExitedUnexpectedly");
-    processor.Queue(std::move(owned));
-}
-
-std::exception_ptr WhyDropped(const CancelToken::Flag& cancelled) noexcept
+std::exception_ptr WhyDropped(const MCommandProcessor& processor,
+                              const CancelToken::Flag& cancelled) noexcept
 {
     try {
-        RaiseCallError(DropCode(cancelled));
+        RaiseCallError(DropCode(processor, cancelled));
     } catch (...) {
         return std::current_exception();
     }

@@ -22,8 +22,8 @@ namespace detail
 /// What became of a call.
 enum class CallState { Queued, Begun, Done, Dropped };
 
-/// Runs the work that `context` stands for on a processor thread, watched if a watchdog is on. A
-/// failure of any standard kind is the answer, null when there was none.
+/// Runs the work that `context` stands for. A failure of any standard kind is the answer, null when
+/// there was none.
 std::exception_ptr RunCaught(void (*work)(void* context), void* context) noexcept;
 
 /// A call on its way through the queue of a processor, in one block of memory that both the queue
@@ -158,11 +158,9 @@ private:
     Block* block;
 };
 
-/// Queues a call that nobody waits for, and that owns itself: `AsyncCall`.
-void QueueAsync(MCommandProcessor& processor, MCommand* command);
-
 /// The failure of a call that was dropped, as a waiting caller would get it.
-std::exception_ptr WhyDropped(const CancelToken::Flag& cancelled) noexcept;
+std::exception_ptr WhyDropped(const MCommandProcessor& processor,
+                              const CancelToken::Flag& cancelled) noexcept;
 
 /// The failure as an `MException`, or itself where there is no memory for that.
 std::exception_ptr AsMException(const std::exception_ptr& failure) noexcept;
@@ -185,12 +183,11 @@ template <class F, class R>
 class AsyncCall final : public MCommand
 {
 public:
-    AsyncCall(F&& function, const CancelToken::Flag& cancelled)
-        : function(std::move(function)), cancelled(cancelled), told(false)
-    {
-    }
-    AsyncCall(const F& function, const CancelToken::Flag& cancelled)
-        : function(function), cancelled(cancelled), told(false)
+    template <class Given>
+    AsyncCall(const MCommandProcessor& processor, Given&& function,
+              const CancelToken::Flag& cancelled)
+        : processor(processor), function(std::forward<Given>(function)), cancelled(cancelled),
+          told(false)
     {
     }
 
@@ -198,7 +195,7 @@ public:
     ~AsyncCall() override
     {
         if (!told)
-            promise.set_exception(WhyDropped(cancelled));
+            promise.set_exception(WhyDropped(processor, cancelled));
     }
 
     void ExecuteGenericCommand() override
@@ -219,6 +216,7 @@ private:
         Fulfil(self.promise, self.function);
     }
 
+    const MCommandProcessor& processor; // whose queue it is dropped from
     F function;
     CancelToken::Flag cancelled;
     std::promise<R> promise;

@@ -1,14 +1,12 @@
 #include "varek/Post.h"
 
 #include "varek/Errors.h"
-#include "varek/Watched.h"
 
 namespace varek
 {
 
 void detail::RunPosted(void (*work)(void* context), void* context)
 {
-    const Watched watched(WatchedWork::Event);
     try {
         work(context);
     } catch (std::exception& exception) {

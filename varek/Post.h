@@ -31,7 +31,7 @@ namespace varek
 namespace detail
 {
 
-/// Runs the function that `context` stands for, watched if a watchdog is on.
+/// Runs the function that `context` stands for.
 void RunPosted(void (*work)(void* context), void* context);
 
 /// Schedules the event, or frees it.
