@@ -60,6 +60,9 @@ std::wstring FatalErrorText(const MException& exception)
     }
 }
 
+// For statics that go after the singleton.
+std::atomic<bool> isGone;
+
 /// Registering what is registered already changes nothing.
 template <class Callback>
 void Replace(Callback& stored, Callback fresh)
@@ -84,7 +87,8 @@ ModuleCommandProcessor& ModuleCommandProcessor::GetSingleton()
     return instance;
 }
 
-ModuleCommandProcessor::ModuleCommandProcessor() : lifecycleDone(false), shutdownFunctorsRun(false)
+ModuleCommandProcessor::ModuleCommandProcessor()
+    : lifecycleDone(false), shutdownNumber(0), shutdownFunctorsRun(false)
 {
     MFlowLocation& location = Locations::Get().construction;
     location.SetObject(this).SetLine(__LINE__).LogConstruction();
@@ -97,6 +101,7 @@ ModuleCommandProcessor::~ModuleCommandProcessor()
 {
     MFlowLocation& location = Locations::Get().destruction;
     location.SetObject(this).SetLine(__LINE__).LogDestruction();
+    isGone = true;
     shutdownFunctors.clear();
     DismissFailureOf([this] { ModuleCommandProcessor::Stop(); }, location.SetLine(__LINE__));
 }
@@ -192,19 +197,36 @@ void ModuleCommandProcessor::DropReferenceOnceEnded()
         moduleReference.Drop();
 }
 
-void ModuleCommandProcessor::OnShutdown(MCallbackFunctorPtr functor)
+std::uint64_t ModuleCommandProcessor::OnShutdown(MCallbackFunctorPtr functor)
 {
-    GetSingleton().AddShutdownFunctor(std::move(functor));
+    return GetSingleton().AddShutdownFunctor(std::move(functor));
 }
 
-void ModuleCommandProcessor::AddShutdownFunctor(MCallbackFunctorPtr functor)
+bool ModuleCommandProcessor::ForgetOnShutdown(std::uint64_t number)
+{
+    return !isGone && GetSingleton().RemoveShutdownFunctor(number);
+}
+
+std::uint64_t ModuleCommandProcessor::AddShutdownFunctor(MCallbackFunctorPtr functor)
 {
     MFlowLocation& location = Locations::Get().onShutdown;
     MMutexLock lock(shutdownMutex);
     if (shutdownFunctorsRun)
         RaiseError(location.SetObject(this).SetLine(__LINE__), L"ModuleStopped");
     if (functor)
-        shutdownFunctors.push_back(std::move(functor));
+        shutdownFunctors.emplace_back(shutdownNumber + 1, std::move(functor));
+    return ++shutdownNumber;
+}
+
+bool ModuleCommandProcessor::RemoveShutdownFunctor(std::uint64_t number)
+{
+    MMutexLock lock(shutdownMutex);
+    for (auto i = shutdownFunctors.begin(); i != shutdownFunctors.end(); ++i)
+        if (i->first == number) {
+            shutdownFunctors.erase(i);
+            return true;
+        }
+    return false;
 }
 
 void ModuleCommandProcessor::RunShutdownFunctors()
@@ -221,7 +243,7 @@ MCallbackFunctorPtr ModuleCommandProcessor::TakeShutdownFunctor()
     shutdownFunctorsRun = shutdownFunctors.empty();
     if (shutdownFunctorsRun)
         return nullptr;
-    MCallbackFunctorPtr latest = std::move(shutdownFunctors.back());
+    MCallbackFunctorPtr latest = std::move(shutdownFunctors.back().second);
     shutdownFunctors.pop_back();
     return latest;
 }

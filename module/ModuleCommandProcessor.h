@@ -8,8 +8,10 @@
 #include "module/ModuleReference.h"
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// The one object behind a module: owner of its two threads, and the place where what kills one of
@@ -80,7 +82,13 @@ public:
     /// there is no memory to note it. It starts nothing, so a static may call it from its
     /// constructor. A process that ends without a shutdown invokes none: its threads are gone by
     /// then, and statics that were made later than the module too.
-    static void OnShutdown(MCallbackFunctorPtr functor);
+    ///
+    /// The answer is a number for `ForgetOnShutdown`.
+    static std::uint64_t OnShutdown(MCallbackFunctorPtr functor);
+
+    /// Takes back what `OnShutdown` was given, which is freed. False when it has been invoked, or
+    /// is just being, and when the process is about to end. Any thread.
+    static bool ForgetOnShutdown(std::uint64_t number);
 
     /// Stays after `Stop`, and refuses commands then. Owned by this object.
     MCommandProcessor* GetCommandProcessor() { return commandProcessor.get(); }
@@ -95,7 +103,8 @@ private:
 
     ModuleCommandProcessor();
 
-    void AddShutdownFunctor(MCallbackFunctorPtr functor);
+    std::uint64_t AddShutdownFunctor(MCallbackFunctorPtr functor);
+    bool RemoveShutdownFunctor(std::uint64_t number);
     void StartScheduler() VAREK_LOCK_RULE(requires_capability(lifecycleMutex));
     void StartProcessor() VAREK_LOCK_RULE(requires_capability(lifecycleMutex));
     void Dismantle() VAREK_LOCK_RULE(requires_capability(lifecycleMutex));
@@ -115,7 +124,9 @@ private:
     SpontaneousErrorCallback spontaneousErrorCallback;
     CrashCallback crashCallback;
     ModuleReference moduleReference VAREK_LOCK_RULE(guarded_by(lifecycleMutex));
-    MMutex shutdownMutex; // guards the two below, and is held while nothing else is done
-    std::vector<MCallbackFunctorPtr> shutdownFunctors VAREK_LOCK_RULE(guarded_by(shutdownMutex));
+    MMutex shutdownMutex; // guards what follows, and is held while nothing else is done
+    std::vector<std::pair<std::uint64_t, MCallbackFunctorPtr>>
+        shutdownFunctors VAREK_LOCK_RULE(guarded_by(shutdownMutex));
+    std::uint64_t shutdownNumber VAREK_LOCK_RULE(guarded_by(shutdownMutex)); // the latest
     bool shutdownFunctorsRun VAREK_LOCK_RULE(guarded_by(shutdownMutex));
 };

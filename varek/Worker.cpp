@@ -1,5 +1,6 @@
 #include "varek/Worker.h"
 
+#include "engine/EngineErrors.h"
 #include "engine/MMutexLock.h"
 #include "engine/MSchedulerThread.h"
 #include "module/ModuleCommandProcessor.h"
@@ -95,32 +96,48 @@ struct Worker::Duty {
     Function function;
 };
 
-/// Leads from the module's shutdown to the worker, if there still is one by then.
+/// Leads from the module's shutdown to the worker, if there still is one by then. Both have a
+/// share in it.
 class Worker::ShutdownLink
 {
 public:
-    explicit ShutdownLink(Worker* worker) : worker(worker), shares(2) {}
+    explicit ShutdownLink(Worker* worker) : worker(worker), isOver(false), shares(2), number(0) {}
 
-    void OnShutdown()
+    /// Whether the module has been shut down.
+    bool IsOver() const { return isOver; }
+
+    /// Raises what `OnShutdown` raises.
+    void Register()
     {
-        {
-            MMutexLock lock(mutex);
-            if (worker)
-                worker->Stop();
-        }
-        Release();
+        number = ModuleCommandProcessor::OnShutdown(MakeFunctor(this, &ShutdownLink::OnShutdown));
     }
 
+    /// A shutdown that is just stopping the worker is waited for.
     void Cut()
     {
         {
             MMutexLock lock(mutex);
             worker = nullptr;
         }
+        if (ModuleCommandProcessor::ForgetOnShutdown(number))
+            Release();
         Release();
     }
 
 private:
+    struct GiveBack {
+        void operator()(ShutdownLink* link) const { link->Release(); }
+    };
+
+    void OnShutdown()
+    {
+        const std::unique_ptr<ShutdownLink, GiveBack> share(this);
+        isOver = true; // ahead of the stop, for a start that comes behind it
+        MMutexLock lock(mutex);
+        if (worker)
+            worker->Stop();
+    }
+
     void Release()
     {
         if (--shares == 0)
@@ -129,7 +146,9 @@ private:
 
     MMutex mutex; // ahead of that of the worker's state
     Worker* worker VAREK_LOCK_RULE(guarded_by(mutex));
+    std::atomic<bool> isOver;
     std::atomic<int> shares;
+    std::uint64_t number;
 };
 
 Worker::Worker() : state(new State), link(nullptr) {}
@@ -138,11 +157,7 @@ Worker::~Worker()
 {
     if (link)
         link->Cut();
-    try {
-        Stop();
-    } catch (MException& exception) {
-        Location().SetObject(this).DismissError(exception);
-    }
+    DismissFailureOf([this] { Stop(); }, Location().SetObject(this));
 }
 
 void Worker::When(HANDLE handle, Function function)
@@ -203,11 +218,12 @@ void Worker::CheckNotOwnThread(const wchar_t* code)
 
 void Worker::StopWithModule()
 {
+    if (link && link->IsOver())
+        Raise(Location().SetObject(this), L"ModuleStopped").Throw();
     if (link)
         return;
     std::unique_ptr<ShutdownLink> fresh(new ShutdownLink(this));
-    ModuleCommandProcessor::GetInstance().OnShutdown(
-        MakeFunctor(fresh.get(), &ShutdownLink::OnShutdown));
+    fresh->Register();
     link = fresh.release();
 }
 

@@ -23,7 +23,8 @@ namespace varek
 ///     }
 ///
 /// The functions run on the worker's thread, in the multithreaded COM apartment, one at a time; of
-/// those that are due at once, the one named first goes first. They may use `Call` and `Post`.
+/// those that are due at once, the one named first goes first. They may use `Call` and `Post`, but
+/// not shut the module down, which would go on without stopping the worker.
 ///
 /// Lifetime: `Start` starts the module's own threads too if need be, and from then on a shutdown of
 /// the module stops the worker first. So a worker may be a static of the module, or any object: its
