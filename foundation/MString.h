@@ -48,6 +48,10 @@ public:
     /// The null-terminated text, never null, valid until the string changes.
     const wchar_t* c_str() const { return data ? data : L""; }
 
+    /// The character at a position, 0 to the length, where the terminator stands. For writing there
+    /// is `GetBuffer`.
+    wchar_t operator[](std::int32_t position) const { return c_str()[position]; }
+
     /// Number of characters without the terminator.
     std::int32_t GetLength() const { return length; }
 
