@@ -2,6 +2,7 @@
 
 #include "filers/IInFilerTaggedRegistry.h"
 #include "filers/IOutFilerTaggedRegistry.h"
+#include "filers/MFilerTaggedPair.h"
 #include "filers/MInFilerTaggedXml.h"
 #include "filers/MOutFilerTaggedXml.h"
 #include "varek/Errors.h"
@@ -26,17 +27,6 @@ void Parse(const MString& text, long long* value, wchar_t** end)
 void Parse(const MString& text, unsigned long long* value, wchar_t** end)
 {
     *value = std::wcstoull(text.c_str(), end, 10);
-}
-
-/// A parameter, as it is filed.
-struct Parameter {
-    MString name, value;
-};
-
-void Describe(Filing& filing, Parameter& parameter)
-{
-    filing(L"Name", parameter.name);
-    filing(L"Value", parameter.value);
 }
 
 } // namespace
@@ -172,13 +162,18 @@ bool Filing::Begin(const MString& tag)
     return isThere;
 }
 
+// Takes no memory: it may be the want of it that ends the group.
 void Filing::End()
 {
+    MString tag = std::move(groups.back());
     groups.pop_back();
-    if (absent > 0)
+    if (absent > 0) {
         --absent;
-    else if (!(in ? in->EndGroup() : out->EndGroup()))
-        Note(L"", false);
+        return;
+    }
+    const bool ended = in ? in->EndGroup() : out->EndGroup();
+    if (!ended && out && failedTag.IsEmpty())
+        failedTag = std::move(tag);
 }
 
 unsigned Filing::Version(unsigned current)
@@ -191,33 +186,38 @@ unsigned Filing::Version(unsigned current)
     return version;
 }
 
+// What has been read in part is not kept.
+template <class T>
+bool Filing::FileThrough(const MString& tag, T& failure)
+{
+    MFilerTaggedPair filer(in, out);
+    if (!in)
+        return Note(tag, absent == 0 && failure.Write(filer, tag));
+    T read;
+    const bool filed = Note(tag, absent == 0 && read.Read(filer, tag, read));
+    if (filed)
+        detail::Replace(failure, read);
+    return filed;
+}
+
+bool Filing::FileFailure(const MString& tag, MError& error)
+{
+    return FileThrough(tag, error);
+}
+
+bool Filing::FileFailure(const MString& tag, MException& exception)
+{
+    return FileThrough(tag, exception);
+}
+
 void Describe(Filing& filing, MError& error)
 {
-    MString code = error.GetCode();
-    std::vector<Parameter> parameters;
-    for (const auto& parameter : error.GetParameters())
-        parameters.push_back({parameter.first, parameter.second});
-    filing(L"Code", code);
-    filing(L"Parameters", parameters);
-    if (!filing.IsReading())
-        return;
-    error = MError(code);
-    for (const Parameter& parameter : parameters)
-        error.AddParameter(parameter.name.c_str(), parameter.value);
+    filing(L"Error", error);
 }
 
 void Describe(Filing& filing, MException& exception)
 {
-    std::vector<MError> errors;
-    for (const MError& error : Errors(exception))
-        errors.push_back(error);
-    filing(L"Errors", errors);
-    if (!filing.IsReading())
-        return;
-    MException read;
-    for (const MError& error : errors)
-        read.AddError(error);
-    exception.TakeFrom(read);
+    filing(L"Exception", exception);
 }
 
 namespace detail
@@ -337,9 +337,9 @@ MString WriteXml(DescribeObject describe, void* object, const wchar_t* rootTag)
 Reading ReadXml(const MString& text, DescribeObject describe, void* object, const wchar_t* rootTag)
 {
     static TracedLocation location(L"varek", L"FromXml");
-    if (!MInFilerTaggedXml(text, rootTag, nullptr).EndGroup()) // which a fresh reader of one can
-        Raise(location, L"NotADocument").Throw();
     MInFilerTaggedXml filer(text, rootTag, nullptr);
+    if (!filer.IsOpen())
+        Raise(location, L"NotADocument").Throw();
     Reading reading = ReadFrom(filer, true, describe, object);
     reading.wasThere = true;
     return reading;

@@ -45,15 +45,25 @@ struct NumberKind {
 };
 struct TextKind {
 };
+struct FailureKind {
+};
 struct GroupKind {
 };
 
 template <class T>
-using KindOf =
-    typename std::conditional<std::is_arithmetic<T>::value || std::is_enum<T>::value, NumberKind,
-                              typename std::conditional<std::is_same<T, MString>::value ||
-                                                            std::is_same<T, std::wstring>::value,
-                                                        TextKind, GroupKind>::type>::type;
+using IsText = std::integral_constant<bool, std::is_same<T, MString>::value ||
+                                                std::is_same<T, std::wstring>::value>;
+
+template <class T>
+using IsFailure = std::integral_constant<bool, std::is_base_of<MError, T>::value ||
+                                                   std::is_base_of<MException, T>::value>;
+
+template <class T>
+using KindOf = typename std::conditional<
+    std::is_arithmetic<T>::value || std::is_enum<T>::value, NumberKind,
+    typename std::conditional<
+        IsText<T>::value, TextKind,
+        typename std::conditional<IsFailure<T>::value, FailureKind, GroupKind>::type>::type>::type;
 
 } // namespace detail
 
@@ -117,6 +127,8 @@ private:
     template <class T>
     bool File(TextView tag, T& value, detail::TextKind);
     template <class T>
+    bool File(TextView tag, T& value, detail::FailureKind);
+    template <class T>
     bool File(TextView tag, T& value, detail::GroupKind);
 
     bool FileNumber(const MString& tag, bool& value);
@@ -132,12 +144,16 @@ private:
     bool FileNumber(const MString& tag, unsigned long long& value);
     bool FileText(const MString& tag, MString& value);
     bool FileText(const MString& tag, std::wstring& value);
+    bool FileFailure(const MString& tag, MError& error);
+    bool FileFailure(const MString& tag, MException& exception);
 
     template <class T>
     bool FileBy(bool (IInFilerTagged::*read)(const MString&, T*, T),
                 bool (IOutFilerTagged::*write)(const MString&, T), const MString& tag, T& value);
     template <class T>
     bool FileAsText(const MString& tag, T& value);
+    template <class T>
+    bool FileThrough(const MString& tag, T& failure);
     bool Note(const MString& tag, bool filed);
     bool Begin(const MString& tag);
     void End();
@@ -185,7 +201,8 @@ template <class T>
 Reading LoadRegistry(const MString& area, T& object);
 
 /// @{
-/// Errors and exceptions are described like other types.
+/// Errors and exceptions are filed in the form that they have everywhere, so a host reads the chain
+/// of a thread that has ended by `FromXml(chain, exception, L"ExceptionChain")`.
 void Describe(Filing& filing, MError& error);
 void Describe(Filing& filing, MException& exception);
 /// @}

@@ -137,7 +137,7 @@ private:
     {
         items.clear();
         for (unsigned i = 0; i < count; ++i) {
-            T item{};
+            T item = T();
             if (!filing(ItemTag(i), item))
                 return;
             items.push_back(std::move(item));
@@ -184,6 +184,23 @@ struct Content<std::optional<T>> : OptionalContent<std::optional<T>, T> {
 };
 #endif
 
+inline void Replace(MError& error, MError& fresh)
+{
+    error = fresh;
+}
+
+inline void Replace(MException& exception, MException& fresh)
+{
+    exception.TakeFrom(fresh);
+}
+
+template <class T>
+void Clear(T& value, FailureKind)
+{
+    T none;
+    Replace(value, none);
+}
+
 template <class T>
 void Clear(T& value, GroupKind)
 {
@@ -213,6 +230,12 @@ template <class T>
 bool Filing::File(TextView tag, T& value, detail::TextKind)
 {
     return FileText(ToMString(tag), value);
+}
+
+template <class T>
+bool Filing::File(TextView tag, T& value, detail::FailureKind)
+{
+    return FileFailure(ToMString(tag), value);
 }
 
 template <class T>
