@@ -5,6 +5,7 @@
 #include "diagnostics/MFlowLogger.h"
 #include "module/Runtime.h"
 #include "varek/Errors.h"
+#include "varek/ExportedNames.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -21,11 +22,12 @@ namespace
 typedef Varek::Runtime::CallbackFunctor1Param<const std::wstring&> TextCallback;
 typedef Varek::Runtime::CallbackFunctor1Param<_EXCEPTION_POINTERS*> FaultCallback;
 
-const char attachName[] = "_ZN5Varek7Runtime17AttachMFlowLoggerEP11MFlowLogger";
-const char registerName[] =
-    "_ZN5Varek7Runtime26RegisterFatalErrorHandlersESt8auto_ptrINS0_21CallbackFunctor1ParamIRKNSt7__"
-    "cxx1112basic_stringIwSt11char_traitsIwESaIwEEEEEES1_INS2_IP19_EXCEPTION_POINTERSEEE";
-const char shutdownName[] = "_ZN5Varek7Runtime8ShutdownEv";
+// A host and its module are of one toolchain.
+#ifdef _MSC_VER
+const ExportedNames& names = nativeNames;
+#else
+const ExportedNames& names = mingwNames;
+#endif
 
 TracedLocation& Location()
 {
@@ -156,7 +158,8 @@ Host::Host(const std::wstring& module, const HostOptions& options)
 // Whether it fits comes before any call into it.
 void Host::Check(const std::wstring& module) const
 {
-    for (const char* name : {attachName, registerName, shutdownName})
+    for (const char* name :
+         {names.attachMFlowLogger, names.registerFatalErrorHandlers, names.shutdown})
         if (!GetProcAddress(static_cast<HMODULE>(library.get()), name))
             Raise(Location(), L"NotAModule")
                 .With(L"module", module)
@@ -177,9 +180,10 @@ void Host::Check(const std::wstring& module) const
 void Host::Start(const std::wstring& module, const HostOptions& options)
 {
     functions.reset(new Functions{
-        reinterpret_cast<decltype(Functions::attach)>(FindAddress(attachName)),
-        reinterpret_cast<decltype(Functions::registerHandlers)>(FindAddress(registerName)),
-        reinterpret_cast<decltype(Functions::shutdown)>(FindAddress(shutdownName))});
+        reinterpret_cast<decltype(Functions::attach)>(FindAddress(names.attachMFlowLogger)),
+        reinterpret_cast<decltype(Functions::registerHandlers)>(
+            FindAddress(names.registerFatalErrorHandlers)),
+        reinterpret_cast<decltype(Functions::shutdown)>(FindAddress(names.shutdown))});
     const std::wstring prefix =
         options.dumpPrefix.empty() ? WithoutFolderAndEnding(module) : options.dumpPrefix;
     std::auto_ptr<TextCallback> onFailure(new FailureTeller(module, options));

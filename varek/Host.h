@@ -42,14 +42,7 @@ struct HostOptions {
 /// A module fits that was made with an SDK of the same major and minor version and with the same
 /// toolchain as the host, since standard types pass between them.
 ///
-/// The three functions are found in the module by these names, which GCC gives them:
-///
-/// | function | exported as |
-/// |---|---|
-/// | AttachMFlowLogger | _ZN5Varek7Runtime17AttachMFlowLoggerEP11MFlowLogger |
-/// | RegisterFatalErrorHandlers |
-/// _ZN5Varek7Runtime26RegisterFatalErrorHandlersESt8auto_ptrINS0_21CallbackFunctor1ParamIRKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEEEEES1_INS2_IP19_EXCEPTION_POINTERSEEE
-/// | | Shutdown | _ZN5Varek7Runtime8ShutdownEv |
+/// The three functions are found in the module by the names in varek/ExportedNames.h.
 ///
 /// Threads: make and destroy it on one thread, none of the module's own.
 class Host
