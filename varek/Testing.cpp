@@ -135,18 +135,18 @@ void detail::RaiseFinding(const std::string& finding)
     Raise(location, L"NotAsExpected").With(L"finding", finding).Throw();
 }
 
-// The record that marks the beginning names an object that is nobody's.
+// The record that marks the beginning names an object that is nobody's, nor another module's mark.
 Recording::Recording(Tell tell) : tell(std::move(tell))
 {
     static TracedLocation location(L"varek", L"Recording");
     static std::atomic<std::uintptr_t> serial{0};
-    const void* const number = reinterpret_cast<const void*>(++serial);
-    location.SetObject(number).LogTimingPoint();
+    const std::uintptr_t number = reinterpret_cast<std::uintptr_t>(&serial) + ++serial;
+    location.SetObject(reinterpret_cast<const void*>(number)).LogTimingPoint();
     std::ostringstream object;
     object << std::uppercase << std::hex;
     object.width(16);
     object.fill('0');
-    object << reinterpret_cast<std::uintptr_t>(number);
+    object << number;
     mark = " in_class varek at Recording for_object " + object.str();
 }
 
@@ -158,9 +158,10 @@ std::vector<Record> Recording::GetRecords() const
     std::vector<Record> records;
     bool began = false;
     for (std::string line; std::getline(lines, line);) {
-        if (line.find(mark) != std::string::npos)
+        if (line.find(mark) != std::string::npos) {
             began = true;
-        else if (began && line.compare(0, 2, "% ") == 0)
+            records.clear(); // it was that of a module that was here before
+        } else if (began && line.compare(0, 2, "% ") == 0)
             records.push_back(ReadRecord(line));
     }
     if (!began) {
