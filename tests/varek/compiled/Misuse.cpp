@@ -1,4 +1,4 @@
-// One mistake a number. Behind it stands what the compiler is to say.
+// A mistake a line. Behind it stands what the compiler is to say of it.
 
 #include <varek/Varek.h>
 
@@ -12,37 +12,20 @@ struct Described {
 };
 void Describe(varek::Filing&, Described&);
 
-void Misuse(MCommandProcessor& processor, varek::Filing& filing, MError& error)
+void Misuse(MCommandProcessor& processor, varek::Filing& filing, varek::Failure& failure,
+            MError& error, Undescribed& undescribed, Described& described)
 {
-#if MISTAKE == 1 // what is called takes no arguments: capture what it needs in a lambda
-    varek::Call(processor, [](int) {});
-#elif MISTAKE == 2  // return a value, or a pointer if that is meant
-    static int number;
-    varek::CallAsync(processor, []() -> int& { return number; });
-#elif MISTAKE == 3  // this event owns something that would leak
-    varek::Post(new Owning);
-#elif MISTAKE == 4  // a trace line records at most two numbers
-    VAREK_TRACE(1, 2, 3);
-#elif MISTAKE == 5  // a trace line records numbers, enumerations and pointers only
-    VAREK_TRACE(1.5);
-#elif MISTAKE == 6  // With takes numbers, pointers and texts
-    static MFlowLocation location(L"Class", L"Function");
-    varek::Raise(location, L"Code").With(L"name", Undescribed()).Throw();
-#elif MISTAKE == 7  // write void Describe(varek::Filing& filing, T& object) in its namespace
-    Undescribed object;
-    filing(L"Tag", object);
-#elif MISTAKE == 8  // the defaults of a described type stand in its own description
-    Described object;
-    filing(L"Tag", object, Described());
-#elif MISTAKE == 9  // what is called takes no arguments: capture what it needs in a lambda
-    varek::Post([](int) {});
-#elif MISTAKE == 10 // a call that may be given up returns a value
-    varek::CallFor(std::chrono::seconds(1), processor, []() -> MError& {
-        static MError e;
-        return e;
-    });
-#elif MISTAKE == 11 // varek::Raise(location, code).With(name, value) takes numbers of any width
-    error.AddParameter(L"name", 1.5);
-#endif
-    (void)processor, (void)filing, (void)error;
+    // clang-format off
+    varek::Call(processor, [](int) {}); // what is called takes no arguments: capture what it needs in a lambda
+    varek::Post([](int) {}); // what is called takes no arguments: capture what it needs in a lambda
+    varek::CallAsync(processor, []() -> MError& { throw 0; }); // return a value, or a pointer if that is meant
+    varek::CallFor(std::chrono::seconds(1), processor, []() -> MError& { throw 0; }); // a call that may be given up returns a value
+    varek::Post(new Owning); // this event owns something that would leak
+    VAREK_TRACE(1, 2, 3); // a trace line records at most two numbers
+    [] { VAREK_TRACE(1.5); }(); // a trace line records numbers, enumerations and pointers only
+    failure.With(L"name", undescribed); // With takes numbers, pointers and texts
+    filing(L"Tag", undescribed); // write void Describe(varek::Filing& filing, T& object) in its namespace
+    filing(L"Tag", described, Described()); // the defaults of a described type stand in its own description
+    error.AddParameter(L"name", 1.5); // varek::Raise(location, code).With(name, value) takes numbers of any width
+    // clang-format on
 }
