@@ -149,5 +149,4 @@ TEST(FaceExample, DoesWhatThePagesSay)
     const HANDLE changed = CreateEventW(nullptr, FALSE, TRUE, nullptr);
     EXPECT_EQ(1, Watch(changed));
     CloseHandle(changed);
-    ModuleCommandProcessor::GetInstance().Stop();
 }

@@ -2,6 +2,7 @@
 
 #include "varek/Call.h"
 #include "tests/engine/EngineFixtures.h"
+#include "tests/varek/LeavesNothing.h"
 #include "varek/Errors.h"
 
 #include <stdexcept>
@@ -94,38 +95,38 @@ TEST(CallFor, GivesUpWaitingAndLeavesTheFunctionAlone)
     EXPECT_EQ(2, owned.use_count()); // here, and in the work
 }
 
-TEST(Call, AThreadThatHasDiedIsAnErrorAndWhatWasGivenUpIsNotRunLater)
+TEST(Call, AThreadThatHasDiedIsAnErrorToAllButThoseWhoWaitByHandForTheNext)
 {
     const std::string dead = "varek.Call:ThreadExitedUnexpectedly";
     Gate gate;
-    int ran = 0;
-    const auto count = [&] { ++ran; };
-    std::future<void> early;
+    std::atomic<int> ran{0};
+    const Action count = [&] { ++ran; };
+    std::future<void> never;
     {
         StartedProcessor processor;
         processor.Die(gate);
-        early = varek::CallAsync(processor, count);
+        std::thread byHand([&] { processor.ExecuteSynchronously(NewCommand(count)); });
+        std::future<void> early = varek::CallAsync(processor, count);
         std::thread opener([&] {
             Sleep(30);
             gate.Open();
         });
         EXPECT_EQ(dead, Raised([&] { varek::Call(processor, count); })); // it waited
+        EXPECT_EQ(dead, Raised([&] { early.get(); }));
         opener.join();
-        EXPECT_EQ(dead, Raised([&] { varek::Call(processor, count); }));
-        EXPECT_EQ(dead, Raised([&] { varek::CallAsync(processor, count); }));
+        for (int way : {0, 1, 2, 2})
+            EXPECT_EQ(dead, Raised([&] { CallBy(way, processor, count); }));
         processor.Stop();
         EXPECT_EQ(dead, Raised([&] { varek::Call(processor, count); }));
+        EXPECT_EQ(0, ran);
         processor.Start();
-        varek::Call(processor, [] {});
-        EXPECT_EQ(1, ran); // the one whose future is still there
-    }
-    early.get();
-    std::future<void> late;
-    {
+        byHand.join();
+        varek::Call(processor, count);
+        EXPECT_EQ(2, ran);
         MCommandProcessor neverStarted(nullptr, nullptr, nullptr, nullptr, 0);
-        late = varek::CallAsync(neverStarted, count);
+        never = varek::CallAsync(neverStarted, count);
     }
-    EXPECT_EQ("varek.Call:CommandProcessingAborted", Raised([&] { late.get(); }));
+    EXPECT_EQ("varek.Call:CommandProcessingAborted", Raised([&] { never.get(); }));
 }
 
 TEST(Call, ManyCallersThroughAStopGetAResultOrAnErrorEach)
@@ -148,25 +149,5 @@ TEST(Call, ManyCallersThroughAStopGetAResultOrAnErrorEach)
         EXPECT_EQ(200, answered + refused);
         EXPECT_GE(refused, 25);
     };
-    storm();
-    const std::size_t handles = ListHandles().size();
-    for (int i = 0; i < 5; ++i)
-        storm();
-    EXPECT_GT(handles + 20, ListHandles().size()); // threads and locks keep one or the other
-}
-
-TEST(Call, WithoutMemoryItIsNotRunAndTheProcessorGoesOn)
-{
-    StartedProcessor processor;
-    std::atomic<int> ran{0};
-    for (int way : {0, 1, 2}) {
-        const Action call = [&] { CallBy(way, processor, [&] { ++ran; }); };
-        call();
-        ran = 0;
-        ForEachFailingAllocation(AllocationFailure::Throws, call, [&](ShortageOutcome outcome) {
-            EXPECT_NE(ShortageOutcome::Completed, outcome);
-            EXPECT_EQ(0, ran);
-        });
-        EXPECT_EQ(1, ran);
-    }
+    EXPECT_TRUE(LeavesNothing(storm));
 }

@@ -75,6 +75,7 @@ TEST(Text, ComparesJoinsStreamsAndGoesBothWays)
             EXPECT_TRUE((left <= b.c_str()) == (a <= b) && (a.c_str() >= right) == (a >= b));
             EXPECT_TRUE(varek::ToString(left + right) == a + b && left + b == a + right);
             EXPECT_EQ(a, std::wstring(begin(left), end(left)));
+            EXPECT_EQ(a.c_str()[a.size() / 2], left[left.GetLength() / 2]);
             std::wostringstream out;
             out << left << L"|" << right;
             EXPECT_EQ(a + L"|" + b, out.str());

@@ -2,6 +2,7 @@
 
 #include "varek/Call.h"
 #include "varek/Post.h"
+#include "varek/Testing.h" // without a framework
 
 using std::chrono::milliseconds;
 
@@ -16,6 +17,14 @@ void Watch(int limit, const varek::Watchdog::Report& report)
     watchdog.reset(limit ? new varek::Watchdog(milliseconds(limit), report) : nullptr);
 }
 
+void ExpectError(const wchar_t* code, const Action& action)
+{
+    const varek::Recording recording;
+    varek::Post(action);
+    varek::AwaitEvents();
+    recording.Expect(varek::Error(code));
+}
+
 } // namespace
 
 FaceModule GetFaceModule()
@@ -27,5 +36,6 @@ FaceModule GetFaceModule()
             [](int delay, const Action& action) { worker.After(milliseconds(delay), action); },
             [] { worker.Start(); },
             [] { worker.Stop(); },
-            Watch};
+            Watch,
+            ExpectError};
 }

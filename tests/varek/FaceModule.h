@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/support/EngineWork.h"
+#include "varek/Host.h"
 #include "varek/Watchdog.h"
 
 /// What the module of these tests does with the face, for its host.
@@ -13,6 +14,15 @@ struct FaceModule {
     void (*StartWorker)();
     void (*StopWorker)();
     void (*Watch)(int milliseconds, const varek::Watchdog::Report& report); ///< 0: no more
+    void (*ExpectError)(const wchar_t* code, const Action& action);         ///< that it is posted
 };
 
 extern "C" __declspec(dllexport) FaceModule GetFaceModule();
+
+/// A host with these functions at hand.
+struct LoadedFace : varek::Host, FaceModule {
+    explicit LoadedFace(const varek::HostOptions& options = varek::HostOptions())
+        : Host(L"face-module.dll", options), FaceModule(Find<FaceModule()>("GetFaceModule")())
+    {
+    }
+};

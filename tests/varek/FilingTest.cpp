@@ -1,8 +1,11 @@
 // Types described once, through both back ends, across versions, and into files.
 
 #include "varek/Filing.h"
+#include "filers/MFilerTaggedPair.h"
+#include "filers/MOutFilerTaggedXml.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/Raised.h"
+#include "varek/Errors.h"
 
 #include <gtest/gtest.h>
 
@@ -152,6 +155,24 @@ TEST(Filing, WhatIsMissingIsDefaultAndTold)
     EXPECT_EQ(1, settings.rate);
     EXPECT_TRUE(varek::FromXml(varek::ToXml(settings), settings).IsComplete());
     EXPECT_EQ(2u, settings.version);
+}
+
+TEST(Filing, FailuresHaveTheFormThatTheyHaveEverywhere)
+{
+    MException chain((MError(L"Valve.Open:Stuck"))), read((MError(L"Before")));
+    chain.AddError(std::get<MError>(Filled().values));
+    MOutFilerTaggedXml document(L"ExceptionChain", nullptr);
+    MFilerTaggedPair filer(nullptr, &document);
+    MString text;
+    EXPECT_TRUE(chain.Write(filer, L"Exception") && document.GetDocumentText(&text));
+    EXPECT_TRUE(text == varek::ToXml(chain, L"ExceptionChain"));
+    EXPECT_EQ("", Missing(varek::FromXml(text, read, L"ExceptionChain")));
+    EXPECT_EQ(varek::What(chain), varek::What(read));
+    EXPECT_EQ("Exception ", Missing(varek::FromXml(L"<Settings/>", read)));
+    EXPECT_EQ("no error", varek::What(read));
+    MError error(L"Before");
+    EXPECT_EQ("Error ", Missing(varek::FromXml(L"<Settings><Error/></Settings>", error)));
+    EXPECT_TRUE(error.GetCode().IsEmpty());
 }
 
 TEST(Filing, AFileIsReplacedAsAWholeOrNotAtAll)

@@ -6,20 +6,13 @@
 #include "tests/support/DumpedRecord.h"
 #include "tests/support/LeakCheck.h"
 #include "tests/varek/FaceModule.h"
-#include "varek/Errors.h"
+#include "varek/Call.h"
+#include "varek/Post.h"
 
 #include <stdexcept>
 
 namespace
 {
-
-/// A host with the module's functions at hand.
-struct LoadedFace : varek::Host, FaceModule {
-    explicit LoadedFace(const varek::HostOptions& options = varek::HostOptions())
-        : Host(L"face-module.dll", options), FaceModule(Find<FaceModule()>("GetFaceModule")())
-    {
-    }
-};
 
 /// The size of the file in C:\Temp that the pattern fits, which is gone then; 0 when none does.
 unsigned long SizeOfAndDelete(const std::string& pattern)
@@ -107,38 +100,53 @@ TEST(Worker, WhatItsFunctionsRaiseEndsItAndIsToldToTheHost)
 
 TEST(Watchdog, TellsOnceOfWhatRunsTooLong)
 {
-    LeakCheck::Skip();
+    LeakCheck::Skip(); // the module stays
+    typedef WatchedWork::Kind Kind;
+    const std::chrono::milliseconds limit(20);
     std::atomic<int> told{0};
-    std::atomic<unsigned long> threadId{0};
-    LoadedFace face;
-    face.Watch(20, [&](const varek::Overrun& overrun) {
-        EXPECT_LE(20, overrun.running.count());
-        EXPECT_EQ(0u, overrun.dump.find("%% Reference time"));
-        EXPECT_EQ(told == 0 ? varek::WatchedWork::Call : varek::WatchedWork::Event, overrun.work);
-        threadId = overrun.threadId;
+    varek::Overrun last;
+    const varek::Watchdog watchdog(limit, [&](const varek::Overrun& overrun) {
+        last = overrun;
         ++told;
     });
-    EXPECT_EQ("varek.Watchdog:AlreadyOn", Raised([&] { face.Watch(20, nullptr); }));
-    face.Call([] {});
-    unsigned long caller = 0;
-    face.Call([&] {
-        caller = GetCurrentThreadId();
-        while (told < 1)
-            Sleep(1);
-        Sleep(60);
-    });
-    EXPECT_EQ(1, told);
-    EXPECT_EQ(caller, threadId);
-    Gate done;
-    face.Post([&] {
-        while (told < 2)
-            Sleep(1);
-        done.Open();
-    });
-    done.Pass();
-    face.Watch(0, nullptr);
-    face.Call([] { Sleep(60); });
-    EXPECT_EQ(2, told);
+    EXPECT_EQ("varek.Watchdog:AlreadyOn", Raised([&] { varek::Watchdog(limit, nullptr); }));
+    const auto execute = [](const Action& action) {
+        varek::detail::ModuleProcessor().ExecuteSynchronously(NewCommand(action));
+    };
+    const std::pair<Kind, std::function<void(const Action&)>> ways[] = {
+        {Kind::Command, [](const Action& action) { varek::Call(action); }},
+        {Kind::Command, execute},
+        {Kind::Event, [](const Action& action) { varek::Post(action); }},
+        {Kind::Event, [](const Action& action) { varek::Post(NewEvent([&] { action(); })); }}};
+    varek::Call([] {});
+    for (const auto& way : ways) {
+        const int before = told;
+        unsigned long threadId = 0;
+        Gate done;
+        const Action work = [&] {
+            threadId = GetCurrentThreadId();
+            while (told == before)
+                Sleep(1);
+            Sleep(60);
+            done.Open();
+        };
+        way.second(work);
+        done.Pass();
+        EXPECT_EQ(before + 1, told);
+        EXPECT_TRUE(way.first == last.work && threadId == last.threadId && limit <= last.running);
+        EXPECT_EQ(0u, last.dump.find("%% Reference time"));
+    }
+}
+
+TEST(Testing, RaisesWhatIsNotAsExpectedWithoutAFramework)
+{
+    LeakCheck::Skip();
+    LoadedFace face;
+    const Action fail = [] { throw std::runtime_error("posted"); };
+    EXPECT_EQ("", Raised([&] { face.ExpectError(L"StandardException", fail); }));
+    EXPECT_EQ(0u, Raised([&] {
+                      face.ExpectError(L"Other", fail);
+                  }).find("varek.Recording:NotAsExpected finding=there is no Root_error Other"));
 }
 
 TEST(HostDeathTest, ACrashIsToldAndLeavesAMinidumpAndTheRecordersText)

@@ -47,18 +47,3 @@ TEST(Post, UnderAStopEachIsRunOnceOrDestroyedUnrun)
     }
     EXPECT_EQ(1, owned.use_count());
 }
-
-TEST(Post, WithoutMemoryNothingIsPosted)
-{
-    const auto owned = std::make_shared<int>();
-    MDesyncEventScheduler scheduler(nullptr);
-    scheduler.Enable();
-    ForEachFailingAllocation(
-        AllocationFailure::Throws, [&] { varek::Post(scheduler, [owned] { ++*owned; }); },
-        [&](ShortageOutcome outcome) {
-            EXPECT_NE(ShortageOutcome::Completed, outcome);
-            EXPECT_EQ(1, owned.use_count());
-        });
-    varek::AwaitEvents(scheduler);
-    EXPECT_EQ(1, *owned);
-}

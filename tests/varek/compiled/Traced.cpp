@@ -4,24 +4,17 @@
 
 void Work();
 
-class ByLine
-{
+struct ByLine {
     VAREK_TRACED_CLASS(ByLine);
-
-public:
     void Heat(unsigned degrees);
 };
 
-class ByHand
-{
-public:
+struct ByHand {
     static const wchar_t className[];
     void Heat(unsigned degrees);
 };
 
-class Untraced
-{
-public:
+struct Untraced {
     void Heat(unsigned degrees);
 };
 
