@@ -1,13 +1,10 @@
 // What it costs to hand work to the engine's threads.
 
 #include "bench/HandWrittenExchange.h"
-#include "bench/support/Comparison.h"
+#include "bench/support/EngineParts.h"
 #include "bench/support/HeapCount.h"
 #include "bench/support/Report.h"
-#include "engine/MCommandProcessor.h"
-#include "engine/MDesyncEvent.h"
-#include "engine/MDesyncEventScheduler.h"
-#include "foundation/MException.h"
+#include "engine/MThreadSafeFifo.h"
 
 #include <memory>
 #include <new>
@@ -15,30 +12,6 @@
 
 namespace
 {
-
-class EmptyCommand : public MCommandSynchronous
-{
-public:
-    explicit EmptyCommand(const MExceptionSlot& slot) : MCommandSynchronous(slot) {}
-
-protected:
-    void Execute() override {}
-};
-
-class EmptyEvent : public MDesyncEvent
-{
-public:
-    void Fire() override {}
-};
-
-/// A scheduler without a running thread, so that nobody competes with the one who raises events.
-class IdleScheduler : public MDesyncEventScheduler
-{
-public:
-    IdleScheduler() : MDesyncEventScheduler(nullptr) {}
-
-    void Drain() { OnSchedulerEvent(); }
-};
 
 typedef std::vector<MDesyncEvent*> Events;
 
@@ -49,20 +22,15 @@ void MakeEvents(Events& events, unsigned count)
         events.push_back(new EmptyEvent);
 }
 
-void CompareCommand(MCommandProcessor& processor)
+void CompareCommand(EngineParts& parts)
 {
     HandWrittenExchange exchange;
-    const MExceptionSlot slot(std::auto_ptr<MException>(new MException));
-    const Comparison::Work execute = [&](unsigned times) {
-        for (unsigned i = 0; i < times; ++i)
-            processor.ExecuteSynchronously(
-                std::auto_ptr<MCommandSynchronous>(new EmptyCommand(slot)));
-    };
     const Comparison::Work executeByHand = [&](unsigned times) {
         for (unsigned i = 0; i < times; ++i)
             exchange.Execute();
     };
-    Comparison("empty command : exchange by hand", 20, execute, executeByHand).AtMost(1.1);
+    Comparison("empty command : exchange by hand", 20, parts.Executing(), executeByHand)
+        .AtMost(1.1);
 }
 
 void CompareEvent(IdleScheduler& scheduler)
@@ -144,22 +112,14 @@ void ShowAllocations(const char* what, std::size_t allocations)
 
 int main()
 {
-    // An exchange is as quick as its two threads are placed, which changes from run to run and hits
-    // one side only. On one processor both sides are placed alike, and nothing is lost: one of the
-    // threads always waits for the other.
-    SetProcessAffinityMask(GetCurrentProcess(), 1);
-
-    MCommandProcessor processor(nullptr, nullptr, nullptr, nullptr, 0);
-    processor.Start();
-    IdleScheduler scheduler;
+    EngineParts parts;
 
     Report::Columns("Handing over");
-    CompareCommand(processor);
-    CompareEvent(scheduler);
+    CompareCommand(parts);
+    CompareEvent(parts.scheduler);
 
     Report::Heading("Allocations in a steady state");
     ShowAllocations("queue, put and taken 1000 times", AllocationsOfQueue(1000));
-    ShowAllocations("1000 events", AllocationsOfEvents(scheduler, 1000));
-    ShowAllocations("1000 commands", AllocationsOfCommands(processor, 1000));
-    processor.Stop();
+    ShowAllocations("1000 events", AllocationsOfEvents(parts.scheduler, 1000));
+    ShowAllocations("1000 commands", AllocationsOfCommands(parts.processor, 1000));
 }

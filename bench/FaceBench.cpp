@@ -1,54 +1,21 @@
 // What the face costs above what it stands on.
 
-#include "bench/support/Comparison.h"
+#include "bench/support/EngineParts.h"
 #include "bench/support/HeapCount.h"
 #include "bench/support/Report.h"
-#include "foundation/MException.h"
 #include "varek/Call.h"
 #include "varek/Post.h"
-
-#include <windows.h>
 
 namespace
 {
 
-class EmptyCommand : public MCommandSynchronous
+void CompareCalls(EngineParts& parts)
 {
-public:
-    explicit EmptyCommand(const MExceptionSlot& slot) : MCommandSynchronous(slot) {}
-
-protected:
-    void Execute() override {}
-};
-
-class EmptyEvent final : public MDesyncEvent
-{
-public:
-    void Fire() override {}
-};
-
-/// A scheduler without a running thread, so that nobody competes with the one who raises events.
-class IdleScheduler : public MDesyncEventScheduler
-{
-public:
-    IdleScheduler() : MDesyncEventScheduler(nullptr) {}
-
-    void Drain() { OnSchedulerEvent(); }
-};
-
-void CompareCalls(MCommandProcessor& processor)
-{
-    const MExceptionSlot slot(std::auto_ptr<MException>(new MException));
     const Comparison::Work call = [&](unsigned times) {
         for (unsigned i = 0; i < times; ++i)
-            varek::Call(processor, [] {});
+            varek::Call(parts.processor, [] {});
     };
-    const Comparison::Work execute = [&](unsigned times) {
-        for (unsigned i = 0; i < times; ++i)
-            processor.ExecuteSynchronously(
-                std::auto_ptr<MCommandSynchronous>(new EmptyCommand(slot)));
-    };
-    Comparison("Call : ExecuteSynchronously", 20, call, execute).AtMost(1.05);
+    Comparison("Call : ExecuteSynchronously", 20, call, parts.Executing()).AtMost(1.05);
 }
 
 void ComparePosts(IdleScheduler& scheduler)
@@ -80,22 +47,16 @@ void ShowAllocations(const char* what, Work work)
 
 int main()
 {
-    // As told in EngineBench: on one processor both sides are placed alike.
-    SetProcessAffinityMask(GetCurrentProcess(), 1);
-
-    MCommandProcessor processor(nullptr, nullptr, nullptr, nullptr, 0);
-    processor.Start();
-    IdleScheduler scheduler;
+    EngineParts parts;
 
     Report::Columns("The face");
-    CompareCalls(processor);
-    ComparePosts(scheduler);
+    CompareCalls(parts);
+    ComparePosts(parts.scheduler);
 
     Report::Heading("Allocations");
-    ShowAllocations("a call", [&] { varek::Call(processor, [] {}); });
+    ShowAllocations("a call", [&] { varek::Call(parts.processor, [] {}); });
     ShowAllocations("a posted function", [&] {
-        varek::Post(scheduler, [] {});
-        scheduler.Drain();
+        varek::Post(parts.scheduler, [] {});
+        parts.scheduler.Drain();
     });
-    processor.Stop();
 }
