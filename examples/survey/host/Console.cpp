@@ -1,6 +1,6 @@
 #include "examples/survey/host/Console.h"
 
-#include "examples/survey/host/Utf8.h"
+#include "varek/Text.h"
 
 #include <windows.h>
 
@@ -9,7 +9,7 @@ namespace
 
 void Write(DWORD stream, const std::wstring& text)
 {
-    const std::string bytes = EncodeUtf8(text);
+    const std::string bytes = varek::ToUtf8(text);
     DWORD written = 0;
     WriteFile(GetStdHandle(stream), bytes.data(), static_cast<DWORD>(bytes.size()), &written,
               nullptr);

@@ -1,53 +1,39 @@
 #include "examples/survey/host/HostRegistry.h"
 
-#include "filers/IInFilerTaggedRegistry.h"
-#include "filers/IOutFilerTaggedRegistry.h"
-
-#include <cwchar>
+#include "varek/Filing.h"
 
 namespace
 {
 
 const wchar_t area[] = L"Survey";
-const wchar_t settingsTag[] = L"Settings";
-const wchar_t totalsTag[] = L"LastTotals";
-const wchar_t reportFileTag[] = L"ReportFile";
-const wchar_t filesTag[] = L"Files";
-const wchar_t bytesTag[] = L"Bytes";
-
-const wchar_t defaultReportFile[] = L"survey-report.xml";
 
 } // namespace
 
-std::wstring HostRegistry::GetReportPath()
+void Describe(varek::Filing& filing, HostRegistry::Settings& settings)
 {
-    IInFilerTaggedRegistry in(area, false);
-    in.BeginGroup(settingsTag);
-    MString path;
-    if (!in.ReadString(reportFileTag, path, defaultReportFile)) {
-        IOutFilerTaggedRegistry out(area);
-        out.BeginGroup(settingsTag);
-        out.WriteString(reportFileTag, path);
-    }
-    return path.c_str();
+    filing(L"ReportFile", settings.reportFile, L"survey-report.xml");
 }
 
-SurveyTotals HostRegistry::GetLastTotals()
+void Describe(varek::Filing& filing, SurveyTotals& totals)
 {
-    IInFilerTaggedRegistry in(area, false);
-    in.BeginGroup(totalsTag);
-    SurveyTotals totals = {};
-    in.ReadUInt32(filesTag, &totals.files, 0);
-    MString bytes;
-    in.ReadString(bytesTag, bytes, L"0");
-    totals.bytes = std::wcstoull(bytes.c_str(), nullptr, 10);
-    return totals;
+    filing(L"Files", totals.files, 0);
+    filing(L"Bytes", totals.bytes, 0);
 }
 
-void HostRegistry::SetLastTotals(const SurveyTotals& totals)
+void Describe(varek::Filing& filing, HostRegistry& registry)
 {
-    IOutFilerTaggedRegistry out(area);
-    out.BeginGroup(totalsTag);
-    out.WriteUInt32(filesTag, totals.files);
-    out.WriteString(bytesTag, std::to_wstring(totals.bytes).c_str());
+    filing(L"Settings", registry.settings);
+    filing(L"LastTotals", registry.lastTotals);
+}
+
+HostRegistry HostRegistry::Load()
+{
+    HostRegistry registry;
+    varek::LoadRegistry(area, registry);
+    return registry;
+}
+
+void HostRegistry::Save() const
+{
+    varek::SaveRegistry(area, *this);
 }

@@ -4,11 +4,11 @@
 #include "examples/survey/host/Console.h"
 #include "examples/survey/host/HostRegistry.h"
 #include "examples/survey/host/Options.h"
-#include "examples/survey/host/ReportFile.h"
 #include "examples/survey/module/Survey.h"
 #include "foundation/MException.h"
 #include "varek/Host.h"
 
+#include <future>
 #include <iostream>
 #include <sstream>
 
@@ -16,18 +16,23 @@ namespace
 {
 
 /// A line that names the files that could not be surveyed; nothing if all could.
-std::wstring NotSurveyed(const std::vector<SurveyResult>& results)
+std::wstring NotSurveyed(const SurveyResults& results)
 {
     std::wstring paths;
-    for (const SurveyResult& result : results)
+    for (const SurveyResult& result : results.all)
         if (result.failed)
             paths += (paths.empty() ? L"" : L", ") + result.path;
     return paths.empty() ? paths : L"not surveyed: " + paths + L"\n";
 }
 
+void PrintProgress(const std::wstring& path, std::uint32_t percent)
+{
+    Console::Print(L"  ... " + path + L" " + std::to_wstring(percent) + L" %\n");
+}
+
 } // namespace
 
-SurveyHost::SurveyHost(const Options& options) : options(options), progress(options.paths) {}
+SurveyHost::SurveyHost(const Options& options) : options(options) {}
 
 bool SurveyHost::Run()
 {
@@ -51,16 +56,16 @@ bool SurveyHost::PrintReports()
 {
     std::vector<std::wstring> paths = options.paths;
     if (paths.empty())
-        paths.push_back(HostRegistry::GetReportPath());
+        paths.push_back(HostRegistry::Load().settings.reportFile);
 
     bool complete = true;
     for (const std::wstring& path : paths) {
-        std::vector<SurveyResult> results;
-        const bool loaded = ReportFile(path).Load(results);
+        SurveyResults results;
+        const bool loaded = results.Load(path);
         complete &= loaded;
         if (!loaded)
             Console::Complain(path + L" is no survey report\n");
-        for (const SurveyResult& result : results)
+        for (const SurveyResult& result : results.all)
             Console::Print(result.Describe());
     }
     return complete;
@@ -70,42 +75,51 @@ bool SurveyHost::SurveyAll()
 {
     VAREK_TRACE();
     bool complete = true;
-    std::vector<SurveyResult> results;
-    for (std::uint32_t survey = 0; survey < options.paths.size(); ++survey) {
-        results.push_back(SurveyOne(survey));
-        complete &= !results.back().failed;
+    SurveyResults results;
+    for (const std::wstring& path : options.paths) {
+        results.all.push_back(SurveyOne(path));
+        complete &= !results.all.back().failed;
+        Console::Print(results.all.back().Describe());
     }
     Keep(results);
     return complete;
 }
 
-SurveyResult SurveyHost::SurveyOne(std::uint32_t survey)
+/// Returns when the progress of a survey that succeeded has been printed to its end.
+SurveyResult SurveyHost::SurveyOne(const std::wstring& path)
 {
     SurveyResult result;
-    result.path = options.paths[survey];
-    const MExceptionSlot outcome = SurveyFile(result.path, survey, &progress, result.report);
-
-    result.failed = outcome->GetErrorCount() != 0;
-    if (const MError* const failure = outcome->GetFailure())
-        result.failure = *failure;
-    if (!result.failed)
-        progress.AwaitCompletion();
-    Console::Print(result.Describe());
+    result.path = path;
+    const auto printed = std::make_shared<std::promise<void>>();
+    try {
+        result.report = SurveyFile(path, [path, printed](std::uint32_t percent) {
+            PrintProgress(path, percent);
+            if (percent == 100)
+                printed->set_value();
+        });
+        printed->get_future().wait();
+    } catch (MException& exception) {
+        result.failed = true;
+        if (const MError* const failure = exception.GetFailure())
+            result.failure = *failure;
+    }
     return result;
 }
 
-void SurveyHost::Keep(const std::vector<SurveyResult>& results)
+void SurveyHost::Keep(const SurveyResults& results)
 {
-    SurveyTotals totals = {};
-    for (const SurveyResult& result : results) {
+    HostRegistry registry = HostRegistry::Load();
+    const SurveyTotals last = registry.lastTotals;
+    SurveyTotals totals;
+    for (const SurveyResult& result : results.all) {
         totals.files += !result.failed;
         totals.bytes += result.report.bytes;
     }
-    const SurveyTotals last = HostRegistry::GetLastTotals();
-    HostRegistry::SetLastTotals(totals);
+    registry.lastTotals = totals;
+    registry.Save();
 
-    const std::wstring path = HostRegistry::GetReportPath();
-    const bool saved = ReportFile(path).Save(results);
+    const std::wstring& path = registry.settings.reportFile;
+    const bool saved = results.Save(path);
     std::wostringstream text;
     text << L"in all " << totals.files << L" files, " << totals.bytes << L" bytes; last time "
          << last.files << L" files, " << last.bytes << L" bytes; "

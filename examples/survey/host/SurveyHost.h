@@ -1,6 +1,5 @@
 #pragma once
 
-#include "examples/survey/host/ProgressPrinter.h"
 #include "examples/survey/host/SurveyResult.h"
 #include "varek/Trace.h"
 
@@ -24,10 +23,9 @@ public:
 private:
     bool PrintReports();
     bool SurveyAll();
-    SurveyResult SurveyOne(std::uint32_t survey);
-    void Keep(const std::vector<SurveyResult>& results);
+    SurveyResult SurveyOne(const std::wstring& path);
+    void Keep(const SurveyResults& results);
     void PrintDump();
 
     const Options& options;
-    ProgressPrinter progress;
 };

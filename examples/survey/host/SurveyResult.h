@@ -4,22 +4,31 @@
 #include "foundation/MError.h"
 
 #include <string>
+#include <vector>
 
-class IInFilerTagged;
-class IOutFilerTagged;
+namespace varek
+{
+class Filing;
+}
 
 /// What came of one file: its report, or the failure.
 struct SurveyResult {
-    std::wstring path;
-    bool failed = false;
-    SurveyReport report = {};
-    MError failure;
-
-    /// Files the result as a group, or reads the next one. False when that fails; at the end of
-    /// the results, too.
-    bool Write(IOutFilerTagged& filer) const;
-    bool Read(IInFilerTagged& filer);
-
     /// For people.
     std::wstring Describe() const;
+
+    std::wstring path;
+    bool failed = false;
+    SurveyReport report;
+    MError failure;
+};
+
+/// The results of a run, as they are kept in a file.
+struct SurveyResults {
+    /// False when the file cannot be written.
+    bool Save(const std::wstring& path) const;
+
+    /// False when the file cannot be read or is no report.
+    bool Load(const std::wstring& path);
+
+    std::vector<SurveyResult> all;
 };

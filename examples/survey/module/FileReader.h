@@ -1,5 +1,7 @@
 #pragma once
 
+#include "varek/Trace.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -9,9 +11,9 @@
 /// "path" and "winErrorCode".
 class FileReader
 {
-public:
-    static const wchar_t className[];
+    VAREK_TRACED_CLASS(FileReader);
 
+public:
     /// Raises "CannotOpen".
     explicit FileReader(const std::wstring& path);
     FileReader(const FileReader&) = delete;

@@ -1,50 +1,43 @@
 #include "examples/survey/module/Survey.h"
 
-#include "examples/survey/module/FailingThread.h"
 #include "examples/survey/module/SurveyCommand.h"
-#include "foundation/MException.h"
-#include "module/ModuleCommandProcessor.h"
+#include "varek/Call.h"
+#include "varek/Errors.h"
+#include "varek/Worker.h"
 
 namespace
 {
 
-class CrashCommand : public MCommandSynchronous
+[[noreturn]] void FailOnRequest()
 {
-public:
-    CrashCommand() : MCommandSynchronous(MExceptionSlot()) {}
-
-private:
-    void Execute() override
-    {
-        volatile int* const nowhere = nullptr;
-        *nowhere = 1;
-    }
-};
-
-void ExecuteOnEngineThread(MCommandSynchronous* command)
-{
-    std::auto_ptr<MCommandSynchronous> owned(command);
-    ModuleCommandProcessor::GetInstance().GetCommandProcessor()->ExecuteSynchronously(owned);
+    VAREK_TRACE();
+    VAREK_RAISE(L"FailedOnRequest").With(L"option", L"--fatal").Throw();
 }
 
 } // namespace
 
-MExceptionSlot SurveyFile(const std::wstring& path, std::uint32_t survey, ISurveyListener* listener,
-                          SurveyReport& report)
+SurveyReport SurveyFile(const std::wstring& path, const SurveyProgress& onProgress)
 {
-    const MExceptionSlot slot(std::auto_ptr<MException>(new MException));
-    ExecuteOnEngineThread(new SurveyCommand(slot, path, survey, listener, report));
-    return slot;
+    return varek::Call([&] { return SurveyCommand(path, onProgress).Execute(); });
 }
 
 void SurveyFatal()
 {
-    FailingThread thread(&ModuleCommandProcessor::GetInstance());
-    thread.Start();
-    thread.Stop();
+    std::promise<void> begun;
+    varek::Worker worker;
+    worker.After(std::chrono::seconds(0), [&] {
+        begun.set_value();
+        FailOnRequest();
+    });
+    worker.Start();
+    begun.get_future().wait();
+    worker.Stop();
 }
 
 void SurveyCrash()
 {
-    ExecuteOnEngineThread(new CrashCommand);
+    varek::Call([] {
+        volatile int* const nowhere = nullptr;
+        *nowhere = 1;
+    });
 }

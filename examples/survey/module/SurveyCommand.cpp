@@ -1,39 +1,26 @@
 #include "examples/survey/module/SurveyCommand.h"
 
-#include "diagnostics/ClassName.h"
-#include "diagnostics/MFlowLocation.h"
 #include "examples/survey/module/Crc32.h"
 #include "examples/survey/module/FileReader.h"
-#include "examples/survey/module/SurveyProgressEvent.h"
 #include "examples/survey/module/TextCounter.h"
 #include "examples/survey/module/XmlSurvey.h"
-#include "module/ModuleCommandProcessor.h"
-
-#include <memory>
-
-const wchar_t SurveyCommand::className[] = L"SurveyCommand";
+#include "varek/Post.h"
 
 namespace
 {
-
-const ClassName registered(SurveyCommand::className);
 
 const std::uint32_t percentStep = 25;
 
 } // namespace
 
-SurveyCommand::SurveyCommand(const MExceptionSlot& slot, const std::wstring& path,
-                             std::uint32_t survey, ISurveyListener* listener, SurveyReport& report)
-    : MCommandSynchronous(slot), path(path), survey(survey), listener(listener), report(report),
-      reportedPercent(0)
+SurveyCommand::SurveyCommand(const std::wstring& path, const SurveyProgress& onProgress)
+    : path(path), onProgress(onProgress), reportedPercent(0)
 {
 }
 
-void SurveyCommand::Execute()
+SurveyReport SurveyCommand::Execute()
 {
-    static MFlowLocation location(className, L"Execute");
-    MFlowScope scope(location.SetObject(this));
-
+    VAREK_TRACE();
     FileReader file(path);
     TextCounter counter;
     Crc32 crc;
@@ -45,19 +32,19 @@ void SurveyCommand::Execute()
         ReportProgress(file.GetPercent());
     }
     ReportProgress(100);
-    report = counter.GetReport();
+    SurveyReport report = counter.GetReport();
     report.crc32 = crc.GetValue();
     report.xml = xml.GetReport();
+    return report;
 }
 
 /// One event a quarter of the file: the engine thread goes on while it is delivered.
 void SurveyCommand::ReportProgress(std::uint32_t percent)
 {
     const std::uint32_t quarter = percent / percentStep * percentStep;
-    if (!listener || quarter <= reportedPercent)
+    if (quarter <= reportedPercent)
         return;
+    VAREK_TRACE(quarter);
     reportedPercent = quarter;
-    std::unique_ptr<SurveyProgressEvent> event(new SurveyProgressEvent(listener, survey, quarter));
-    ModuleCommandProcessor::GetInstance().GetDesyncScheduler()->ScheduleDesyncEvent(event.get());
-    event.release();
+    varek::Post([onProgress = onProgress, quarter] { onProgress(quarter); });
 }

@@ -1,28 +1,23 @@
 #pragma once
 
-#include "engine/MCommandSynchronous.h"
-#include "examples/survey/module/SurveyReport.h"
+#include "examples/survey/module/Survey.h"
+#include "varek/Trace.h"
 
-#include <string>
-
-class ISurveyListener;
-
-/// Surveys one file on the engine thread.
-class SurveyCommand : public MCommandSynchronous
+/// Surveys one file, on the engine thread.
+class SurveyCommand
 {
-public:
-    static const wchar_t className[];
+    VAREK_TRACED_CLASS(SurveyCommand);
 
-    SurveyCommand(const MExceptionSlot& slot, const std::wstring& path, std::uint32_t survey,
-                  ISurveyListener* listener, SurveyReport& report);
+public:
+    /// Both must stay.
+    SurveyCommand(const std::wstring& path, const SurveyProgress& onProgress);
+
+    SurveyReport Execute();
 
 private:
-    void Execute() override;
     void ReportProgress(std::uint32_t percent);
 
-    std::wstring path;
-    std::uint32_t survey;
-    ISurveyListener* listener;
-    SurveyReport& report;
+    const std::wstring& path;
+    const SurveyProgress& onProgress;
     std::uint32_t reportedPercent;
 };

@@ -16,7 +16,7 @@ public:
 private:
     void Count(char character);
 
-    SurveyReport counts = {};
+    SurveyReport counts;
     std::uint64_t lineLength = 0;
     bool inWord = false;
 };

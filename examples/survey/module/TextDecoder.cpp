@@ -1,6 +1,6 @@
 #include "examples/survey/module/TextDecoder.h"
 
-#include <windows.h>
+#include "varek/Text.h"
 
 namespace
 {
@@ -23,18 +23,6 @@ std::wstring DecodeUtf16(const std::string& bytes, std::size_t low, std::size_t 
     return text;
 }
 
-std::wstring DecodeUtf8(const std::string& bytes, std::size_t start)
-{
-    const char* const data = bytes.data() + start;
-    const int size = static_cast<int>(bytes.size() - start);
-    if (size == 0)
-        return std::wstring();
-    const int length = MultiByteToWideChar(CP_UTF8, 0, data, size, nullptr, 0);
-    std::wstring text(static_cast<std::size_t>(length), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, data, size, &text[0], length);
-    return text;
-}
-
 } // namespace
 
 std::wstring DecodeText(const std::string& bytes)
@@ -43,5 +31,5 @@ std::wstring DecodeText(const std::string& bytes)
         return DecodeUtf16(bytes, 0, 1);
     if (StartsWith(bytes, "\xFE\xFF"))
         return DecodeUtf16(bytes, 1, 0);
-    return DecodeUtf8(bytes, StartsWith(bytes, "\xEF\xBB\xBF") ? 3 : 0);
+    return varek::FromUtf8(bytes.substr(StartsWith(bytes, "\xEF\xBB\xBF") ? 3 : 0));
 }

@@ -46,7 +46,7 @@ void XmlSurvey::Add(const char* data, std::size_t size)
 
 XmlReport XmlSurvey::GetReport() const
 {
-    XmlReport report = {};
+    XmlReport report;
     report.isXml = verdict == Verdict::Xml;
     if (report.isXml) {
         MXmlMarkup document;
