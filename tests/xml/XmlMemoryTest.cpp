@@ -40,13 +40,11 @@ TEST(XmlMemory, FailedEditLeavesTheDocumentAsItWas)
     const std::wstring value = L"a < b, long enough to take memory";
     const std::wstring markup = L"<b>text</b><!-- a comment --><c><d e='&amp;'/></c>text";
     const std::function<bool(MXmlMarkup&)> edits[] = {
-        [](auto& it) { return it.AddElement(L"b", L"", XmlAddChild, L"a_type", L"<some text>"); },
-        [&](auto& it) { return it.AddElement(L"b", value.c_str(), XmlAddChild, L"c", L"d"); },
-        [&](auto& it) { return it.AddElement(L"b", markup.c_str(), XmlAddChild | XmlAddMarkup); },
-        [&](auto& it) { return it.SetAttribute(1, L"a", markup.c_str()); },
-        [&](auto& it) {
-            return it.EnterElement() && it.AddNode(XmlNodeComment, value.c_str(), 0);
-        }};
+        [](auto& d) { return d.AddElement(L"b", L"", XmlAddChild, L"a_type", L"<some text>"); },
+        [&](auto& d) { return d.AddElement(L"b", value.c_str(), XmlAddChild, L"c", L"d"); },
+        [&](auto& d) { return d.AddElement(L"b", markup.c_str(), XmlAddChild | XmlAddMarkup); },
+        [&](auto& d) { return d.SetAttribute(1, L"a", markup.c_str()); },
+        [&](auto& d) { return d.EnterElement() && d.AddNode(XmlNodeComment, value.c_str(), 0); }};
     for (const wchar_t* const text : {L"<a/>", L"<a></a>", L"<a><b/>\n</a>", L"<a>text</a>"})
         for (const auto& edit : edits) {
             MXmlMarkup document;

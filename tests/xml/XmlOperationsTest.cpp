@@ -114,9 +114,7 @@ TEST(XmlSavedPositions, BucketsGrowAndPurgeClosesTheGaps)
     for (std::int32_t i = 0; i < 15; ++i) {
         const MXmlSavedPosition* found = positions.Find(name(i).c_str());
         ASSERT_EQ(found == nullptr, i % 2 != 0);
-        if (found) {
-            EXPECT_TRUE(found->index == i && (found->flags & XmlSavedMain) != 0);
-        }
+        EXPECT_TRUE(!found || (found->index == i && (found->flags & XmlSavedMain) != 0));
     }
     EXPECT_EQ(positions.BucketSize(L""), 38);
 }
