@@ -1,6 +1,6 @@
 #include "fuzz/LogRules.h"
 
-#include "tests/viewer/TraceRules.h"
+#include "fuzz/TraceRules.h"
 #include "viewer/showing/text/DiffReport.h"
 #include "viewer/showing/text/RecordList.h"
 #include "viewer/showing/text/ScopeTree.h"

@@ -1,5 +1,5 @@
 #include "fuzz/XmlExhaustiveTexts.h"
-#include "tests/xml/LiteralParser.h"
+#include "fuzz/XmlLiteralParser.h"
 
 #include <cstring>
 

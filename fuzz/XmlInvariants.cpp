@@ -1,6 +1,6 @@
 #include "fuzz/XmlInvariants.h"
 
-#include "tests/xml/LiteralParser.h"
+#include "fuzz/XmlLiteralParser.h"
 
 #include <vector>
 

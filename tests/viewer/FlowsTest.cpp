@@ -1,7 +1,7 @@
 #include "viewer/model/flows/Flows.h"
 
+#include "fuzz/TraceRules.h"
 #include "tests/viewer/SampleDump.h"
-#include "tests/viewer/TraceRules.h"
 #include "viewer/model/Merging.h"
 #include "viewer/showing/text/EndReport.h"
 #include "viewer/showing/text/RecordList.h"

@@ -1,7 +1,7 @@
 // The program as a whole: what it reads, where it writes, and how it ends.
 
+#include "fuzz/TraceRules.h"
 #include "tests/viewer/SampleDump.h"
-#include "tests/viewer/TraceRules.h"
 #include "viewer/reading/TextFile.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 // The dumps of the recorder itself, read back.
 
 #include "diagnostics/KLogger.h"
+#include "fuzz/TraceRules.h"
 #include "tests/support/LeakCheck.h"
 #include "tests/viewer/SampleDump.h"
-#include "tests/viewer/TraceRules.h"
 #include "viewer/showing/text/Description.h"
 #include "viewer/showing/trace/TraceEvents.h"
 

@@ -1,7 +1,7 @@
 #include "viewer/showing/trace/TraceEvents.h"
 
+#include "fuzz/TraceRules.h"
 #include "tests/viewer/SampleDump.h"
-#include "tests/viewer/TraceRules.h"
 #include "viewer/model/records/EventKind.h"
 #include "viewer/showing/page/TimelinePage.h"
 

@@ -1,4 +1,4 @@
-#include "tests/xml/LiteralParser.h"
+#include "fuzz/XmlLiteralParser.h"
 
 #include <cwchar>
 #include <map>

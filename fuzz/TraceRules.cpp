@@ -1,4 +1,4 @@
-#include "tests/viewer/TraceRules.h"
+#include "fuzz/TraceRules.h"
 
 #include <map>
 #include <vector>
