@@ -23,7 +23,8 @@ public:
     typedef std::shared_ptr<const std::atomic<bool>> Flag;
 
     /// A new token. std::bad_alloc.
-    CancelToken() : cancelled(std::make_shared<std::atomic<bool>>(false)) {}
+    // By make_shared, GCC 12 can take `Cancel` for a write beyond the end, and warns.
+    CancelToken() : cancelled(new std::atomic<bool>(false)) {}
 
     /// Once and for all.
     void Cancel() const { *cancelled = true; }
