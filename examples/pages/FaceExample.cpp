@@ -84,6 +84,25 @@ void OpenValve(const std::wstring& path)
         .Throw();
 }
 
+#if __cplusplus >= 201703L
+struct Limits {
+    std::optional<std::vector<double>> levels; // before C++17, a std::unique_ptr
+};
+
+void Describe(varek::Filing& filing, Limits& limits)
+{
+    filing(L"Levels", limits.levels);
+}
+
+MString Refuse(std::wstring_view path)
+{
+    static MFlowLocation location(L"Valve", L"Open");
+    if (MString(L"valve") != path)
+        varek::Raise(location.SetLine(__LINE__), L"Refused").With(L"path", path).Throw();
+    return varek::ToXml(Limits());
+}
+#endif
+
 std::string Explain(const MException& exception)
 {
     std::string text;
@@ -142,6 +161,9 @@ TEST(FaceExample, DoesWhatThePagesSay)
     } catch (MException& exception) {
         EXPECT_EQ("Valve.Open:CannotOpen\nno pipe", Explain(exception));
     }
+#if __cplusplus >= 201703L
+    EXPECT_THROW(Refuse(L"pipe"), MException);
+#endif
     Settings settings;
     settings.rate = 9;
     EXPECT_EQ(9, Keep(L"face-example.xml", settings));

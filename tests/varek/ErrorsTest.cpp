@@ -24,11 +24,9 @@ struct Named {
 
 enum class Grade : unsigned char { Low = 3 };
 
-class Kettle
-{
+struct Kettle {
     VAREK_TRACED_CLASS(Kettle);
 
-public:
     Kettle() { VAREK_TRACE(); }
 
     template <class T>

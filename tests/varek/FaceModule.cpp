@@ -10,12 +10,6 @@ namespace
 {
 
 varek::Worker worker;
-std::unique_ptr<varek::Watchdog> watchdog;
-
-void Watch(int limit, const varek::Watchdog::Report& report)
-{
-    watchdog.reset(limit ? new varek::Watchdog(milliseconds(limit), report) : nullptr);
-}
 
 void ExpectError(const wchar_t* code, const Action& action)
 {
@@ -36,6 +30,6 @@ FaceModule GetFaceModule()
             [](int delay, const Action& action) { worker.After(milliseconds(delay), action); },
             [] { worker.Start(); },
             [] { worker.Stop(); },
-            Watch,
+            [] { varek::Watchdog(milliseconds(1000), nullptr); },
             ExpectError};
 }

@@ -13,8 +13,8 @@ struct FaceModule {
     void (*After)(int milliseconds, const Action& action);
     void (*StartWorker)();
     void (*StopWorker)();
-    void (*Watch)(int milliseconds, const varek::Watchdog::Report& report); ///< 0: no more
-    void (*ExpectError)(const wchar_t* code, const Action& action);         ///< that it is posted
+    void (*Watch)();                                                ///< for a moment
+    void (*ExpectError)(const wchar_t* code, const Action& action); ///< that it is posted
 };
 
 extern "C" __declspec(dllexport) FaceModule GetFaceModule();

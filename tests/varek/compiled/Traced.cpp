@@ -6,34 +6,25 @@ void Work();
 
 struct ByLine {
     VAREK_TRACED_CLASS(ByLine);
-    void Heat(unsigned degrees);
+
+    [[gnu::used]] void Heat(unsigned degrees)
+    {
+        VAREK_TRACE(degrees);
+        Work();
+    }
 };
 
+const wchar_t className[] = L"ByHand";
+
 struct ByHand {
-    static const wchar_t className[];
-    void Heat(unsigned degrees);
+    [[gnu::used]] void Heat(unsigned degrees)
+    {
+        static MFlowLocation location(className, L"Heat");
+        MFlowScope scope(location.SetObject(this), degrees);
+        Work();
+    }
 };
 
 struct Untraced {
-    void Heat(unsigned degrees);
+    [[gnu::used]] void Heat(unsigned) { Work(); }
 };
-
-void ByLine::Heat(unsigned degrees)
-{
-    VAREK_TRACE(degrees);
-    Work();
-}
-
-const wchar_t ByHand::className[] = L"ByHand";
-
-void ByHand::Heat(unsigned degrees)
-{
-    static MFlowLocation location(className, L"Heat");
-    MFlowScope scope(location.SetObject(this), degrees);
-    Work();
-}
-
-void Untraced::Heat(unsigned)
-{
-    Work();
-}
