@@ -19,6 +19,7 @@ Dump StoryOf(std::string story)
 {
     const std::pair<const char*, const char*> words[] = {
         {"call", "MCommandProcessor.ExecuteSynchronously"},
+        {"face", "varek.Call"},
         {"execute", "Command.Execute"},
         {"schedule", "MDesyncEventScheduler.ScheduleDesyncEvent"},
         {"burst", "MDesyncEventScheduler.OnSchedulerEvent"},
@@ -56,6 +57,7 @@ std::string UndismissedIn(const std::string& story)
 TEST(Flows, GoFromCallsToTheirCommandsInOrderOfArrival)
 {
     EXPECT_EQ("0>1", FlowsOf("1+call 2+execute 2-execute 1-call"));
+    EXPECT_EQ("0>1", FlowsOf("1+face 2+execute 2-execute 1-face"));
     EXPECT_EQ("0>2 1>4",
               FlowsOf("1+call 2+call 3+execute 3-execute 3+execute 3-execute 2-call 1-call"));
     // The second wakes first; a command that nobody waits for runs in front of the call's.

@@ -31,7 +31,8 @@ public:
 private:
     static Role ByName(const std::string& className, const std::string& function)
     {
-        if (className == "MCommandProcessor" && function == "ExecuteSynchronously")
+        if ((className == "MCommandProcessor" && function == "ExecuteSynchronously") ||
+            (className == "varek" && function == "Call"))
             return Role::Call;
         if (className == "MDesyncEventScheduler" && function == "ScheduleDesyncEvent")
             return Role::Schedule;
