@@ -97,10 +97,11 @@ TEST(Watchdog, TellsOnceOfWhatRunsTooLong)
     const std::chrono::milliseconds limit(20);
     std::atomic<int> told{0};
     varek::Overrun last;
-    const varek::Watchdog watchdog(limit, [&](const varek::Overrun& overrun) {
+    const auto report = [&](const varek::Overrun& overrun) {
         last = overrun;
         ++told;
-    });
+    };
+    std::unique_ptr<varek::Watchdog> watchdog(new varek::Watchdog(limit, report));
     EXPECT_EQ("varek.Watchdog:AlreadyOn", Raised([&] { varek::Watchdog(limit, nullptr); }));
     const std::function<void(const Action&)> ways[] = {
         [](const Action& action) { varek::Call(action); },
@@ -127,6 +128,9 @@ TEST(Watchdog, TellsOnceOfWhatRunsTooLong)
         EXPECT_TRUE(threadId == last.threadId && limit <= last.running);
         EXPECT_EQ(0u, last.dump.find("%% Reference time"));
     }
+    watchdog.reset();
+    varek::Call([] { Sleep(60); });
+    EXPECT_EQ(4, told);
 }
 
 TEST(Testing, RaisesWhatIsNotAsExpectedWithoutAFramework)
