@@ -2,8 +2,8 @@
 
 #include "viewer/model/scopes/Timeline.h"
 
-/// Work that one thread hands to another: a command from `ExecuteSynchronously` or a `Call` to its `Execute`,
-/// an event from `ScheduleDesyncEvent` to its `Fire`.
+/// Work that one thread hands to another: a command from `ExecuteSynchronously` or a `Call` to its
+/// `Execute`, an event from `ScheduleDesyncEvent` to its `Fire`.
 struct Flow {
     bool isCommand; ///< else it is an event
     TimelineEntry from;
