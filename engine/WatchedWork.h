@@ -20,6 +20,7 @@ public:
                                std::chrono::milliseconds running)>
         Tell;
 
+    /// Marks the calling thread, where somebody watches.
     explicit WatchedWork(Kind kind)
         : place(isWatched.load(std::memory_order_relaxed) ? Enter(kind) : -1)
     {
@@ -34,6 +35,7 @@ public:
 
     /// Has the work marked that begins from now on. False when somebody watches already.
     static bool BeginWatching();
+    /// Has no more work marked.
     static void EndWatching();
 
     /// Tells of the work that has been going on for `limit` or longer, once each. One thread.

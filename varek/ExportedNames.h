@@ -6,9 +6,9 @@ namespace varek
 /// The names under which a module exports its three functions, for those who look them up by
 /// `GetProcAddress`. `Host` does.
 struct ExportedNames {
-    const char* attachMFlowLogger;
-    const char* registerFatalErrorHandlers;
-    const char* shutdown;
+    const char* attachMFlowLogger;          ///< joins logs
+    const char* registerFatalErrorHandlers; ///< takes the callbacks
+    const char* shutdown;                   ///< ends the module's threads
 };
 
 // clang-format off
