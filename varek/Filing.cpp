@@ -172,7 +172,7 @@ void Filing::End()
         return;
     }
     const bool ended = in ? in->EndGroup() : out->EndGroup();
-    if (!ended && out && failedTag.IsEmpty())
+    if (!ended && !in && failedTag.IsEmpty())
         failedTag = std::move(tag);
 }
 
