@@ -24,6 +24,15 @@ void MXmlElementIndex::GrowRecords(std::int32_t count)
     records.Grow(count != 0 ? count : inUse + inUse / 2);
 }
 
+// What will be taken is the capacity to which `GrowRecords` comes by itself.
+void MXmlElementIndex::Foresee(std::int64_t count)
+{
+    std::int64_t capacity = records.Capacity();
+    while (capacity < count)
+        capacity += capacity / 2;
+    records.Foresee(capacity, nextFreeIndex);
+}
+
 std::int32_t MXmlElementIndex::TakeFragment(std::uint32_t level)
 {
     fragmentBegin = TakeRecord();

@@ -56,6 +56,10 @@ public:
     /// most one segment further at a time.
     void GrowRecords(std::int32_t count);
 
+    /// Takes the memory for so many records at once, though not more than one segment further; the
+    /// capacity stays. Does not fail.
+    void Foresee(std::int64_t count);
+
     /// Gives back memory for more records than `Capacity` tells.
     void Trim() { records.Trim(nextFreeIndex); }
 

@@ -30,18 +30,31 @@ void MXmlRecordStore::Grow(std::int64_t count)
     recordCapacity = static_cast<std::int32_t>(count);
 }
 
+void MXmlRecordStore::Foresee(std::int64_t capacity, std::int32_t used)
+{
+    const std::int32_t room =
+        static_cast<std::int32_t>(std::min<std::int64_t>(capacity - LastBegin(), SegmentRecords));
+    if (lastRoom < room)
+        MoveLast(room, used);
+}
+
 void MXmlRecordStore::Trim(std::int32_t used)
 {
-    const std::int32_t last = (recordCapacity - 1) >> SegmentShift;
-    const std::int32_t told = recordCapacity - last * SegmentRecords;
-    if (lastRoom <= told)
+    const std::int32_t told = recordCapacity - LastBegin();
+    if (lastRoom > told)
+        MoveLast(told, used);
+}
+
+// Stays where it is if there is no memory to move it to.
+void MXmlRecordStore::MoveLast(std::int32_t room, std::int32_t used)
+{
+    Segment moved(new (std::nothrow) MXmlElementRecord[static_cast<std::size_t>(room)]);
+    if (!moved)
         return;
-    Segment trimmed(new (std::nothrow) MXmlElementRecord[static_cast<std::size_t>(told)]);
-    if (!trimmed)
-        return;
-    std::copy_n(segments[last].get(), std::max(used - last * SegmentRecords, 0), trimmed.get());
-    segments[last] = std::move(trimmed);
-    lastRoom = told;
+    Segment& last = segments[LastBegin() >> SegmentShift];
+    std::copy_n(last.get(), std::max(used - LastBegin(), 0), moved.get());
+    last = std::move(moved);
+    lastRoom = room;
 }
 
 void MXmlRecordStore::GrowSlots(std::int32_t lastSegment)

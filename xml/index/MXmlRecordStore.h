@@ -4,9 +4,10 @@
 #include <memory>
 
 /// The element records of one document, in segments of 65,536 records (2 MiB), so that growth never
-/// copies more than one segment. Only the last segment is ever short. A short one of 4,096 records
-/// or more gets the memory of a whole one when it has to grow, so that it is copied no more; `Trim`
-/// gives back what the capacity does not tell of.
+/// copies more than one segment. Only the last segment is ever short. It may have memory for more
+/// records than the capacity tells of: as many as are foreseen, or a whole segment when one of
+/// 4,096 records or more has to grow unforeseen, so that it is copied no more. `Trim` gives that
+/// back.
 ///
 /// Growth may move the records of the last segment: keep no reference to a record across `Grow`.
 /// Records of a new place are not initialised. Not for several threads at once.
@@ -44,6 +45,11 @@ public:
     /// 32,767th segment; either way the records are as before.
     void Grow(std::int64_t count);
 
+    /// Takes the memory that it will take when the capacity has grown to that, but none for a
+    /// further segment. Keeps the first `used` records. Does not fail: without the memory it does
+    /// nothing.
+    void Foresee(std::int64_t capacity, std::int32_t used);
+
     /// Gives back memory beyond the capacity. Keeps the first `used` records. Does not fail: where
     /// there is no memory to move them to they stay.
     void Trim(std::int32_t used);
@@ -57,6 +63,9 @@ private:
 
     void GrowSlots(std::int32_t lastSegment);
     void MakeRoom(std::int32_t segment, std::int32_t used, std::int32_t wanted);
+    void MoveLast(std::int32_t room, std::int32_t used);
+    // The first record of the last segment.
+    std::int32_t LastBegin() const { return (recordCapacity - 1) & ~SegmentMask; }
 
     std::unique_ptr<Segment[]> segments;
     std::int32_t recordCapacity = 0;

@@ -10,7 +10,7 @@ MXmlElementParser::MXmlElementParser(MXmlElementIndex& elements, std::int32_t st
     : index(elements), cursor(freshCursor), finding(firstFinding), target(copy), text(cursor.text),
       textEnd(cursor.TextEnd()), copied(text), map(textEnd),
       open(text, (cursor.flags & XmlDocIgnoreCase) != 0, startRecord),
-      startLevel(index[startRecord].Level())
+      startLevel(index[startRecord].Level()), countBefore(index.Count())
 {
     finding.clear();
 }
@@ -21,11 +21,21 @@ void MXmlElementParser::Run()
         map.Draw(at);
         CopyUpTo(map.End());
         at = IndexStretch();
+        ForeseeRest(at);
     }
     CopyUpTo(textEnd);
     OnEndOfText();
     if (open[0].record == 0)
         index.NoteParsed();
+}
+
+// What is to come will be much like what was there so far, of which there must be enough to tell.
+void MXmlElementParser::ForeseeRest(const wchar_t* at)
+{
+    constexpr std::int32_t enough = 1024;
+    const std::int64_t added = index.Count() - countBefore;
+    if (added >= enough)
+        index.Foresee(countBefore + added * (textEnd - text) / (at - text));
 }
 
 void MXmlElementParser::CopyUpTo(const wchar_t* end)

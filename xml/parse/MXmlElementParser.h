@@ -29,6 +29,7 @@ private:
     // A place among those that the map tells.
     using Brackets = const wchar_t* const*;
 
+    void ForeseeRest(const wchar_t* at);
     void CopyUpTo(const wchar_t* end);
     const wchar_t* IndexStretch();
     bool MayGoOn(Brackets at) const;
@@ -74,6 +75,7 @@ private:
     MXmlNodeScan scan;
     MXmlTagMap map;
     MXmlOpenElements open;
-    std::uint32_t startLevel;
+    const std::uint32_t startLevel;
+    const std::int32_t countBefore;
     bool wellFormed = true;
 };
