@@ -166,7 +166,7 @@ inline bool MXmlElementParser::IsEndTag(Brackets at, const wchar_t* name) const
 }
 
 // Answers the bracket behind the node.
-MXmlElementParser::Brackets MXmlElementParser::TakeNode(Brackets at)
+inline MXmlElementParser::Brackets MXmlElementParser::TakeNode(Brackets at)
 {
     cursor.next = cursor.OffsetOf(*at);
     switch (ScanXmlNode(cursor, scan)) {
