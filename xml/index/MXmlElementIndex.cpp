@@ -193,7 +193,7 @@ void MXmlElementIndex::ShiftFrom(std::int32_t first, std::int32_t delta)
 // Moves that element, unless it is 0, and all behind it.
 void MXmlElementIndex::MoveFrom(std::int32_t first, std::int32_t delta)
 {
-    if (first == 0)
+    if (first == 0 || delta == 0)
         return;
     const std::int32_t end = nextFreeIndex < fragmentBegin ? nextFreeIndex : fragmentBegin;
     const std::int32_t offset = records[first].start;
