@@ -8,6 +8,6 @@ public:
     static void CompareAppends();
 
     /// Edits all over a document of 100,000 elements beside PropertyTree on the same tree, which
-    /// has no text to keep.
+    /// has no text to keep, and beside moving text and records by hand.
     static void CompareScatteredEdits();
 };

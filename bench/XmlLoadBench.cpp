@@ -5,6 +5,7 @@
 #include "bench/support/Report.h"
 #include "bench/XmlPeer.h"
 #include "xml/MXmlMarkup.h"
+#include "xml/scan/XmlRuns.h"
 
 #include <cstdio>
 
@@ -72,6 +73,16 @@ void XmlLoadBench::CompareCorpora(const std::vector<XmlCorpus>& corpora)
             CompareAgain(corpus.name, {corpus.text}, corpus.again);
         }
     }
+}
+
+void XmlLoadBench::CompareCopy(const XmlCorpus& corpus)
+{
+    const Comparison::Work copy = [&](unsigned) {
+        const wchar_t* const text = corpus.text.c_str();
+        std::wstring(text, TextLength(text));
+    };
+    const Comparison::Work loadPeer = [&](unsigned) { XmlPeer().Load(corpus.text); };
+    Comparison((corpus.name + ", a copy and no more").c_str(), 1, copy, loadPeer).Show();
 }
 
 void XmlLoadBench::CompareSmallDocuments()
