@@ -7,6 +7,15 @@ void* operator new[](std::size_t size)
     return operator new(size);
 }
 
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void operator delete[](void* block) noexcept
 {
     operator delete(block);
