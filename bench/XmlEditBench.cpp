@@ -21,6 +21,9 @@ using boost::property_tree::wptree;
 const int editCount = 10000;
 const std::size_t groupCount = 1000;
 const int valuesOfAGroup = 99;
+const std::wstring oldValue = L"int";
+const std::wstring newValue = L"a longer one";
+const std::wstring newElement = L"<Title>new</Title>\n";
 
 void Append(MXmlMarkup& document, int depth, int elements)
 {
@@ -41,7 +44,7 @@ std::wstring MakeGroups()
     for (std::size_t i = 0; i < groupCount; ++i) {
         text += L"<Group>\n";
         for (int j = 0; j < valuesOfAGroup; ++j)
-            text += L"<Count type=\"int\">" + std::to_wstring(j) + L"</Count>\n";
+            text += L"<Count type=\"" + oldValue + L"\">" + std::to_wstring(j) + L"</Count>\n";
         text += L"</Group>\n";
     }
     return text + L"</Groups>\n";
@@ -66,7 +69,7 @@ public:
     {
         const std::uint32_t elements = groupCount * (valuesOfAGroup + 1);
         document.SetAttribute(static_cast<std::int32_t>(2 + place % elements), L"type",
-                              L"a longer one");
+                              newValue.c_str());
     }
 
     void AddElement(std::uint32_t place)
@@ -98,7 +101,7 @@ public:
 
     void SetAttribute(std::uint32_t place)
     {
-        elements[place % elements.size()]->put(L"<xmlattr>.type", L"a longer one");
+        elements[place % elements.size()]->put(L"<xmlattr>.type", newValue);
     }
 
     void AddElement(std::uint32_t place)
@@ -126,14 +129,13 @@ public:
 
     void SetAttribute(std::uint32_t place)
     {
-        MakeWay(3 + place % (records.size() - 3), std::wstring(L"a longer one").size() - 3);
+        MakeWay(3 + place % (records.size() - 3), newValue.size() - oldValue.size());
     }
 
     void AddElement(std::uint32_t place)
     {
         const std::size_t group = place % (groupCount - 1);
-        MakeWay(2 + (group + 1) * (valuesOfAGroup + 1),
-                std::wstring(L"<Title>new</Title>\n").size());
+        MakeWay(2 + (group + 1) * (valuesOfAGroup + 1), newElement.size());
     }
 
 private:
