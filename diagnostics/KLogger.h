@@ -110,6 +110,10 @@ private:
     static_assert((ringCapacity & (ringCapacity - 1)) == 0,
                   "slots follow one another where the numbers begin anew, too");
 
+    // By plain stores, which another writer or a dump may meet half-way.
+    static void Fill(KLogRecord& record, std::int32_t kind, std::uint32_t param1,
+                     std::uint32_t param2, std::uint32_t classId, std::uint32_t pointId,
+                     const void* object);
     static void Insert(KLogNames& names, KLogLock& lock, std::uint64_t key, const std::string& name)
         VAREK_LOCK_RULE(locks_excluded(lock));
     static void Copy(KLogNames& from, KLogLock& fromLock, KLogNames& to, KLogLock& toLock)
@@ -157,7 +161,13 @@ inline void KLogger::AddRecord(std::int32_t kind, std::uint32_t param1, std::uin
         return;
 
     const std::uint32_t number = writeIndex.fetch_add(1, std::memory_order_relaxed) + 1;
-    KLogRecord& record = records[number % ringCapacity];
+    Fill(records[number % ringCapacity], kind, param1, param2, classId, pointId, object);
+}
+
+inline void KLogger::Fill(KLogRecord& record, std::int32_t kind, std::uint32_t param1,
+                          std::uint32_t param2, std::uint32_t classId, std::uint32_t pointId,
+                          const void* object)
+{
     LARGE_INTEGER ticks;
     QueryPerformanceCounter(&ticks);
     record.time = ticks.QuadPart;

@@ -62,7 +62,7 @@ struct Log {
             core.AddRecord(-7, i, 2, 3, 4, nullptr);
     }
 
-    KLogger core;
+    PassingCore core;
     MKLoggerAdapter adapter{&core};
 };
 

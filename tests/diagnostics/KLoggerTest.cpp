@@ -118,7 +118,7 @@ bool Returns(bool expected, std::function<void()> action)
 
 TEST(KLogger, DumpIsTheTextThatIsComposedOfItsRecordsAnotherWay)
 {
-    KLogger core, feeding;
+    PassingCore core, feeding;
     Model model;
     std::string expected;
     std::mt19937 random;
@@ -166,7 +166,7 @@ TEST(KLogger, DumpIsTheTextThatIsComposedOfItsRecordsAnotherWay)
 TEST(KLogger, HeaderTellsTheStartByBothClocks)
 {
     const __time64_t early = _time64(nullptr);
-    KLogger core;
+    PassingCore core;
     const __time64_t late = _time64(nullptr);
     Ring(core)->time = 1;
     LARGE_INTEGER now;
@@ -180,7 +180,7 @@ TEST(KLogger, HeaderTellsTheStartByBothClocks)
 
 TEST(KLogger, WrappedRingStartsAtTheOldestWhoseTimeIsReadOnceAndEndsWithTheNewest)
 {
-    KLogger core;
+    PassingCore core;
     LARGE_INTEGER second;
     QueryPerformanceFrequency(&second);
     for (std::uint32_t i = 0; i < ringSize + 3; ++i) {
@@ -204,7 +204,7 @@ TEST(KLogger, WrappedRingStartsAtTheOldestWhoseTimeIsReadOnceAndEndsWithTheNewes
 
 TEST(KLogger, DumpEndsWhereItsStreamRaisesAndThatOfANullCoreBeforeItBegins)
 {
-    KLogger core;
+    PassingCore core;
     KLogger* volatile none = nullptr;
     none->AddRecord(0, 0, 0, 0, 0, nullptr);
     none->SetIdName(1, "name");
@@ -224,7 +224,7 @@ TEST(KLogger, ANameThatFindsNoMemoryClosesItsTableToNamesAndNothingElse)
     LeakCheck::Skip(); // a thread that is ended in the middle leaves its part of the action
     const std::string name(KLogNames::blockSize, 'x');
     for (int failing = 0; failing < 5; ++failing) {
-        KLogger core, other;
+        PassingCore core, other;
         const std::function<void()> namings[] = {
             [&] { core.SetIdName(1, name); }, [&] { core.SetObjectName(&core, name); },
             [&] { core.SetThreadName(name); }, [&] { core.SetMessageName(1, name); },
@@ -243,7 +243,7 @@ TEST(KLogger, ANameThatFindsNoMemoryClosesItsTableToNamesAndNothingElse)
 
 TEST(KLogger, WritersLoseNothingToOneAnotherAndADumpBesideThemShowsWholeRecords)
 {
-    KLogger core;
+    PassingCore core;
     const std::uint32_t each = 20000;
     std::atomic<int> ready(0);
     const auto write = [&] {

@@ -36,7 +36,7 @@ struct Log {
         return kinds;
     }
 
-    KLogger core;
+    PassingCore core;
     MKLoggerAdapter adapter{&core};
     MFlowLogger logger{&adapter};
 };

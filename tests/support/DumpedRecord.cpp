@@ -1,6 +1,5 @@
 #include "tests/support/DumpedRecord.h"
 
-#include "diagnostics/KLogger.h"
 #include "diagnostics/MFlowLoggerImplementation.h"
 
 #include <sstream>

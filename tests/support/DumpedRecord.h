@@ -1,11 +1,11 @@
 #pragma once
 
+#include "diagnostics/KLogger.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
 
-class KLogger;
-struct KLogRecord;
 class MFlowLoggerImplementation;
 
 /// One record as a dump shows it.
@@ -22,6 +22,11 @@ inline KLogRecord* Ring(KLogger& core)
 {
     return *reinterpret_cast<KLogRecord**>(&core);
 }
+
+/// A core that gives its ring back, which others keep for good.
+struct PassingCore : KLogger {
+    ~PassingCore() { delete[] Ring(*this); }
+};
 
 /// The records of a dump, oldest first.
 std::vector<DumpedRecord> ReadDump(const std::string& dump);
