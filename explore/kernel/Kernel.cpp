@@ -226,6 +226,11 @@ void LeaveCriticalSection(CRITICAL_SECTION* section)
 
 void DeleteCriticalSection(CRITICAL_SECTION*) {}
 
+DWORD GetCurrentProcessId()
+{
+    return 4;
+}
+
 DWORD GetCurrentThreadId()
 {
     return CurrentThread().id;

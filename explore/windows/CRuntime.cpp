@@ -112,6 +112,11 @@ std::size_t _msize(void* block)
     return malloc_usable_size(block);
 }
 
+int _heapwalk(_HEAPINFO*)
+{
+    return 0;
+}
+
 void _ftime64(__timeb64* now)
 {
     timespec time = {};

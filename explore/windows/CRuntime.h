@@ -44,3 +44,14 @@ int _swscanf_s_l(const wchar_t* text, const wchar_t* format, _locale_t locale, .
 int _wtoi_l(const wchar_t* text, _locale_t locale);
 
 std::size_t _msize(void* block);
+
+// There is no way through the heap, and it looks empty.
+
+const int _HEAPOK = -2;
+const int _USEDENTRY = 1;
+
+struct _HEAPINFO {
+    int _useflag;
+};
+
+int _heapwalk(_HEAPINFO* block);

@@ -9,6 +9,7 @@
 typedef std::int32_t BOOL;
 typedef std::uint32_t DWORD;
 typedef std::int32_t LONG;
+typedef std::uint32_t ULONG;
 typedef LONG HRESULT;
 typedef void* HANDLE;
 typedef void* HMODULE;
@@ -26,6 +27,8 @@ const DWORD MAXIMUM_WAIT_OBJECTS = 64;
 
 const DWORD ERROR_INVALID_HANDLE = 6;
 const DWORD ERROR_INVALID_PARAMETER = 87;
+
+const HRESULT E_ACCESSDENIED = static_cast<HRESULT>(0x80070005);
 
 const DWORD SYNCHRONIZE = 0x00100000;
 
@@ -57,6 +60,7 @@ BOOL TryEnterCriticalSection(CRITICAL_SECTION* section);
 void LeaveCriticalSection(CRITICAL_SECTION* section);
 void DeleteCriticalSection(CRITICAL_SECTION* section);
 
+DWORD GetCurrentProcessId();
 DWORD GetCurrentThreadId();
 DWORD GetLastError();
 void SetLastError(DWORD error);
@@ -76,6 +80,13 @@ HMODULE GetModuleHandleW(const wchar_t* name);
 BOOL GetModuleHandleExW(DWORD flags, const wchar_t* address, HMODULE* module);
 BOOL FreeLibrary(HMODULE module);
 void* GetProcAddress(HMODULE module, const char* name);
+
+const unsigned CP_UTF8 = 65001; // the only one that is known
+
+int WideCharToMultiByte(unsigned codePage, DWORD flags, const wchar_t* text, int length,
+                        char* bytes, int size, const char* unknown, BOOL* anyUnknown);
+int MultiByteToWideChar(unsigned codePage, DWORD flags, const char* bytes, int size, wchar_t* text,
+                        int length);
 
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(-1))
 const DWORD GENERIC_WRITE = 0x40000000;
