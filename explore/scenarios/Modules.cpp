@@ -8,9 +8,17 @@
 namespace
 {
 
-void TwoThreadsComeFirst()
+void TwoThreadsMakeTheFirst()
 {
     MayLoseBlocks(); // names are kept for good
+    const auto make = [] { const Processor processor; };
+    const Caller other(make);
+    make();
+}
+
+void TwoThreadsComeFirst()
+{
+    MayLoseBlocks();
     const auto live = [] {
         Processor processor;
         processor.Start();
@@ -88,6 +96,7 @@ void CommandShutsTheModuleDown()
 std::vector<Scenario> ModuleScenarios()
 {
     return {
+        {"TwoThreadsMakeTheFirst", TwoThreadsMakeTheFirst, true},
         {"TwoThreadsComeFirst", TwoThreadsComeFirst, true},
         {"ShutdownMeetsCallers", ShutdownMeetsCallers, true},
         {"ShutdownMeetsShutdown", ShutdownMeetsShutdown, true},

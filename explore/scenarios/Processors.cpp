@@ -1,6 +1,7 @@
 // What may meet at a command processor.
 
 #include "explore/scenarios/Parts.h"
+#include "varek/Call.h"
 
 #include <windows.h>
 
@@ -146,6 +147,32 @@ void CommandStopsItsProcessor()
     Expect(told.empty() || told == "CannotStopSelf", "told " + told);
 }
 
+void DeathMeetsCalls()
+{
+    struct Deadly : MCommand {
+        void ExecuteGenericCommand() override { Raise("deadly"); }
+    };
+    Processor processor;
+    processor.Start();
+    int ran = 0;
+    const auto count = [&] { ++ran; };
+    std::future<void> later;
+    std::string waiting;
+    {
+        const Caller other([&] {
+            later = varek::CallAsync(processor, count);
+            waiting = Failure([&] { varek::Call(processor, count); });
+        });
+        processor.Queue(std::make_unique<Deadly>());
+    }
+    WaitForSingleObject(processor.GetEndedEvent(), INFINITE);
+    Expect(later.wait_for(std::chrono::seconds(0)) == std::future_status::ready, "for ever later");
+    const std::string told[] = {Failure([&] { later.get(); }), waiting};
+    for (const std::string& answer : told)
+        Expect(answer.empty() || answer == "ThreadExitedUnexpectedly", "told " + answer);
+    Expect(ran == told[0].empty() + told[1].empty(), "ran " + std::to_string(ran) + " times");
+}
+
 } // namespace
 
 std::vector<Scenario> ProcessorScenarios()
@@ -161,5 +188,6 @@ std::vector<Scenario> ProcessorScenarios()
         {"StartMeetsStart", StartMeetsStart, false},
         {"IdleMeetsStop", IdleMeetsStop, false},
         {"CommandStopsItsProcessor", CommandStopsItsProcessor, false},
+        {"DeathMeetsCalls", DeathMeetsCalls, false},
     };
 }
