@@ -122,7 +122,7 @@ int main()
 {
     const std::vector<XmlCorpus> corpora = XmlCorpora();
     XmlLoadBench::CompareCorpora(corpora);
-    XmlLoadBench::CompareCopy(corpora[1]);
+    XmlLoadBench::CompareWithCopy(corpora[1]);
     XmlLoadBench::CompareSmallDocuments();
     XmlLoadBench::ShowMemory(corpora);
     CompareWalks(corpora);
