@@ -2,8 +2,8 @@
 
 #include "diagnostics/StructuredGuard.h"
 
-#include <algorithm>
 #include <cstring>
+#include <initializer_list>
 
 #include <windows.h>
 
@@ -61,7 +61,7 @@ void RecorderBlocks::Collect()
     if (!EnumProcessModules(GetCurrentProcess(), found, sizeof images, &bytes))
         return;
     const std::uint32_t imageCount = bytes / sizeof *found;
-    for (std::uint32_t i = 0; i < std::min(imageCount, mostImages); ++i)
+    for (std::uint32_t i = 0; i < imageCount && i < mostImages; ++i)
         CollectImage(images[i]);
 }
 
