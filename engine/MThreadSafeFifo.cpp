@@ -128,8 +128,6 @@ void MThreadSafeFifo<T, A>::RemoveOldest()
 template <class T, class A>
 void MThreadSafeFifo<T, A>::GrowTo(std::int32_t newCapacity)
 {
-    if (newCapacity == capacity)
-        return;
     T* const fresh = MakeOrRaise([=] { return new T[static_cast<std::size_t>(newCapacity)]; });
     for (std::int32_t i = 0; i < count; ++i)
         fresh[i] = At(i);

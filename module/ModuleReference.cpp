@@ -11,8 +11,6 @@ const char anchor = 0; // any address inside this module
 
 void ModuleReference::Hold()
 {
-    if (module)
-        return;
     HMODULE held = nullptr;
     if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
                            reinterpret_cast<const wchar_t*>(&anchor), &held))

@@ -226,25 +226,6 @@ namespace detail
 namespace
 {
 
-/// Without anything to read.
-class NoFiler : public IInFilerTagged
-{
-public:
-    bool ReadString(const MString&, MString&, const MString&) override { return false; }
-    bool ReadChar(const MString&, char*, char) override { return false; }
-    bool ReadDouble(const MString&, double*, double) override { return false; }
-    bool ReadFloat(const MString&, float*, float) override { return false; }
-    bool ReadBool(const MString&, bool*, bool) override { return false; }
-    bool ReadByte(const MString&, unsigned char*, unsigned char) override { return false; }
-    bool ReadUInt16(const MString&, unsigned short*, unsigned short) override { return false; }
-    bool ReadInt16(const MString&, short*, short) override { return false; }
-    bool ReadUInt32(const MString&, unsigned int*, unsigned int) override { return false; }
-    bool ReadInt32(const MString&, int*, int) override { return false; }
-    bool BeginGroup(const MString&) override { return false; }
-    bool EndGroup() override { return false; }
-    bool ReadDocument(const MString&, MString&) override { return false; }
-};
-
 /// A handle of a file, closed in the end.
 class File
 {
@@ -347,7 +328,7 @@ Reading ReadXml(const MString& text, DescribeObject describe, void* object, cons
 
 Reading ReadNothing(DescribeObject describe, void* object)
 {
-    NoFiler filer;
+    MInFilerTaggedXml filer(MString(), nullptr, nullptr); // which is not open
     return ReadFrom(filer, true, describe, object);
 }
 

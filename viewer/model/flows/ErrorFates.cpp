@@ -126,8 +126,6 @@ ErrorFates::ErrorFates(const std::vector<DumpRecord>& records, const std::vector
             follower.Take(*carry);
         follower.Take(record);
     }
-    for (; carry != carries.end(); ++carry)
-        follower.Take(*carry);
     undismissed = follower.Left();
 }
 
