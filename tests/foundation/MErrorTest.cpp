@@ -76,4 +76,5 @@ TEST(MError, ParametersBecomePlainTextInOrderOfNameOfWhichTheFirstStays)
     });
     EXPECT_EQ("Unspecified error", FailureText(MException(MError())));
     EXPECT_STREQ(L"A.B:C", MError(L"A.B:C").GetMessageText().c_str());
+    EXPECT_STREQ(L"", MError(L"A.B:C").GetDetailText().c_str());
 }

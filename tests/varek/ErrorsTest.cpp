@@ -87,12 +87,13 @@ TEST(Raise, ShowsValuesOfEveryKind)
     EXPECT_EQ("Class.Function:Code a=-1 b=200 c=c d=d e=-300 f=4294967295 g=-9223372036854775808 "
               "h=18446744073709551615 hresult=80070005h i=0.10000000000000001 j=0.5 k=true l=3 "
               "m=0000000000000abch n=narrow o=wide p=standard q=own r=named s= t=fffeh "
-              "winErrorCode=5",
+              "u=0.25 v=false w= winErrorCode=5",
               Shown(static_cast<signed char>(-1), static_cast<unsigned char>(200), 'c', L'd',
                     static_cast<short>(-300), 4294967295u, LLONG_MIN, ULLONG_MAX, 0.1, 0.5f, true,
                     Grade::Low, reinterpret_cast<void*>(0xABC), "narrow", L"wide",
                     std::wstring(L"standard"), MString(L"own"), Named(),
-                    static_cast<const wchar_t*>(nullptr), varek::Hex(static_cast<short>(-2))));
+                    static_cast<const wchar_t*>(nullptr), varek::Hex(static_cast<short>(-2)), 0.25L,
+                    false, static_cast<const char*>(nullptr)));
 }
 
 TEST(Errors, OfAChainAreWalkedFoundAndToldInOneLine)
@@ -106,8 +107,9 @@ TEST(Errors, OfAChainAreWalkedFoundAndToldInOneLine)
     }
     exception.AddError(MErrorOutOfMemory());
     std::wstring codes;
-    for (const MError& error : varek::Errors(exception))
-        codes += varek::ToString(error.GetCode()) + L"|";
+    const varek::Errors errors(exception);
+    for (auto error = errors.begin(); error != errors.end();)
+        codes += varek::ToString((error++)->GetCode()) + L"|";
     EXPECT_EQ(L"Valve.Open:Stuck|Pump.Drain:RunsDry|Bare||", codes);
     EXPECT_EQ(exception.GetError(1), varek::FindError(exception, L"RunsDry"));
     EXPECT_EQ(exception.GetError(0), varek::FindError(exception, L"Valve.Open:Stuck"));
@@ -153,6 +155,10 @@ TEST(Testing, WhatIsNotAsExpectedIsToldAndLeaksAreCounted)
     recording.ExpectNone(varek::Error(L"Boils"));
     EXPECT_EQ(0u, told.find("not expected: % Root_error Boils in_class Kettle at Heat"));
     varek::Recording([&](const std::string&) { ADD_FAILURE(); }).ExpectNone(varek::Error(L"Boils"));
+
+    for (int i = 0; i < 0x20000; ++i)
+        MFlowLocation(L"Kettle", L"Heat").LogTimingPoint();
+    EXPECT_EQ("varek.Recording:Overrun", Raised([&] { recording.GetRecords(); }));
 
     const varek::Leaks leaks;
     const auto block = std::make_unique<int>();

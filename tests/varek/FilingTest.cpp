@@ -93,11 +93,21 @@ void Describe(varek::Filing& filing, Settings& settings)
     filing(L"Window", settings.window);
 }
 
+struct Untold {
+    Window window;
+};
+
+void Describe(varek::Filing& filing, Untold& untold)
+{
+    filing(L"no tag", untold.window);
+}
+
 std::string Missing(const varek::Reading& reading)
 {
     std::string all = reading.wasThere ? "" : "nothing there: ";
     for (const MString& tag : reading.missing)
         all += varek::ToUtf8(tag) + " ";
+    EXPECT_EQ(all.empty(), reading.IsComplete());
     return all;
 }
 
@@ -169,6 +179,10 @@ TEST(Filing, FailuresHaveTheFormThatTheyHaveEverywhere)
     EXPECT_EQ("", Missing(varek::FromXml(text, read, L"ExceptionChain")));
     EXPECT_EQ(varek::What(chain), varek::What(read));
     EXPECT_EQ("Exception ", Missing(varek::FromXml(L"<Settings/>", read)));
+    MError error;
+    EXPECT_EQ("", Missing(varek::FromXml(varek::ToXml(*chain.GetError(0)), error)));
+    EXPECT_TRUE(error.GetCode() == L"Valve.Open:Stuck");
+    EXPECT_EQ("varek.ToXml:CannotFile tag=no tag", Raised([] { varek::ToXml(Untold()); }));
     EXPECT_EQ("no error", varek::What(read));
 }
 
@@ -193,6 +207,8 @@ TEST(Filing, WithoutMemoryNothingIsLeftAndAFileIsReplacedAsAWholeOrNotAtAll)
     RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Varek\\FaceFilingTest");
     EXPECT_TRUE(varek::LoadXml(path, window).IsComplete());
     EXPECT_EQ(L"\x20AC", window.title);
+    std::ofstream("C:\\Temp\\face-filing-test.xml", std::ios::binary) << "\xEF\xBB\xBF" + saved;
+    EXPECT_EQ("", Missing(varek::LoadXml(path, window)));
 
     const std::string failure = Raised([&] { varek::SaveXml(L"C:\\Temp", window); });
     EXPECT_EQ(0u, failure.find("varek.SaveXml:CannotWrite path=C:\\Temp winErrorCode=")) << failure;

@@ -1,11 +1,10 @@
 // A host, and what a module does on threads of its own while it is in a host's hands.
 
 #include "varek/Host.h"
-#include "diagnostics/KLogger.h"
 #include "tests/engine/EngineFixtures.h"
-#include "tests/support/DumpedRecord.h"
 #include "tests/support/LeakCheck.h"
 #include "tests/varek/FaceModule.h"
+#include "varek/Testing.h"
 #include "varek/Varek.h"
 
 #include <stdexcept>
@@ -42,6 +41,7 @@ TEST(Host, SaysInWordsWhatDoesNotFit)
 TEST(Host, LoadsJoinsAndLetsGoOfAModuleWhoseWorkerServesHandlesAndTimersUntilThen)
 {
     LeakCheck::Skip();
+    const varek::Recording recording;
     std::atomic<int> signals{0}, ticks{0}, once{0};
     PlatformEvent event(EventReset::Automatic);
     {
@@ -66,8 +66,11 @@ TEST(Host, LoadsJoinsAndLetsGoOfAModuleWhoseWorkerServesHandlesAndTimersUntilThe
                 face.StopWorker();
             EXPECT_EQ(starts, once);
         }
-        EXPECT_NE(std::string::npos,
-                  TakeDump(*KLogger::GetModuleLogger()).find("in_class varek at Call"));
+        recording.Expect(varek::Scope(L"varek", L"Call"));
+        face.WriteLog("C:\\Temp\\face-host-test.log");
+        EXPECT_LT(1000u, SizeOfAndDelete("face-host-test.log"));
+        EXPECT_EQ("varek.Host:CannotWrite path=C:\\Temp",
+                  Raised([&] { face.WriteLog("C:\\Temp"); }));
         face.Shutdown();
         EXPECT_EQ("varek.Call:ProcessorStopped", Raised([&] { face.Call([] {}); }));
     }
@@ -131,6 +134,14 @@ TEST(Watchdog, TellsOnceOfWhatRunsTooLong)
     watchdog.reset();
     varek::Call([] { Sleep(60); });
     EXPECT_EQ(4, told);
+
+    WatchedWork::BeginWatching();
+    std::vector<std::unique_ptr<WatchedWork>> more;
+    while (more.size() < 70)
+        more.emplace_back(new WatchedWork(WatchedWork::Kind::Event));
+    WatchedWork::TellOverdue(limit - limit, [&](auto...) { ++told; });
+    WatchedWork::EndWatching();
+    EXPECT_EQ(4 + 64, told); // as many as it has places for
 }
 
 TEST(Testing, RaisesWhatIsNotAsExpectedWithoutAFramework)

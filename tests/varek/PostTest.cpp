@@ -2,12 +2,15 @@
 
 #include "varek/Post.h"
 #include "tests/engine/EngineFixtures.h"
+#include "tests/support/LeakCheck.h"
 #include "varek/Testing.h"
 
 #include <stdexcept>
 
 TEST(Post, FunctionsRunInOrderAndTheirCapturesGoWithThemWhateverTheyRaise)
 {
+    LeakCheck::Skip(); // names
+    const varek::Recording recording;
     const auto owned = std::make_shared<std::string>();
     MDesyncEventScheduler scheduler(nullptr);
     const Action endings[] = {[] {}, [] { Raise("dismissed"); },
@@ -19,6 +22,17 @@ TEST(Post, FunctionsRunInOrderAndTheirCapturesGoWithThemWhateverTheyRaise)
         });
     scheduler.Enable();
     varek::AwaitEvents(scheduler);
+    ForEachFailingAllocation(
+        AllocationFailure::Throws,
+        [&] {
+            MDesyncEventScheduler idle(nullptr);
+            varek::Post(idle, [owned] {});
+            varek::Post(idle, NewEvent([] {}));
+        },
+        [&](ShortageOutcome) { EXPECT_EQ(1, owned.use_count()); });
     EXPECT_EQ("abcd", *owned);
     EXPECT_EQ(1, owned.use_count());
+    recording.Expect(varek::Construction(L"MDesyncEventScheduler"))
+        .Before(varek::Dismissed(L"MDesyncEventScheduler", L""))
+        .Before(varek::Destruction(L"MDesyncEventScheduler"));
 }

@@ -21,7 +21,6 @@ std::string ComplaintAbout(const std::vector<std::filesystem::path>& arguments)
 
 TEST(CommandLine, TakesOptionsInAnyOrderAndTimesInSeconds)
 {
-    using Show = CommandLine::Show;
     const CommandLine line = CommandLine::Parse(
         {"--thread", "Host", "some.log", "--from", "-0.25", "--to", "1e1", "--trace", "-"});
     const RecordFilter filter = line.FilterFor({});
@@ -30,12 +29,7 @@ TEST(CommandLine, TakesOptionsInAnyOrderAndTimesInSeconds)
     EXPECT_EQ(10000000, filter.to);
     EXPECT_EQ(std::vector<std::filesystem::path>{"some.log"}, line.dumps);
     EXPECT_EQ("-", line.trace);
-    EXPECT_EQ(Show::Nothing, line.show);
-    EXPECT_EQ(Show::Nothing, CommandLine::Parse({"--html", "page.html"}).show);
-    EXPECT_EQ(Show::Diff, CommandLine::Parse({"a", "--diff", "b"}).show);
-    EXPECT_EQ(Show::Summary, CommandLine::Parse({}).show);
     EXPECT_EQ(std::vector<std::filesystem::path>{"-"}, CommandLine::Parse({}).dumps);
-    EXPECT_EQ(std::vector<std::filesystem::path>{"-"}, CommandLine::Parse({"-"}).dumps);
 }
 
 TEST(CommandLine, TakesWallClocksAsExactlyAsTheyAreWritten)

@@ -45,11 +45,6 @@ std::string Wrapped(const std::string& text, std::size_t width, bool atBlanks)
     return wrapped;
 }
 
-std::string WithCarriageReturns(const std::string& text)
-{
-    return Replaced(text, "\n", "\r\n");
-}
-
 } // namespace
 
 TEST(DumpReader, PairsTimesWithTheWallClockOverMidnightAndLeapDays)
@@ -83,10 +78,10 @@ TEST(DumpReader, ReadsWhatEditorsShellsAndMailMakeOfADump)
         std::string text;
         std::string finding;
     } cases[] = {
-        {"line ends", WithCarriageReturns(plain), ""},
+        {"line ends", Replaced(plain, "\n", "\r\n"), ""},
         {"marked UTF-8", "\xEF\xBB\xBF" + plain, ""},
         {"marked UTF-16", "\xFF\xFE" + Utf16(plain), ""},
-        {"marked UTF-16, big-endian", "\xFE\xFF" + Utf16(WithCarriageReturns(plain), true), ""},
+        {"marked UTF-16, big-endian", "\xFE\xFF" + Utf16(Replaced(plain, "\n", "\r\n"), true), ""},
         {"trimmed", Replaced(plain, "\n +", "\n"), mailed},
         {"tabs", Replaced(plain, "\n    ", "\n\t"), mailed},
         {"indented", Replaced(plain, "(^|\n)(?=.)", "$1    "), mailed},
@@ -95,9 +90,10 @@ TEST(DumpReader, ReadsWhatEditorsShellsAndMailMakeOfADump)
         {"wrapped", Wrapped(plain, 76, true), mailed},
         {"wrapped in words", Wrapped(plain, 70, false), mailed},
         {"quoted and wrapped", Replaced(Wrapped(plain, 72, true), "(^|\n)(?=.)", "$1> "), mailed},
+        {"wrapped numbers", Replaced(plain, ", 489445952, ", ",\n489445952, "), mailed},
         {"blanks at ends", Replaced(plain, "\n", "  \n"), mailed},
         {"UTF-16", Utf16(plain), guessed},
-        {"UTF-16, big-endian", Utf16(WithCarriageReturns(plain), true), guessed},
+        {"UTF-16, big-endian", Utf16(Replaced(plain, "\n", "\r\n"), true), guessed},
     };
     const Recordings wanted = RecordingsOf(plain);
     for (const auto& [what, text, finding] : cases) {
@@ -161,7 +157,7 @@ TEST(DumpReader, PutsAgesOnOneAxisWhereTheirReferenceWasOverwritten)
 // What is left are the records before the cut, and unless that is between two it is said.
 TEST(DumpReader, InventsNothingFromAnyPrefixOfADump)
 {
-    for (const std::string& text : {std::string(sampleDump), WithCarriageReturns(sampleDump)}) {
+    for (const std::string& text : {std::string(sampleDump), Replaced(sampleDump, "\n", "\r\n")}) {
         std::size_t length = std::strlen("%% Reference time: ");
         std::size_t records = 0; // before the line
         for (std::size_t begin = 0; begin < text.size(); begin = length - 1) {
@@ -185,6 +181,7 @@ TEST(DumpReader, SaysWhatIsMissingOrDamaged)
     const std::string event = RecordLines(5, EventKind::TimingPoint, "f");
     const std::string other = RecordLines(6, EventKind::ScopePush, "g");
     const std::string numbers = other.substr(other.find('\n') + 1);
+    const std::string message = RecordLines(7, EventKind::MessageSend, "f");
 
     EXPECT_THROW(ReadText(""), NotADump);
     EXPECT_THROW(ReadText("%PDF-1.4\n% some\n    1, 2\n"), NotADump);
@@ -193,18 +190,22 @@ TEST(DumpReader, SaysWhatIsMissingOrDamaged)
     EXPECT_EQ(Sentences{"The header is missing, so the wall clock is unknown."},
               ReadText(event).findings.Sentences());
 
-    const Dump mixed = ReadText(
-        "$ type dump\n" + header + "noise\n" + event.substr(0, event.find('\n') + 1) + "more\n" +
-        other + "*OUT OF BOUNDS*\n\n" + event.substr(0, 30) + "\n" + numbers +
-        RecordLines(4, EventKind::Notify, "f") + RecordLines(9, EventKind::Notify, "f", 0));
-    EXPECT_EQ(4u, mixed.records.size());
+    const Dump named = ReadText(Replaced(message, "send", "send hello"));
+    EXPECT_EQ("hello", named.names.Parameter(named.records[0]));
+
+    const Dump mixed =
+        ReadText("$ type dump\n" + header + "noise\n" + event.substr(0, event.find('\n') + 1) +
+                 "more\n" + other + "*OUT OF BOUNDS*\n\n" + event.substr(0, 30) + "\n" + numbers +
+                 RecordLines(4, EventKind::Notify, "f") + Replaced(event, "\\(0, 0", "(0, 0x") +
+                 numbers + message + RecordLines(9, EventKind::Notify, "f", 0));
+    EXPECT_EQ(7u, mixed.records.size());
     EXPECT_EQ(4, mixed.Begin());
     EXPECT_EQ((Sentences{"The recorder did not know the wall clock.",
-                         "2 records are torn: their readable lines and their numbers do not fit "
+                         "5 records are torn: their readable lines and their numbers do not fit "
                          "each other.",
                          "1 record was still being written, and has no thread.",
                          "1 record was out of bounds.",
-                         "1 record stood out of order: the ring went on while it was dumped.",
+                         "2 records stood out of order: the ring went on while it was dumped.",
                          "3 lines are not of the dump and were skipped, the first at line 1."}),
               mixed.findings.Sentences());
 }

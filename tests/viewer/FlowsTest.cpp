@@ -5,6 +5,7 @@
 #include "viewer/model/Merging.h"
 #include "viewer/showing/text/EndReport.h"
 #include "viewer/showing/text/RecordList.h"
+#include "viewer/showing/text/Summary.h"
 #include "viewer/showing/trace/TraceEvents.h"
 
 #include <gtest/gtest.h>
@@ -34,6 +35,8 @@ std::string FlowsOf(const std::string& story)
 {
     std::map<std::int64_t, std::int64_t> arrivals;
     const Recordings recordings = RecordingsOf(StoryOf(story));
+    EXPECT_EQ("",
+              BrokenTraceRule(TraceEvents::Compose(recordings), recordings[0].dump.records.size()));
     for (const Flow& flow : recordings[0].flows)
         arrivals[flow.from.begin] = flow.to.begin;
     std::string text;
@@ -57,6 +60,9 @@ std::string UndismissedIn(const std::string& story)
 TEST(Flows, GoFromCallsToTheirCommandsInOrderOfArrival)
 {
     EXPECT_EQ("0>1", FlowsOf("1+call 2+execute 2-execute 1-call"));
+    RecordFilter caller;
+    caller.thread = "1";
+    EXPECT_TRUE(RecordingsOf(StoryOf("1+call 2+execute 1-call"), caller)[0].flows.empty());
     EXPECT_EQ("0>1", FlowsOf("1+face 2+execute 2-execute 1-face"));
     EXPECT_EQ("0>2 1>4",
               FlowsOf("1+call 2+call 3+execute 3-execute 3+execute 3-execute 2-call 1-call"));
@@ -125,4 +131,12 @@ TEST(Merging, PutsDumpsOnOneAxisByTheirWallClocks)
               "     2.000000  2028-02-28 10:00:03.500  b.log: 7  Timing_point at C.late\n",
               RecordList::Compose(merged));
     EXPECT_EQ("", BrokenTraceRule(TraceEvents::Compose(merged), 2));
+    EXPECT_NE(std::string::npos, Summary::Compose(merged).find("\nb.log, 1 record\n"));
+
+    dumps.clear();
+    dumps.push_back(ReadText(lead + "Mon Feb 28 10:00:02 2028\n" + RecordLines(0, -1, "known")));
+    dumps.push_back(DumpOf("."));
+    const Recordings apart = Merging::Merge(std::move(dumps), {"a.log", "b.log"});
+    EXPECT_TRUE(apart[1].dump.findings.notMerged);
+    EXPECT_NE(std::string::npos, RecordList::Compose(apart).find("0.000000  b.log: 7  Timing"));
 }

@@ -1,6 +1,7 @@
 // Minidumps put together by hand: one recorder with five records, in each kind of list.
 
 #include "tests/viewer/SampleDump.h"
+#include "viewer/reading/minidump/AddressSpace.h"
 #include "viewer/reading/minidump/MinidumpDumps.h"
 #include "viewer/reading/TextFile.h"
 #include "viewer/showing/text/ScopeTree.h"
@@ -51,6 +52,15 @@ Thread 8
                   dump.crash->what);
         EXPECT_EQ(std::vector<std::string>(), dump.findings.Sentences());
     }
+}
+
+TEST(AddressSpace, JoinsWhatTouchesAndDropsWhatCannotBe)
+{
+    const Bytes all("abcdefgh"), front = *all.Part(0, 4), back = *all.Part(4, 4);
+    const AddressSpace memory({{0x1004, back}, {0x1000, front}, {0x1000, all}, {~0ull, all}});
+    EXPECT_EQ(1u, memory.Ranges().size());
+    EXPECT_EQ('c', memory.Read(0x1002, 6)->At<char>(0));
+    EXPECT_FALSE(memory.Read(0x1002, 7));
 }
 
 // Cut anywhere, or with any four bytes replaced, they are read or refused.

@@ -64,14 +64,14 @@ TEST_F(Program, ReadsAFileOrStandardInputAndWritesWhereItIsTold)
     EXPECT_NE(std::string::npos, Text("err").find("The end is cut off"));
 }
 
-TEST_F(Program, TellsByItsExitCodeWhatWentWrong)
+TEST_F(Program, DoesWhatItIsToldOrTellsByItsExitCodeWhatWentWrong)
 {
     TextFile::Write(folder + "none.dmp", "MDMP");
     TextFile::Write(folder + "none.log", "none");
     const struct {
         int code;
         const char* arguments;
-        const char* complaint; // among others
+        const char* said; // among others
     } cases[] = {
         {1, "no-such.log", "varek-log: no-such.log: No such file or directory\n"},
         {1, ".", "varek-log: .: Is a directory\n"},
@@ -83,12 +83,17 @@ TEST_F(Program, TellsByItsExitCodeWhatWentWrong)
         {1, "none.dmp", "does not hold a flight recorder; one that"},
         {0, "--tree --class Pumps sample.log", "varek-log: nothing passes the filters\n"},
         {2, "--nothing", "varek-log --help tells more"},
-        {0, "--help", ""},
-        {0, "--version", ""},
+        {0, "--help", "--help"},
+        {0, "--version", "varek-log "},
+        {0, "--stats --width 0 sample.log", "  Station.Serve\n"},
+        {0, "--stats --by class --format csv sample.log", "\n\"Pump\",1,0,20,20,20,20,20,0,0\n"},
+        {0, "--stats --by object --format json sample.log", R"({"name":"a (b) in_class c at d")"},
+        {0, "--diff sample.log sample.log", "\nThe same errors, as often\n"},
+        {0, "--html - sample.log", "<html"},
     };
-    for (const auto& [code, arguments, complaint] : cases) {
+    for (const auto& [code, arguments, said] : cases) {
         EXPECT_EQ(code, Run(arguments)) << arguments;
-        EXPECT_NE(std::string::npos, Text("err").find(complaint)) << Text("err");
+        EXPECT_NE(std::string::npos, (Text("out") + Text("err")).find(said)) << arguments;
     }
     EXPECT_EQ(sampleDump, Text("sample.log"));
 }

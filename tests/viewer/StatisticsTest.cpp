@@ -2,7 +2,6 @@
 
 #include "tests/viewer/SampleDump.h"
 #include "viewer/model/records/EventKind.h"
-#include "viewer/model/statistics/Comparison.h"
 #include "viewer/showing/data/StatisticsData.h"
 #include "viewer/showing/text/DiffReport.h"
 
@@ -15,6 +14,7 @@
 #include <map>
 #include <numeric>
 #include <random>
+#include <regex>
 #include <sstream>
 
 namespace
@@ -133,13 +133,14 @@ std::string StatisticsOf(const std::string& text)
 }
 
 /// Calls of f that take about so long.
-std::string CallsOf(const char* f, int count, int microseconds, std::minstd_rand& random)
+std::string CallsOf(const char* f, int count, int microseconds, std::minstd_rand& random,
+                    unsigned spread = 20)
 {
     std::string text;
     std::int64_t time = 0;
     for (int i = 0; i < count; ++i) {
         text += RecordLines(time += 10, EventKind::ScopePush, f);
-        time += microseconds + static_cast<int>(random() % 20);
+        time += microseconds + static_cast<int>(random() % spread);
         text += RecordLines(time, EventKind::ScopePop, f);
     }
     return text;
@@ -176,24 +177,36 @@ TEST(ScopeStatistics, EqualWhatTheRawNumbersSayOfWrappedAndTornDumps)
     }
 }
 
+TEST(ScopeStatistics, SortByAnyColumnTheLargestFirst)
+{
+    const Recordings recordings = RecordingsOf(
+        DumpOfPlaces("1+MCommandProcessor.ExecuteSynchronously 2+B.f 2-B.f 3+Z.Execute "
+                     "3.Z.f 3-Z.Execute 3+Z.Execute 3-Z.Execute"));
+    auto rows = ScopeStatistics::Of(recordings, ScopeStatistics::By::Function);
+    for (const std::string& column : ScopeStatistics::SortColumns()) {
+        ScopeStatistics::Sort(rows, column);
+        EXPECT_EQ(column == "name" ? "B.f" : "Z.Execute", rows[0].name) << column;
+    }
+    EXPECT_EQ("no object", ScopeStatistics::Of(recordings, ScopeStatistics::By::Object)[0].name);
+}
+
 TEST(Comparison, TellsWhatIsSlowerFromNoise)
 {
     std::minstd_rand random(1);
     const std::string before = CallsOf("same", 200, 100, random) +
-                               CallsOf("slow", 200, 100, random) + CallsOf("old", 3, 5, random);
+                               CallsOf("slow", 200, 100, random) + CallsOf("old", 3, 5, random) +
+                               CallsOf("few", 7, 5, random) + CallsOf("even", 20, 5, random, 1) +
+                               RecordLines(0, EventKind::RootError, "old");
     const std::string after = CallsOf("same", 220, 100, random) +
-                              CallsOf("slow", 210, 120, random) +
+                              CallsOf("slow", 210, 120, random) + CallsOf("new", 3, 5, random) +
+                              CallsOf("few", 8, 5, random) + CallsOf("even", 20, 5, random, 1) +
                               RecordLines(0, EventKind::RootError, "slow");
-    const auto rows =
-        Comparison::Of(ScopeStatistics::Of(RecordingsOf(before), ScopeStatistics::By::Function),
-                       ScopeStatistics::Of(RecordingsOf(after), ScopeStatistics::By::Function));
-    std::map<std::string, Comparison::Verdict> verdicts;
-    for (const Comparison::Row& row : rows)
-        verdicts[row.name] = row.verdict;
-    EXPECT_EQ(Comparison::Verdict::Slower, verdicts["C.slow"]);
-    EXPECT_EQ(Comparison::Verdict::Gone, verdicts["C.old"]);
-    EXPECT_TRUE(verdicts["C.same"] == Comparison::Verdict::Noise ||
-                verdicts["C.same"] == Comparison::Verdict::Same);
     const std::string report = DiffReport::Compose(RecordingsOf(before), RecordingsOf(after));
-    EXPECT_NE(std::string::npos, report.find("new  no code at C.slow")) << report;
+    for (const char* told :
+         {"   new  no code at C.slow\n", "  gone  no code at C.old\n", "  gone  C.old\n",
+          "  new  C.new\n", "  too few  C.few\n", "  same  C.even\n"})
+        EXPECT_NE(std::string::npos, report.find(told)) << told << report;
+    EXPECT_TRUE(
+        std::regex_search(report, std::regex("\\+\\d+ %  C.slow\n(.|\n)*(noise|same)  C.same\n")))
+        << report;
 }

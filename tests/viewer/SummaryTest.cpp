@@ -55,6 +55,23 @@ TEST(Summary, OfWhatPassesAFilterAndWithFindings)
         EXPECT_NE(std::string::npos, summary.find(told)) << told << summary;
 }
 
+TEST(Summary, SaysHowMuchMoreThereIs)
+{
+    std::string story;
+    for (const char thread : std::string("ABCDEFGHIJKLMN"))
+        for (const char* what : {"+f", "!f", "-f"}) // those in small letters have left it
+            story += {static_cast<char>(thread + (*what == '-' ? 32 : 0)), what[0], what[1], thread,
+                      ' '};
+    for (int deep = 0; deep < 42; ++deep)
+        story += "A+deep ";
+    const Recordings recordings = RecordingsOf(DumpOfPlaces(story));
+    const std::string told = Summary::Compose(recordings) + ScopeTree::Compose(recordings);
+    for (const char* more : {" and 2 threads more in scopes; --tree", "in 31 scopes more, and\n",
+                             "59, 60 and 2 more\n", ", the latest of 14\n", " and 2 more; --list",
+                             " and 7 more; --stats", " [42] C.deep"})
+        EXPECT_NE(std::string::npos, told.find(more)) << more << told;
+}
+
 TEST(ScopeTree, SaysWhichEndsAreLost)
 {
     EXPECT_EQ(R"(Thread 7
