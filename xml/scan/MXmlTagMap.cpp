@@ -46,6 +46,8 @@ inline const wchar_t** MXmlTagMap::TakeOut(const wchar_t* at, std::uint64_t bits
                                            const wchar_t** out)
 {
     constexpr std::uint64_t guard = std::uint64_t(1) << 63;
+    if (bits == 0)
+        return out;
     const wchar_t** const behind = out + XmlBlocks::Count(bits);
     do {
         for (int i = 0; i < Together; ++i) {
