@@ -16,11 +16,12 @@
 namespace
 {
 
+// Those that do everything for the first time stand in front, while nothing has been done.
 std::vector<Scenario> AllScenarios()
 {
     std::vector<Scenario> all;
     for (const auto& some :
-         {ProcessorScenarios(), SchedulerScenarios(), RecorderScenarios(), ModuleScenarios()})
+         {ModuleScenarios(), ProcessorScenarios(), SchedulerScenarios(), RecorderScenarios()})
         all.insert(all.end(), some.begin(), some.end());
     return all;
 }
