@@ -94,6 +94,26 @@ TEST(Worker, WhatItsFunctionsRaiseEndsItAndIsToldToTheHost)
     face.StopWorker();
 }
 
+TEST(Worker, WhatEndsItIsShownWhereTheHostDoesNotListen)
+{
+    LeakCheck::Skip();
+    testing::internal::CaptureStderr();
+    {
+        LoadedFace face;
+        PlatformEvent over(EventReset::Manual);
+        face.After(1, [&] {
+            SetEvent(over);
+            throw std::runtime_error(std::string(2000, 'e') + " end");
+        });
+        face.StartWorker();
+        WaitForSingleObject(over, INFINITE);
+        face.StopWorker();
+    }
+    const std::string shown = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(0u, shown.find("a thread of face-module.dll has ended: <"));
+    EXPECT_NE(std::string::npos, shown.find("eee end"));
+}
+
 TEST(Watchdog, TellsOnceOfWhatRunsTooLong)
 {
     LeakCheck::Skip(); // the module stays

@@ -1,8 +1,10 @@
 // Minidumps put together by hand: one recorder with five records, in each kind of list.
 
 #include "tests/viewer/SampleDump.h"
+#include "viewer/model/records/EventKind.h"
 #include "viewer/reading/minidump/AddressSpace.h"
 #include "viewer/reading/minidump/MinidumpDumps.h"
+#include "viewer/reading/minidump/RecorderNames.h"
 #include "viewer/reading/TextFile.h"
 #include "viewer/showing/text/ScopeTree.h"
 #include "viewer/showing/text/Summary.h"
@@ -61,6 +63,28 @@ TEST(AddressSpace, JoinsWhatTouchesAndDropsWhatCannotBe)
     EXPECT_EQ(1u, memory.Ranges().size());
     EXPECT_EQ('c', memory.Read(0x1002, 6)->At<char>(0));
     EXPECT_FALSE(memory.Read(0x1002, 7));
+}
+
+// The number of an id that is named by a literal is where that lies, as far as 32 bits tell.
+TEST(RecorderNames, AreReadFromAModulesLiteralsWhereOthersAreMissing)
+{
+    const std::uint64_t module = 0x7FF680000000;
+    const std::string nowhere(8, '\x10');
+    const std::string literals("P\0u\0m\0p\0\0\0P\0\a\0\0\0P\0u\0", 20);
+    const AddressSpace memory({{module + 0x100, Bytes(literals)}});
+    const std::vector<MinidumpFile::Module> modules = {{module, 0x1000, "pump.exe"}};
+    RecorderLayout layout = {};
+    layout.nameText = 24;
+    RecorderNames names(layout, Bytes(nowhere), memory, modules);
+    const std::pair<std::uint32_t, const char*> offsets[] = {
+        {0x100, "Pump"}, {0x10A, ""}, {0x110, ""}, {0x900, ""}, {0x1100, ""}};
+    for (const auto& [offset, name] : offsets) {
+        DumpRecord record = {};
+        record.kind = EventKind::MessageSend;
+        record.classId = static_cast<std::int32_t>(module + offset);
+        EXPECT_EQ(name, names.Of(record).className) << offset;
+        EXPECT_EQ("", names.Of(record).parameter);
+    }
 }
 
 // Cut anywhere, or with any four bytes replaced, they are read or refused.
