@@ -5,9 +5,10 @@
 #include "diagnostics/StructuredGuard.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/DumpedRecord.h"
+#include "tests/support/FailingCalls.h"
 #include "tests/support/LeakCheck.h"
-#include "tests/support/ProcessHandles.h"
 
+#include <cstring>
 #include <fstream>
 #include <functional>
 #include <set>
@@ -17,6 +18,7 @@
 #include <windows.h>
 
 #include <dbghelp.h>
+#include <psapi.h>
 
 namespace
 {
@@ -66,14 +68,46 @@ struct Log {
     MKLoggerAdapter adapter{&core};
 };
 
+const char createFile[] = "CreateFileW";
+const char loadLibrary[] = "LoadLibraryW";
+const char getProcAddress[] = "GetProcAddress";
+const char listModules[] = "K32EnumProcessModules";
+
+/// All names are of one moment.
+void StandStill(SYSTEMTIME* time)
+{
+    static SYSTEMTIME first;
+    if (first.wYear == 0)
+        GetSystemTime(&first);
+    *time = first;
+    time->wMilliseconds = 42;
+}
+
+INT_PTR WriteNothing()
+{
+    return FALSE;
+}
+
+/// What writes minidumps may fail as well.
+FARPROC Find(HMODULE library, const char* name)
+{
+    const auto found = CallOrFail<getProcAddress, 0, FARPROC>(library, name);
+    const bool fails = std::strcmp(name, "MiniDumpWriteDump") == 0 && IsCallToFail(name);
+    return fails ? WriteNothing : found;
+}
+
 } // namespace
 
-// The import slot through which files ask for the time in their names.
+// The slots of what dumps ask the system for.
 extern "C" {
-decltype(&GetLocalTime) __imp_GetLocalTime = [](SYSTEMTIME* time) {
-    GetSystemTime(time);
-    time->wMilliseconds = 42;
-};
+decltype(&GetLocalTime) __imp_GetLocalTime = StandStill;
+decltype(&CreateFileW) __imp_CreateFileW = CallOrFail<createFile, -1>;
+decltype(&LoadLibraryW) __imp_LoadLibraryW = CallOrFail<loadLibrary, 0>;
+decltype(&GetProcAddress) __imp_GetProcAddress = Find;
+BOOL WINAPI EnumProcessModules(HANDLE process, HMODULE* found, DWORD size, DWORD* bytes)
+{
+    return CallOrFail<listModules, FALSE, BOOL>(process, found, size, bytes);
+}
 }
 
 TEST(DumpToFile, ReplacesTheFileByLinesOfItsPlatformAndAnswersFalseWhereItCannot)
@@ -135,12 +169,26 @@ TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
     }
     DumpPath path(prefix);
     std::set<std::wstring> paths;
-    for (int i = 0; i < 50; ++i, paths.insert(path.Get())) // several in a millisecond
+    for (int i = 0; i < 100; ++i, paths.insert(path.Get())) // all in a millisecond
         CloseHandle(path.MakeFile(L".log"));
-    EXPECT_EQ(50u, paths.size());
+    EXPECT_EQ(100u, paths.size());
+    EXPECT_EQ(INVALID_HANDLE_VALUE, path.MakeFile(L".log"));
     for (const std::wstring& made : paths)
         EXPECT_TRUE(DeleteFileW(made.c_str()));
     EXPECT_FALSE(nowhere.WriteText() || nowhere.WriteMinidump(nullptr));
+}
+
+TEST(CrashDump, LeavesNoMinidumpWhenTheSystemRefusesAnythingButItsListOfModules)
+{
+    const auto write = [] {
+        CrashDump crashDump(prefix);
+        const bool written = crashDump.WriteMinidump(nullptr);
+        EXPECT_EQ(written, DeleteFileW(crashDump.GetPath()) != FALSE);
+        return written;
+    };
+    ForEachFailingCall(write, [](const std::string& failed, bool written) {
+        EXPECT_EQ(failed == listModules, written);
+    });
 }
 
 // That it can be read by what it says of itself, its reader's tests see.

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "tests/support/ProcessHandles.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include <windows.h>
+
+// A test executable can bring import slots of its own for functions of the system, through which
+// go the calls of all that is linked into it, and make each of these calls fail in turn. A slot is
+// an object like this one, where FALSE is what the call answers when it fails:
+//
+//     const char writeFile[] = "WriteFile";
+//     extern "C" decltype(&WriteFile) __imp_WriteFile = CallOrFail<writeFile, FALSE>;
+//
+// What its header does not declare as imported has no slot, and is defined as a function instead.
+
+/// What failed calls leave behind as the last error.
+const DWORD failedCallError = ERROR_NOT_SUPPORTED;
+
+/// Makes the `nth` call of the calling thread through any slot fail, 1 being the next. One at a
+/// time in the process.
+void ArmFailingCall(int nth);
+
+/// Lets all further calls through. The function whose call has failed; null when none has.
+const char* DisarmFailingCall();
+
+/// Whether this call, through the slot of `name`, is the one to fail.
+bool IsCallToFail(const char* name);
+
+/// The system's own function, of kernel32 or the C run time. No slot leads elsewhere.
+void* FindSystemFunction(const char* name);
+
+/// A call that answers `refusal` if it is to fail, and what the system's own function answers
+/// otherwise.
+template <const char* name, std::intptr_t refusal, class Result, class... Arguments>
+Result CallOrFail(Arguments... arguments)
+{
+    const auto function = reinterpret_cast<Result (*)(Arguments...)>(FindSystemFunction(name));
+    return IsCallToFail(name) ? Result(refusal) : function(arguments...);
+}
+
+/// Runs `operation` as a whole, and then with its first, second, third ... call failing until it
+/// makes no more. After each run that met the failure `check` is told the name of the function and
+/// what the operation has returned, and no handle may be open that was not before.
+template <class Operation, class Check>
+void ForEachFailingCall(Operation operation, Check check)
+{
+    operation(); // what is made at the first use is kept
+    for (int nth = 1; nth < 1000; ++nth) {
+        const ExpectSameHandles handles;
+        ArmFailingCall(nth);
+        const auto outcome = operation();
+        const char* const failed = DisarmFailingCall();
+        if (!failed)
+            return;
+        SCOPED_TRACE(std::string(failed) + " failed, call " + std::to_string(nth));
+        check(std::string(failed), outcome);
+    }
+    ADD_FAILURE() << "the operation never completes";
+}
