@@ -2,12 +2,12 @@
 
 #include "xml/MXmlMarkup.h"
 
-bool StartFiledDocument(MXmlMarkup& document, const wchar_t* rootTag)
+void StartFiledDocument(MXmlMarkup& document, const wchar_t* rootTag)
 {
-    return document.AddNode(XmlNodeInstruction, L"xml", 0) &&
-           document.SetAttribute(document.GetMainIndex(), L"version", L"1.0") &&
-           document.SetAttribute(document.GetMainIndex(), L"encoding", L"UTF-8") &&
-           document.AddElement(rootTag, nullptr, 0);
+    document.AddNode(XmlNodeInstruction, L"xml", 0);
+    document.SetAttribute(document.GetMainIndex(), L"version", L"1.0");
+    document.SetAttribute(document.GetMainIndex(), L"encoding", L"UTF-8");
+    document.AddElement(rootTag, nullptr, 0);
 }
 
 bool LeaveGroup(MXmlMarkup* document)

@@ -19,7 +19,7 @@ const wchar_t valueFamilyAttribute[] = L"type";
 
 /// Writes the declaration and the root element of a filed document into an empty one, and moves to
 /// the root.
-bool StartFiledDocument(MXmlMarkup& document, const wchar_t* rootTag);
+void StartFiledDocument(MXmlMarkup& document, const wchar_t* rootTag);
 
 /// Leaves a group; false without a document, and at the top.
 bool LeaveGroup(MXmlMarkup* document);

@@ -24,16 +24,20 @@ bool WriteText(MFilerTaggedPair& filer, const MString& tag, const wchar_t* kind,
 {
     MOutFilerTaggedXml document(rootTag, nullptr);
     MFilerTaggedPair writer(nullptr, &document);
+    if (!InGroup(writer, kind, body))
+        return false;
     MString text;
-    return InGroup(writer, kind, body) && document.GetDocumentText(&text) &&
-           filer.WriteString(tag, text);
+    document.GetDocumentText(&text);
+    return filer.WriteString(tag, text);
 }
 
 bool ReadText(MFilerTaggedPair& filer, const MString& tag, const wchar_t* kind,
               const FiledBody& body)
 {
     MString text;
-    return filer.ReadString(tag, text, MString()) && ReadObject(text, kind, body);
+    if (!filer.ReadString(tag, text, MString()))
+        return false;
+    return ReadObject(text, kind, body);
 }
 
 } // namespace

@@ -161,7 +161,7 @@ bool IInFilerTaggedRegistry::ScanNumber(const MString& tag, const wchar_t* forma
         return false;
     *result = defaultValue;
     MString text;
-    if (!ReadString(tag, text, MString()) || text.IsEmpty())
+    if (!ReadString(tag, text, MString()))
         return false;
     T scanned = 0;
     if (_swscanf_s_l(text.c_str(), format, locale.GetCLocale(), &scanned) != 1)

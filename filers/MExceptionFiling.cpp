@@ -50,16 +50,13 @@ bool MException::ReadErrors(MFilerTaggedPair& filer, const MException&)
     }
 }
 
-// A text that is no filed chain is dropped.
+// Into a chain that is empty. A text that is no filed chain is dropped.
 void MException::Unfold(const MString& chainText)
 {
     MException filed;
     const bool isChain = ReadObject(chainText, exceptionKind, [&](MFilerTaggedPair& from) {
         return filed.ReadErrors(from, filed);
     });
-    if (!isChain || !filed.chain)
-        return;
-    for (const std::unique_ptr<MError>& error : *filed.chain)
-        if (error)
-            AddError(*error);
+    if (isChain)
+        TakeFrom(filed);
 }

@@ -90,7 +90,9 @@ bool MInFilerTaggedXml::ReadInt32(const MString& tag, int* result, int defaultVa
 
 bool MInFilerTaggedXml::BeginGroup(const MString& tag)
 {
-    return FindGroup(tag) && document->EnterElement();
+    if (!FindGroup(tag))
+        return false;
+    return document->EnterElement();
 }
 
 bool MInFilerTaggedXml::EndGroup()
@@ -105,8 +107,8 @@ bool MInFilerTaggedXml::ReadDocument(const MString& tag, MString& result)
         return false;
     const std::wstring content = document->GetInnerMarkup(document->GetMainIndex());
     MXmlMarkup embedded;
-    if (!StartFiledDocument(embedded, embeddedRootTag) ||
-        !embedded.ReplaceInnerMarkup(content.c_str())) {
+    StartFiledDocument(embedded, embeddedRootTag);
+    if (!embedded.ReplaceInnerMarkup(content.c_str())) {
         document->RestorePosition(lookAhead);
         return false;
     }
@@ -132,8 +134,9 @@ bool MInFilerTaggedXml::FindValue(const MString& tag, const wchar_t* family, MSt
 
 bool MInFilerTaggedXml::IsValue(const MString& tag, const wchar_t* family) const
 {
-    return document->GetCurrentName() == tag.c_str() &&
-           document->GetAttribute(document->GetMainIndex(), valueFamilyAttribute) == family;
+    if (document->GetCurrentName() != tag.c_str())
+        return false;
+    return document->GetAttribute(document->GetMainIndex(), valueFamilyAttribute) == family;
 }
 
 /// Goes to the next element of that tag that is no value.

@@ -28,23 +28,17 @@ std::wstring ScientificText(double value, int precision)
     return std::wstring(text, text + length);
 }
 
-bool StartDocument(MXmlMarkup& document, const wchar_t* rootTag, const wchar_t* nameSpace)
-{
-    if (!IsXmlName(rootTag) || !StartFiledDocument(document, rootTag))
-        return false;
-    const bool named = nameSpace && *nameSpace;
-    if (named && !document.SetAttribute(document.GetMainIndex(), L"xmlns", nameSpace))
-        return false;
-    return document.EnterElement();
-}
-
 } // namespace
 
 MOutFilerTaggedXml::MOutFilerTaggedXml(const wchar_t* rootTag, const wchar_t* nameSpace)
-    : document(new MXmlMarkup)
 {
-    if (!StartDocument(*document, rootTag, nameSpace))
-        document.reset();
+    if (!IsXmlName(rootTag))
+        return;
+    document.reset(new MXmlMarkup);
+    StartFiledDocument(*document, rootTag);
+    if (nameSpace && *nameSpace)
+        document->SetAttribute(document->GetMainIndex(), L"xmlns", nameSpace);
+    document->EnterElement();
 }
 
 MOutFilerTaggedXml::~MOutFilerTaggedXml() = default;
@@ -105,7 +99,10 @@ bool MOutFilerTaggedXml::WriteInt32(const MString& tag, int value)
 
 bool MOutFilerTaggedXml::BeginGroup(const MString& tag)
 {
-    return Takes(tag) && document->AddElement(tag.c_str(), nullptr, 0) && document->EnterElement();
+    if (!Takes(tag))
+        return false;
+    document->AddElement(tag.c_str(), nullptr, 0);
+    return document->EnterElement();
 }
 
 bool MOutFilerTaggedXml::EndGroup()
@@ -116,8 +113,9 @@ bool MOutFilerTaggedXml::EndGroup()
 bool MOutFilerTaggedXml::WriteDocument(const MString& tag, const MString& text)
 {
     MXmlMarkup embedded;
-    if (!Takes(tag) || !embedded.LoadText(text.c_str()) || !embedded.FindElement())
+    if (!Takes(tag) || !embedded.LoadText(text.c_str()))
         return false;
+    embedded.FindElement();
     const std::wstring content = embedded.GetInnerMarkup(embedded.GetMainIndex());
     return document->AddElement(tag.c_str(), content.c_str(), XmlAddMarkup);
 }
@@ -142,7 +140,9 @@ bool MOutFilerTaggedXml::WriteStreamed(const MString& tag, const wchar_t* family
 
 bool MOutFilerTaggedXml::WriteText(const MString& tag, const wchar_t* family, const wchar_t* text)
 {
-    return Takes(tag) && document->AddElement(tag.c_str(), text, 0, valueFamilyAttribute, family);
+    if (!Takes(tag))
+        return false;
+    return document->AddElement(tag.c_str(), text, 0, valueFamilyAttribute, family);
 }
 
 /// Another tag would make a document that nobody can read.

@@ -69,7 +69,9 @@ bool RegistryPlace::EndGroup()
 RegistryKey RegistryPlace::OpenForWriting()
 {
     const RegistryKey area = OpenOrCreateArea();
-    return area ? Create(area.get(), GroupPath().c_str(), forWriting) : nullptr;
+    if (!area)
+        return nullptr;
+    return Create(area.get(), GroupPath().c_str(), forWriting);
 }
 
 RegistryKey RegistryPlace::OpenOrCreateForReading()
@@ -81,7 +83,9 @@ RegistryKey RegistryPlace::OpenOrCreateForReading()
 RegistryKey RegistryPlace::OpenForReading()
 {
     const RegistryKey area = OpenArea();
-    return area ? Open(area.get(), GroupPath().c_str(), forReading) : nullptr;
+    if (!area)
+        return nullptr;
+    return Open(area.get(), GroupPath().c_str(), forReading);
 }
 
 RegistryKey RegistryPlace::OpenArea() const

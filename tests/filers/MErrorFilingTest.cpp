@@ -14,12 +14,17 @@
 namespace
 {
 
-/// An error that carries a filed chain.
+/// An error that carries a filed chain, and refuses to be filed itself.
 struct CarryingError : MError {
     explicit CarryingError(const MString& text) : MError(L"Carrier"), text(text) {}
     MString GetChainText() const override { return text; }
     MDynObject* Clone() const override { return new CarryingError(*this); }
+    bool Write(MFilerTaggedPair&, const MString&) const override { return false; }
     MString text;
+};
+
+struct UnclonableError : MError {
+    MDynObject* Clone() const override { return nullptr; }
 };
 
 MException MakeException()
@@ -28,6 +33,7 @@ MException MakeException()
     error.AddParameter(L"status", 258u, false);
     error.AddParameter(L"Z", MString(L"<&>"));
     MException exception(error);
+    exception.AddError(UnclonableError()); // a null entry, which is not filed
     exception.AddError(MErrorOutOfMemory());
     return exception;
 }
@@ -83,6 +89,8 @@ TEST(ErrorFiling, CarriedChainUnfoldsInFrontOfItsCarrierAsFarAsItCanBeRead)
                                L"<Parameter><Name type='string'>n</Name>"
                                L"<Value type='string'>v</Value></Parameter><Parameter>";
     const std::wstring end = L"</Parameter></Error></Exception></ExceptionChain>";
+    MException gone;
+    MException().TakeFrom(gone);
     const std::wstring again = L"<Name type='string'>n</Name><Value type='string'>w</Value>";
     const struct {
         std::wstring text;
@@ -90,6 +98,8 @@ TEST(ErrorFiling, CarriedChainUnfoldsInFrontOfItsCarrierAsFarAsItCanBeRead)
     } cases[] = {
         {Filed(MakeException()).c_str(), "Pump.Drain:Blocked Z=<&> status=258;Unspecified error;"},
         {Filed(MException()).c_str(), ""},
+        {Filed(gone).c_str(), ""},
+        {L"<ExceptionChain><Exception><Error/></Exception></ExceptionChain>", ""},
         {L"<Chain><Exception><Error><Code type='string'/></Error></Exception></Chain>", ""},
         {L"<ExceptionChain><Error><Code type='string'/></Error></ExceptionChain>", ""},
         {start + L"<Value type='string'>w</Value>" + end, "c n=v;"},
@@ -143,6 +153,9 @@ TEST(ErrorFiling, RegistryKeepsAChainOrAnErrorAsOneText)
     EXPECT_STREQ(Filed(exception).c_str(), text.c_str());
 
     EXPECT_FALSE(chain.Read(filer, L"error", chain) || error.Read(filer, name, error));
+    EXPECT_FALSE(chain.Read(filer, L"nothing", chain) ||
+                 MException(CarryingError(L"")).Write(filer, name) ||
+                 exception.Write(filer, std::wstring(20000, L'n').c_str())); // a name too long
     EXPECT_FALSE(chain.WriteErrors(filer) || chain.ReadErrors(filer, chain));
     EXPECT_FALSE(chain.Write(mixed, name) || chain.Read(mixed, name, chain));
     EXPECT_FALSE(error.Write(mixed, L"error") || error.Read(mixed, L"error", error));
@@ -172,13 +185,15 @@ TEST(MFilerTaggedPair, AsksBothInOrderForGroupsAndOneForAValue)
     EXPECT_TRUE(both.BeginGroup(L"a"));
     EXPECT_FALSE(both.EndGroup());
     EXPECT_TRUE(both.EndGroup());
-    for (const bool works : {true, false}) {
-        in.failing = out.failing = works ? 0 : 1;
-        EXPECT_EQ(works, both.ReadString(L"a", text, L"") && both.WriteString(L"a", text));
-        EXPECT_EQ(works, both.ReadUInt32(L"a", &value, 0) && both.WriteUInt32(L"a", value));
+    for (const int failing : {0, 1, 2}) {
+        in.failing = out.failing = failing;
+        EXPECT_EQ(failing != 1, both.ReadString(L"a", text, L""));
+        EXPECT_EQ(failing != 1, both.WriteString(L"a", text));
+        EXPECT_EQ(failing != 2, both.ReadUInt32(L"a", &value, 0));
+        EXPECT_EQ(failing != 2, both.WriteUInt32(L"a", value));
     }
     EXPECT_TRUE(none.BeginGroup(L"a") && none.EndGroup());
     EXPECT_FALSE(none.ReadString(L"a", text, L"") || none.WriteString(L"a", text));
     EXPECT_FALSE(none.ReadUInt32(L"a", &value, 0) || none.WriteUInt32(L"a", value));
-    EXPECT_EQ("[(])[(])])s=u#su#", std::exchange(told, ""));
+    EXPECT_EQ("[(])[(])])s=u#s=u#s=u#", std::exchange(told, ""));
 }

@@ -42,7 +42,9 @@ TEST_F(RegistryFilers, ValuesAreStoredAsTypesOfTheSystem)
     EXPECT_TRUE(out.WriteString(L"empty", MString()) && out.WriteDouble(L"double", -0.1) &&
                 out.WriteFloat(L"float", 1234567.0f));
     MString text;
-    EXPECT_FALSE(in.ReadChar(L"char", nullptr, 'x') || in.ReadDocument(L"empty", text));
+    double number = 0;
+    EXPECT_FALSE(in.ReadChar(L"char", nullptr, 'x') || in.ReadDocument(L"empty", text) ||
+                 in.ReadDouble(L"none", &number, 1));
     EXPECT_TRUE(out.BeginGroup(L"a") && out.BeginGroup(L"b\\c") && out.WriteByte(L"v\\w", 200));
     EXPECT_EQ(L"\xFFFF\xFFFF"s, Stored(REG_DWORD, L"char"));
     EXPECT_EQ(L"\xFFFD\xFFFF"s, Stored(REG_DWORD, nullptr)); // the key's default value

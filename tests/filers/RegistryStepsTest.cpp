@@ -38,7 +38,9 @@ struct Calls {
             return status;
         size = sizes[at];
         at += at + 1 < sizes.size();
-        return data && size > room ? ERROR_MORE_DATA : ERROR_SUCCESS;
+        const bool fits = size <= room;
+        size &= 0xFFFF; // what is to grow beyond need not say so
+        return data && !fits ? ERROR_MORE_DATA : ERROR_SUCCESS;
     }
 
     std::vector<DWORD> sizes;
@@ -129,7 +131,7 @@ bool DoByFiler(char work, bool machine, bool grouped)
 
 TEST(RegistrySteps, AreThoseOfTheModelWhicheverCallsFail)
 {
-    const std::vector<DWORD> sizes[] = {{4}, {4, 10, 20}, {20, 4}, {0, 4, 5, 6}};
+    const std::vector<DWORD> sizes[] = {{4, 0x10004}, {4, 10, 20}, {20, 4}, {0, 4, 5, 6}};
     for (unsigned bits = 0; bits < 128 * 4 * 16; ++bits) {
         const char work = "wnrc"[bits / 4 % 4];
         Calls model = {sizes[bits / 16 % 4], bits / 64, 0, 0, L""};

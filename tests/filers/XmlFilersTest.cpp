@@ -71,6 +71,9 @@ TEST(MOutFilerTaggedXml, TagIsANameOrRefused)
         EXPECT_EQ(isName, TextOf(filer) != declaration + L"<r/>\n");
     }
     EXPECT_TRUE(MInFilerTaggedXml(TextOf(filer).c_str(), L"r", L"").IsOpen());
+    MString text;
+    MOutFilerTaggedXml none(nullptr, L"n");
+    EXPECT_FALSE(none.WriteByte(L"a", 1) || none.GetDocumentText(&text));
 }
 
 TEST(MOutFilerTaggedXml, ProcessLocaleIsLeftAlone)
