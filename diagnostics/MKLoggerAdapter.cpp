@@ -101,12 +101,19 @@ void MKLoggerAdapter::RecordModule(KLogger* core, std::int32_t kind, const KLogg
     core->AddRecord(kind, 0, 0, 0, 0, module);
 }
 
+/// Gives a name to this log, and to the one that it feeds.
+template <class Naming>
+void MKLoggerAdapter::Register(Naming naming)
+{
+    naming(core);
+    if (KLogger* const attached = Attached())
+        naming(attached);
+}
+
 void MKLoggerAdapter::RegisterIdName(std::uint32_t id, const wchar_t* name)
 {
     const std::string narrow = Narrow(name);
-    core->SetIdName(id, narrow);
-    if (KLogger* const attached = Attached())
-        attached->SetIdName(id, narrow);
+    Register([&](KLogger* log) { log->SetIdName(id, narrow); });
 }
 
 void MKLoggerAdapter::RegisterClassName(std::uint32_t classId, const wchar_t* name)
@@ -128,32 +135,24 @@ void MKLoggerAdapter::RegisterErrorName(std::uint32_t errorId, const wchar_t* na
 void MKLoggerAdapter::RegisterObjectName(const void* object, const wchar_t* name)
 {
     const std::string narrow = Narrow(name);
-    core->SetObjectName(object, narrow);
-    if (KLogger* const attached = Attached())
-        attached->SetObjectName(object, narrow);
+    Register([&](KLogger* log) { log->SetObjectName(object, narrow); });
 }
 
 void MKLoggerAdapter::RegisterThreadName(const wchar_t* name)
 {
     const std::string narrow = Narrow(name);
-    core->SetThreadName(narrow);
-    if (KLogger* const attached = Attached())
-        attached->SetThreadName(narrow);
+    Register([&](KLogger* log) { log->SetThreadName(narrow); });
 }
 
 void MKLoggerAdapter::RegisterStateName(std::uint32_t classId, std::uint32_t state,
                                         const wchar_t* name)
 {
     const std::string narrow = Narrow(name);
-    core->SetClassStateName(classId, state, narrow);
-    if (KLogger* const attached = Attached())
-        attached->SetClassStateName(classId, state, narrow);
+    Register([&](KLogger* log) { log->SetClassStateName(classId, state, narrow); });
 }
 
 void MKLoggerAdapter::RegisterMessageName(std::uint32_t messageId, const wchar_t* name)
 {
     const std::string narrow = Narrow(name);
-    core->SetMessageName(messageId, narrow);
-    if (KLogger* const attached = Attached())
-        attached->SetMessageName(messageId, narrow);
+    Register([&](KLogger* log) { log->SetMessageName(messageId, narrow); });
 }

@@ -52,6 +52,8 @@ private:
 
     void Attach(KLogger* other);
     void Detach();
+    template <class Naming>
+    void Register(Naming naming);
     void RegisterIdName(std::uint32_t id, const wchar_t* name);
 
     KLogger* Attached() const { return attachedCore.load(std::memory_order_relaxed); }

@@ -173,16 +173,15 @@ void MCommandProcessor::OnCommandQueued()
     ExecuteNext();
 }
 
-bool MCommandProcessor::ExecuteNext()
+void MCommandProcessor::ExecuteNext()
 {
     MCommand* next = nullptr;
     if (!commandQueue->Get(next))
-        return false;
+        return; // whoever came too late has taken his command back
     const std::unique_ptr<MCommand> command(next);
     const WatchedWork watched(WatchedWork::Kind::Command);
     if (!aborted)
         command->ExecuteGenericCommand();
-    return true;
 }
 
 void MCommandProcessor::OnFlush()

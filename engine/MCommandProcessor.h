@@ -84,7 +84,7 @@ private:
     void DropQueued();
     void DropUnawaited();
     void OnCommandQueued();
-    bool ExecuteNext();
+    void ExecuteNext();
     void RunLoop();
     void RunIdleFunctor();
     void RunStopFunctor();

@@ -283,9 +283,9 @@ unsigned __stdcall MEngineThread::ThreadEntry(void* thread)
         return GuardContinueSearch;
     };
     ReserveStackForFailures();
-    const bool returned = RunGuarded(run, observe, thread);
+    RunGuarded(run, observe, thread);
     SetEvent(static_cast<MEngineThread*>(thread)->threadEndedEvent);
-    return returned ? 0 : 1;
+    return 0;
 }
 
 // The id is known here before the one who starts the thread knows it.

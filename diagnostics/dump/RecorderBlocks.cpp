@@ -2,6 +2,7 @@
 
 #include "diagnostics/StructuredGuard.h"
 
+#include <algorithm>
 #include <cstring>
 #include <initializer_list>
 
@@ -60,9 +61,8 @@ void RecorderBlocks::Collect()
     count = 0;
     if (!EnumProcessModules(GetCurrentProcess(), found, sizeof images, &bytes))
         return;
-    const std::uint32_t imageCount = bytes / sizeof *found;
-    for (std::uint32_t i = 0; i < imageCount && i < mostImages; ++i)
-        CollectImage(images[i]);
+    const DWORD imageCount = std::min<DWORD>(bytes, sizeof images) / sizeof *found;
+    std::for_each(images, images + imageCount, [this](void* image) { CollectImage(image); });
 }
 
 // An image can go, and a recorder be overwritten, so each is looked at under a guard of its own.
@@ -99,12 +99,15 @@ void RecorderBlocks::AddRecorder(const RecorderDescription& description)
 void RecorderBlocks::AddNames(const RecorderDescription& description, std::uint64_t table)
 {
     std::uint64_t block = Read<std::uint64_t>(table + description.newestBlock);
-    for (; block && count < capacity; block = Read<std::uint64_t>(block + description.olderBlock))
-        Add(block, Read<std::uint64_t>(block + description.blockSize));
+    while (block && Add(block, Read<std::uint64_t>(block + description.blockSize)))
+        block = Read<std::uint64_t>(block + description.olderBlock);
 }
 
-void RecorderBlocks::Add(std::uint64_t address, std::uint64_t size)
+/// False when there is no room any more.
+bool RecorderBlocks::Add(std::uint64_t address, std::uint64_t size)
 {
-    if (count < capacity)
-        blocks[count++] = {address, size};
+    if (count == capacity)
+        return false;
+    blocks[count++] = {address, size};
+    return true;
 }

@@ -27,7 +27,7 @@ private:
     void CollectImage(const void* image);
     void AddRecorder(const RecorderDescription& description);
     void AddNames(const RecorderDescription& description, std::uint64_t table);
-    void Add(std::uint64_t address, std::uint64_t size);
+    bool Add(std::uint64_t address, std::uint64_t size);
 
     std::uint32_t count = 0;
     RecorderBlock blocks[capacity];

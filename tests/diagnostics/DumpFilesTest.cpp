@@ -1,5 +1,6 @@
 #include "diagnostics/CrashDump.h"
 
+#include "diagnostics/dump/RecorderBlocks.h"
 #include "diagnostics/KLogger.h"
 #include "diagnostics/MKLoggerAdapter.h"
 #include "diagnostics/StructuredGuard.h"
@@ -8,7 +9,9 @@
 #include "tests/support/FailingCalls.h"
 #include "tests/support/LeakCheck.h"
 
+#include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <functional>
 #include <set>
@@ -72,6 +75,7 @@ const char createFile[] = "CreateFileW";
 const char loadLibrary[] = "LoadLibraryW";
 const char getProcAddress[] = "GetProcAddress";
 const char listModules[] = "K32EnumProcessModules";
+const char tellDate[] = "_ctime64_s";
 
 /// All names are of one moment.
 void StandStill(SYSTEMTIME* time)
@@ -104,6 +108,7 @@ decltype(&GetLocalTime) __imp_GetLocalTime = StandStill;
 decltype(&CreateFileW) __imp_CreateFileW = CallOrFail<createFile, -1>;
 decltype(&LoadLibraryW) __imp_LoadLibraryW = CallOrFail<loadLibrary, 0>;
 decltype(&GetProcAddress) __imp_GetProcAddress = Find;
+decltype(&_ctime64_s) __imp__ctime64_s = CallOrFail<tellDate, EINVAL>;
 BOOL WINAPI EnumProcessModules(HANDLE process, HMODULE* found, DWORD size, DWORD* bytes)
 {
     return CallOrFail<listModules, FALSE, BOOL>(process, found, size, bytes);
@@ -135,16 +140,21 @@ TEST(DumpToFile, ReplacesTheFileByLinesOfItsPlatformAndAnswersFalseWhereItCannot
 TEST(DumpToFile, EndsAtAFaultOfAnyKindWithWhatWasWrittenAndNothingLeftOpen)
 {
     Log log;
+    CrashDump crashDump(prefix);
     KLogRecord* const ring = Ring(log.core);
+    const auto protect = [&](DWORD access, DWORD before = 0) {
+        for (KLogRecord* const each : {ring, Ring(*KLogger::GetModuleLogger())})
+            VirtualProtect(each + 500, 1, access, &before);
+    };
     const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(ring);
     const std::uintptr_t page = (start + 500 * sizeof *ring) / 0x1000 * 0x1000;
     const std::string last = std::to_string((page - start) / sizeof *ring - 1);
     const ExpectSameHandles handles;
     for (const DWORD access : {PAGE_NOACCESS, PAGE_READWRITE | PAGE_GUARD}) {
-        DWORD before = 0;
-        VirtualProtect(ring + 500, 1, access, &before);
-        EXPECT_FALSE(log.adapter.DumpToFile());
-        VirtualProtect(ring + 500, 1, PAGE_READWRITE, &before);
+        protect(access);
+        EXPECT_FALSE(log.adapter.DumpToFile() || crashDump.WriteText());
+        protect(PAGE_READWRITE);
+        EXPECT_TRUE(DeleteFileW(crashDump.GetPath()));
         EXPECT_NE(std::string::npos, Read(dumpPath).find(", -7, " + last + ", 2, "));
     }
 }
@@ -188,6 +198,43 @@ TEST(CrashDump, LeavesNoMinidumpWhenTheSystemRefusesAnythingButItsListOfModules)
     };
     ForEachFailingCall(write, [](const std::string& failed, bool written) {
         EXPECT_EQ(failed == listModules, written);
+    });
+}
+
+TEST(CrashDump, FindsOfARecorderThatIsOverwrittenWhatCanBeReadAndOfAnUnknownOneNothing)
+{
+    RecorderBlocks blocks;
+    const auto collect = [&] {
+        blocks.Collect();
+        return blocks.GetCount();
+    };
+    const std::uint32_t whole = collect();
+    const auto pieces = blocks.Get();
+    const auto words = reinterpret_cast<std::uint64_t*>(pieces->address); // of the description
+    const auto lacking = [&](std::uint64_t& word, std::uint64_t value) {
+        std::swap(word, value);
+        const std::uint32_t found = collect();
+        std::swap(word, value);
+        return whole - found;
+    };
+    for (int word = 0; word < 20; ++word)
+        for (const std::uint64_t value : {std::uint64_t{0}, ~std::uint64_t{0}}) {
+            const std::uint32_t lacks = lacking(words[word], value);
+            EXPECT_TRUE(lacks == whole || word > 4 || (word == 4 && value)) << word;
+        }
+    EXPECT_EQ(1u, lacking(*reinterpret_cast<std::uint64_t*>(pieces[1].address), 0)); // the ring
+    EXPECT_EQ(whole - RecorderBlocks::capacity, // the newest names follow themselves
+              lacking(*reinterpret_cast<std::uint64_t*>(pieces[3].address), pieces[3].address));
+}
+
+TEST(KLogger, HeaderTellsWhenTheStartCannotBeTold)
+{
+    const auto dump = [] {
+        PassingCore core;
+        return TakeDump(core);
+    };
+    ForEachFailingCall(dump, [](const std::string&, const std::string& text) {
+        EXPECT_EQ(text.size(), text.find(" is wrong.\n%%\n") + 14);
     });
 }
 

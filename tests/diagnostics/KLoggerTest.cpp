@@ -11,6 +11,7 @@
 #include <random>
 #include <sstream>
 #include <thread>
+#include <utility>
 
 #include <windows.h>
 
@@ -98,6 +99,14 @@ struct InterruptedText : std::stringbuf {
     int sync() override { return static_cast<int>(++oldest->time) * 0; }
     KLogRecord* oldest;
 };
+
+/// All ways to give `name` to something.
+std::vector<std::function<void()>> Namings(KLogger* core, const std::string& name)
+{
+    return {[=] { core->SetIdName(1, name); }, [=] { core->SetObjectName(core, name); },
+            [=] { core->SetThreadName(name); }, [=] { core->SetMessageName(1, name); },
+            [=] { core->SetClassStateName(1, 1, name); }};
+}
 
 /// Whether `action` returns on a thread of its own, as it is expected to or not; where it does not,
 /// the thread is ended.
@@ -202,14 +211,19 @@ TEST(KLogger, WrappedRingStartsAtTheOldestWhoseTimeIsReadOnceAndEndsWithTheNewes
     EXPECT_EQ(ringSize, count);
 }
 
-TEST(KLogger, DumpEndsWhereItsStreamRaisesAndThatOfANullCoreBeforeItBegins)
+TEST(KLogger, DumpEndsWhereItsStreamRaisesAndNullCoresAndRingsTakeNothing)
 {
     PassingCore core;
     KLogger* volatile none = nullptr;
     none->AddRecord(0, 0, 0, 0, 0, nullptr);
-    none->SetIdName(1, "name");
+    for (const auto& naming : Namings(none, "name"))
+        naming();
     none->CopyNamesTo(core);
     EXPECT_EQ("", TakeDump(*none));
+    KLogRecord* const ring = std::exchange(Ring(core), nullptr);
+    core.AddRecord(0, 0, 0, 0, 0, nullptr);
+    Ring(core) = ring;
+    EXPECT_EQ(0u, DumpedTexts(core).size());
 
     struct : std::streambuf {
         int overflow(int) override { throw 7; }
@@ -219,19 +233,27 @@ TEST(KLogger, DumpEndsWhereItsStreamRaisesAndThatOfANullCoreBeforeItBegins)
     EXPECT_NO_THROW(core.WriteDump(out));
 }
 
+TEST(KLogLock, HoldsNobodyUpBeforeItIsInitialised)
+{
+    KLogLock lock;
+    lock.Enter();
+    std::thread([&] {
+        lock.Enter();
+        lock.Leave();
+    }).join();
+    lock.Leave();
+}
+
 TEST(KLogger, ANameThatFindsNoMemoryClosesItsTableToNamesAndNothingElse)
 {
     LeakCheck::Skip(); // a thread that is ended in the middle leaves its part of the action
     const std::string name(KLogNames::blockSize, 'x');
-    for (int failing = 0; failing < 5; ++failing) {
+    for (std::size_t failing = 0; failing < 5; ++failing) {
         PassingCore core, other;
-        const std::function<void()> namings[] = {
-            [&] { core.SetIdName(1, name); }, [&] { core.SetObjectName(&core, name); },
-            [&] { core.SetThreadName(name); }, [&] { core.SetMessageName(1, name); },
-            [&] { core.SetClassStateName(1, 1, name); }};
+        const auto namings = Namings(&core, name);
         const auto how = failing % 2 ? AllocationFailure::Throws : AllocationFailure::AnswersNull;
         EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, RunShortOfMemory(how, 1, namings[failing]));
-        for (int i = 0; i < 5; ++i) {
+        for (std::size_t i = 0; i < 5; ++i) {
             const bool open = i != failing && (i < 3 || failing < 3); // 3 and 4 share a table
             EXPECT_EQ(open, Returns(open, namings[i])) << failing << i;
         }

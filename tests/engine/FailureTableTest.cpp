@@ -90,6 +90,8 @@ TEST(FailureTable, FailedCallIsRidOfItsCommandAndLeavesNoHandle)
                                                            : "WaitFailed" + number),
                   answered(Import::WaitForMultipleObjects, answer));
         EXPECT_EQ(call + "WaitFailed" + number, answered(Import::CreateEvent, answer));
+        AnswerNext(Import::CreateEvent, answer);
+        EXPECT_FALSE(HANDLE(PlatformEvent(EventReset::Manual)));
         if (answer != WAIT_TIMEOUT) {
             EXPECT_EQ("MCommandProcessor.IsAborted:ErrorAccessingEvent" + number,
                       answered(Import::WaitForSingleObject, answer));

@@ -15,7 +15,8 @@ TEST(MDesyncEventScheduler, EventsWaitForEnableKeepTheirOrderPassAFailureAndAreW
     MDesyncEvent* const dropped = writing('x');
     {
         MDesyncEventScheduler disabled(nullptr), scheduler(nullptr);
-        disabled.ScheduleDesyncEvent(dropped);
+        for (MDesyncEvent* const never : {dropped, static_cast<MDesyncEvent*>(nullptr)})
+            disabled.ScheduleDesyncEvent(never);
         scheduler.Disable();
         for (const std::string before : {"", "ab", "abab"}) {
             Gate firing;

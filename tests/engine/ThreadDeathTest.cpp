@@ -1,9 +1,44 @@
 #include "engine/MCommandProcessor.h"
 #include "engine/MSchedulerThread.h"
+#include "engine/StackReserve.h"
 #include "tests/engine/EngineFixtures.h"
+#include "tests/support/FailingCalls.h"
 #include "tests/support/LeakCheck.h"
 
 #include <utility>
+
+namespace
+{
+
+const char guarantee[] = "SetThreadStackGuarantee";
+const char query[] = "VirtualQuery";
+const char protect[] = "VirtualProtect";
+int protections;
+
+BOOL WINAPI Protect(void* start, SIZE_T size, DWORD access, DWORD* before)
+{
+    ++protections;
+    return CallOrFail<protect, FALSE, BOOL>(start, size, access, before);
+}
+
+} // namespace
+
+extern "C" {
+decltype(&SetThreadStackGuarantee) __imp_SetThreadStackGuarantee = CallOrFail<guarantee, FALSE>;
+decltype(&VirtualQuery) __imp_VirtualQuery = CallOrFail<query, 0>;
+decltype(&VirtualProtect) __imp_VirtualProtect = Protect;
+}
+
+TEST(ThreadDeath, StackWhoseReserveTheSystemRefusesStaysAsItIs)
+{
+    const auto reserve = [] {
+        protections = 0;
+        ReserveStackForFailures();
+        return protections;
+    };
+    ForEachFailingCall(
+        reserve, [](const std::string& failed, int made) { EXPECT_EQ(failed == protect, made); });
+}
 
 TEST(ThreadDeath, StartWhoseThreadLacksMemoryIsToldToBothSidesAndCanBeRepeated)
 {
@@ -12,9 +47,10 @@ TEST(ThreadDeath, StartWhoseThreadLacksMemoryIsToldToBothSidesAndCanBeRepeated)
     const auto before = SetUnhandledExceptionFilter(endThread);
     Script script;
     MCommandProcessor processor(&script, nullptr, nullptr, nullptr, 0);
-    MSchedulerThread scheduler(&script);
+    MSchedulerThread scheduler(&script), untold(nullptr);
     for (MEngineThread* const thread :
-         {static_cast<MEngineThread*>(&processor), static_cast<MEngineThread*>(&scheduler)}) {
+         {static_cast<MEngineThread*>(&processor), static_cast<MEngineThread*>(&scheduler),
+          static_cast<MEngineThread*>(&untold)}) {
         thread->Start();
         thread->Stop();
         int nth = 0;
@@ -23,7 +59,7 @@ TEST(ThreadDeath, StartWhoseThreadLacksMemoryIsToldToBothSidesAndCanBeRepeated)
             const std::string raised = Raised([&] { thread->Start(); });
             met = DisarmAllocationFailure();
             EXPECT_EQ(met ? "MEngineThread.Start:ThreadExitedUnexpectedly" : "", raised);
-            EXPECT_EQ(met ? "fault;" : "", std::exchange(script.failures, ""));
+            EXPECT_EQ(met && thread != &untold ? "fault;" : "", std::exchange(script.failures, ""));
             if (met)
                 thread->Start();
         }

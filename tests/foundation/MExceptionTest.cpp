@@ -49,7 +49,8 @@ TEST(MException, CopyIsDeepAndDropsEmptyEntriesAndTakingReplaces)
     original.TakeFrom(temporary);
     EXPECT_EQ("new", FailureText(original));
     EXPECT_EQ(1u, original.GetErrorCount());
-    EXPECT_EQ("no errors", FailureText(MException(temporary))); // it has no chain any more
+    EXPECT_EQ("no errors", FailureText(temporary)); // it has no chain any more
+    EXPECT_FALSE(temporary.GetError(0) || MException(temporary).GetFailure());
     EXPECT_EQ(2u, copy.GetErrorCount());
     EXPECT_STREQ(L"first", copy.GetError(0)->GetCode().c_str());
     EXPECT_EQ(&MErrorOutOfMemory::dynClass, copy.GetError(1)->GetDynClass());

@@ -126,6 +126,7 @@ TEST(MLocale, NumbersAreReadInAllTheirForms)
     double value = 7;
     EXPECT_FALSE(classic.ToDouble(L"12", nullptr) || classic.ToDouble(L"", &value));
     EXPECT_EQ(0, value);
+    EXPECT_EQ(12.5, classic.ParseDouble(L"12.5x", nullptr));
     EXPECT_EQ(-12, classic.ParseInt(L" -12x"));
     EXPECT_STREQ(L"1", classic.FormatText(L"%d%ls", 1, L"").c_str());
     EXPECT_EQ(0, classic.FormatText(L"%ls", L"").GetLength());

@@ -85,8 +85,11 @@ void LeaveCom()
 
 void OnShutdown(const Action& action)
 {
-    ModuleCommandProcessor::OnShutdown(FunctorFor([&action] { action(); }));
+    ModuleCommandProcessor::OnShutdown(action ? FunctorFor([&action] { action(); }) : nullptr);
 }
+
+const char getModule[] = "GetModuleHandleExW";
+const char wait[] = "WaitForSingleObject";
 
 wchar_t startUp[400];
 
@@ -118,9 +121,11 @@ TELLING(_ZN7MLocale16GetClassicLocaleEv, L"classic", const void*, (), )
 TELLING(_ZN7MStringC1EPKw, text, void, (void* self, const wchar_t* text), self, text)
 }
 
-// The import slot through which COM is left.
+// The import slots through which COM is left, and the system asked by who starts and stops.
 extern "C" {
 decltype(&CoUninitialize) __imp_CoUninitialize = LeaveCom;
+decltype(&GetModuleHandleExW) __imp_GetModuleHandleExW = CallOrFail<getModule, FALSE>;
+decltype(&WaitForSingleObject) __imp_WaitForSingleObject = CallOrFail<wait, WAIT_FAILED>;
 }
 
 TestModule GetTestModule()
@@ -132,6 +137,8 @@ TestModule GetTestModule()
             ArmAllocationFailure,
             DisarmAllocationFailure,
             CountBlocks,
+            ArmFailingCall,
+            DisarmFailingCall,
             DoOnProcessor,
             DoOnScheduler,
             Schedule,

@@ -18,7 +18,7 @@ struct DumpedRecord {
 const std::uint32_t ringSize = 0x20000;
 
 /// The records in memory. Their address is the first field of a core, for tools and for us.
-inline KLogRecord* Ring(KLogger& core)
+inline KLogRecord*& Ring(KLogger& core)
 {
     return *reinterpret_cast<KLogRecord**>(&core);
 }

@@ -21,11 +21,11 @@ const char* failed;
 void ArmFailingCall(int nth)
 {
     callsLeft = nth;
-    failed = nullptr;
+    failed = "";
     armedThread = GetCurrentThreadId();
 }
 
-const char* DisarmFailingCall()
+std::string DisarmFailingCall()
 {
     armedThread = 0;
     return failed;

@@ -24,8 +24,8 @@ const DWORD failedCallError = ERROR_NOT_SUPPORTED;
 /// time in the process.
 void ArmFailingCall(int nth);
 
-/// Lets all further calls through. The function whose call has failed; null when none has.
-const char* DisarmFailingCall();
+/// Lets all further calls through. The function whose call has failed; empty when none has.
+std::string DisarmFailingCall();
 
 /// Whether this call, through the slot of `name`, is the one to fail.
 bool IsCallToFail(const char* name);
@@ -53,11 +53,11 @@ void ForEachFailingCall(Operation operation, Check check)
         const ExpectSameHandles handles;
         ArmFailingCall(nth);
         const auto outcome = operation();
-        const char* const failed = DisarmFailingCall();
-        if (!failed)
+        const std::string failed = DisarmFailingCall();
+        if (failed.empty())
             return;
-        SCOPED_TRACE(std::string(failed) + " failed, call " + std::to_string(nth));
-        check(std::string(failed), outcome);
+        SCOPED_TRACE(failed + " failed, call " + std::to_string(nth));
+        check(failed, outcome);
     }
     ADD_FAILURE() << "the operation never completes";
 }
