@@ -1,6 +1,8 @@
 // The import slots of the engine's tests, as they are on Windows: the linker leads calls of the
 // kernel to the wrappers, and what a slot takes for the system's own function is the kernel's.
 
+#include "tests/support/SystemFunction.h"
+
 #include <cstring>
 
 #include <process.h>
@@ -55,13 +57,9 @@ BOOL __wrap_CloseHandle(HANDLE handle)
 {
     return __imp_CloseHandle(handle);
 }
-
-HMODULE GetModuleHandleW(const wchar_t*)
-{
-    return nullptr;
 }
 
-void* GetProcAddress(HMODULE, const char* name)
+void* FindSystemFunction(const char* name)
 {
     const struct {
         const char* name;
@@ -79,5 +77,4 @@ void* GetProcAddress(HMODULE, const char* name)
         if (std::strcmp(function.name, name) == 0)
             return function.function;
     return nullptr;
-}
 }

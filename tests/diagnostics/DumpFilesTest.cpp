@@ -17,6 +17,8 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <windows.h>
 
@@ -27,7 +29,7 @@ namespace
 {
 
 const wchar_t dumpPath[] = L"C:\\Temp\\DebugDump.log";
-const wchar_t prefix[] = L"C:\\Temp\\crash test";
+const std::wstring prefix = L"C:\\Temp\\crash test " + std::to_wstring(GetTickCount64());
 
 std::string Read(const wchar_t* path, DWORD flags = 0)
 {
@@ -77,19 +79,9 @@ const char getProcAddress[] = "GetProcAddress";
 const char listModules[] = "K32EnumProcessModules";
 const char tellDate[] = "_ctime64_s";
 
-/// All names are of one moment.
 void StandStill(SYSTEMTIME* time)
 {
-    static SYSTEMTIME first;
-    if (first.wYear == 0)
-        GetSystemTime(&first);
-    *time = first;
-    time->wMilliseconds = 42;
-}
-
-INT_PTR WriteNothing()
-{
-    return FALSE;
+    *time = {2026, 11, 0, 22, 9, 5, 3, 42};
 }
 
 /// What writes minidumps may fail as well.
@@ -97,7 +89,7 @@ FARPROC Find(HMODULE library, const char* name)
 {
     const auto found = CallOrFail<getProcAddress, 0, FARPROC>(library, name);
     const bool fails = std::strcmp(name, "MiniDumpWriteDump") == 0 && IsCallToFail(name);
-    return fails ? WriteNothing : found;
+    return fails ? [] { return INT_PTR{FALSE}; } : found;
 }
 
 } // namespace
@@ -140,7 +132,7 @@ TEST(DumpToFile, ReplacesTheFileByLinesOfItsPlatformAndAnswersFalseWhereItCannot
 TEST(DumpToFile, EndsAtAFaultOfAnyKindWithWhatWasWrittenAndNothingLeftOpen)
 {
     Log log;
-    CrashDump crashDump(prefix);
+    CrashDump crashDump(prefix.c_str());
     KLogRecord* const ring = Ring(log.core);
     const auto protect = [&](DWORD access, DWORD before = 0) {
         for (KLogRecord* const each : {ring, Ring(*KLogger::GetModuleLogger())})
@@ -164,7 +156,7 @@ TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
     EXPECT_NO_THROW(CrashDump(std::wstring(900, L'x').c_str()));
     EXPECT_THROW(CrashDump(std::wstring(901, L'x').c_str()), std::length_error);
     CreateDirectoryA("C:\\Temp", nullptr);
-    CrashDump crashDump(prefix), nowhere(L"C:\\no such folder\\x");
+    CrashDump crashDump(prefix.c_str()), nowhere(L"C:\\no such folder\\x");
     EXPECT_STREQ(L"", crashDump.GetPath());
     const std::wstring end = L"-042-" + std::to_wstring(GetCurrentProcessId());
     const auto write = [&] { return crashDump.WriteText(); };
@@ -173,11 +165,11 @@ TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
     for (int i = 0; i < 2; ++i) {
         EXPECT_TRUE(Interrupt(*KLogger::GetModuleLogger(), write, writeBeside));
         const std::wstring made = crashDump.GetPath();
-        EXPECT_EQ(std::wcslen(prefix) + 16, made.find(end));
+        EXPECT_EQ(prefix.size() + 16, made.find(end));
         EXPECT_EQ(0u,
                   Read(crashDump.GetPath(), FILE_FLAG_DELETE_ON_CLOSE).find("%% Reference time: "));
     }
-    DumpPath path(prefix);
+    DumpPath path(prefix.c_str());
     std::set<std::wstring> paths;
     for (int i = 0; i < 100; ++i, paths.insert(path.Get())) // all in a millisecond
         CloseHandle(path.MakeFile(L".log"));
@@ -191,7 +183,7 @@ TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
 TEST(CrashDump, LeavesNoMinidumpWhenTheSystemRefusesAnythingButItsListOfModules)
 {
     const auto write = [] {
-        CrashDump crashDump(prefix);
+        CrashDump crashDump(prefix.c_str());
         const bool written = crashDump.WriteMinidump(nullptr);
         EXPECT_EQ(written, DeleteFileW(crashDump.GetPath()) != FALSE);
         return written;
@@ -204,27 +196,21 @@ TEST(CrashDump, LeavesNoMinidumpWhenTheSystemRefusesAnythingButItsListOfModules)
 TEST(CrashDump, FindsOfARecorderThatIsOverwrittenWhatCanBeReadAndOfAnUnknownOneNothing)
 {
     RecorderBlocks blocks;
-    const auto collect = [&] {
+    const auto foundWith = [&](std::uint64_t address, std::uint64_t value) {
+        std::swap(*reinterpret_cast<std::uint64_t*>(address), value);
         blocks.Collect();
+        std::swap(*reinterpret_cast<std::uint64_t*>(address), value);
         return blocks.GetCount();
     };
-    const std::uint32_t whole = collect();
-    const auto pieces = blocks.Get();
-    const auto words = reinterpret_cast<std::uint64_t*>(pieces->address); // of the description
-    const auto lacking = [&](std::uint64_t& word, std::uint64_t value) {
-        std::swap(word, value);
-        const std::uint32_t found = collect();
-        std::swap(word, value);
-        return whole - found;
-    };
-    for (int word = 0; word < 20; ++word)
-        for (const std::uint64_t value : {std::uint64_t{0}, ~std::uint64_t{0}}) {
-            const std::uint32_t lacks = lacking(words[word], value);
-            EXPECT_TRUE(lacks == whole || word > 4 || (word == 4 && value)) << word;
-        }
-    EXPECT_EQ(1u, lacking(*reinterpret_cast<std::uint64_t*>(pieces[1].address), 0)); // the ring
-    EXPECT_EQ(whole - RecorderBlocks::capacity, // the newest names follow themselves
-              lacking(*reinterpret_cast<std::uint64_t*>(pieces[3].address), pieces[3].address));
+    blocks.Collect();
+    const std::vector<RecorderBlock> whole(blocks.Get(), blocks.Get() + blocks.GetCount());
+    for (std::uint64_t word = 0; word < 20; ++word) // of the description
+        for (const std::uint64_t value : {0ull, ~0ull})
+            EXPECT_EQ(word < 4 || (word == 4 && value == 0),
+                      foundWith(whole[0].address + 8 * word, value) == 0);
+    EXPECT_EQ(whole.size() - 1, foundWith(whole[1].address, 0)); // without a ring
+    const std::uint64_t newest = whole[3].address; // of names, which then follow themselves
+    EXPECT_EQ(std::uint32_t{RecorderBlocks::capacity}, foundWith(newest, newest));
 }
 
 TEST(KLogger, HeaderTellsWhenTheStartCannotBeTold)
@@ -252,7 +238,7 @@ TEST(CrashDump, MinidumpOfAFaultHoldsTheRecorderAndAsksForNoMemory)
     log.SetThreadName(names[4]);
     for (std::uint32_t i = 0; i < ringSize + 10; ++i)
         log.AddRecord(-25, 2, i, 7, 7, &log);
-    CrashDump crashDump(prefix);
+    CrashDump crashDump(prefix.c_str());
     EXPECT_FALSE(crashDump.WriteMinidump(reinterpret_cast<_EXCEPTION_POINTERS*>(0x1234)));
     EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesW(crashDump.GetPath()));
     const GuardedBody fault = [](void*) { *reinterpret_cast<volatile int*>(0x1234) = 1; };

@@ -1,7 +1,6 @@
-// Many threads, many lives, and every failing allocation of the engine's objects.
+// Many threads and many lives.
 
 #include "engine/MCommandProcessor.h"
-#include "engine/MDesyncEventScheduler.h"
 #include "tests/engine/EngineFixtures.h"
 #include "tests/support/LeakCheck.h"
 
@@ -34,17 +33,4 @@ TEST(EngineStress, EveryCallIsAnsweredToItsOwnCallerWhoeverStopsTheProcessor)
     }
     // A lock that was waited for keeps a handle; what every storm leaked would be many.
     EXPECT_GE(handles.front() + 8, handles.back());
-}
-
-TEST(EngineStress, ConstructionThatRunsOutOfMemoryLeavesNothingBehind)
-{
-    const Action builds[] = {[] { MCommandProcessor(nullptr, nullptr, nullptr, nullptr, 0); },
-                             [] { MDesyncEventScheduler scheduler(nullptr); }, [] { NewSlot(); }};
-    for (const Action& build : builds) {
-        build();
-        const ExpectSameHandles handles;
-        ForEachFailingAllocation(AllocationFailure::Throws, build, [](ShortageOutcome outcome) {
-            EXPECT_EQ(ShortageOutcome::RaisedBadAlloc, outcome);
-        });
-    }
 }

@@ -2,7 +2,6 @@
 
 #include "engine/MCommandProcessor.h"
 #include "tests/engine/EngineFixtures.h"
-#include "tests/engine/Imports.h"
 
 namespace
 {
@@ -32,8 +31,8 @@ TEST(FailureTable, FailedStartForgetsItsThreadFailedFlushChangesNothingFailedSto
     for (DWORD answer : answers) {
         const ExpectSameHandles handles;
         ScriptedThread thread;
-        const auto answered = [&](Import import, void (ScriptedThread::*operation)()) {
-            AnswerNext(import, answer);
+        const auto answered = [&](const char* import, void (ScriptedThread::*operation)()) {
+            FailNext(import, answer);
             return Raised([&] { (thread.*operation)(); });
         };
         Gate forgotten;
@@ -43,28 +42,28 @@ TEST(FailureTable, FailedStartForgetsItsThreadFailedFlushChangesNothingFailedSto
             Raise("ends");
         };
         EXPECT_EQ(WordsOrExit("MEngineThread.Start", answer),
-                  answered(Import::WaitForMultipleObjects, &ScriptedThread::Start));
+                  answered("WaitForMultipleObjects", &ScriptedThread::Start));
         EXPECT_FALSE(thread.IsThreadActive());
         forgotten.Open();
         WaitForSingleObject(thread.GetEndedEvent(), INFINITE);
 
         thread.onStarted = [] {};
         EXPECT_EQ("MEngineThread.Start:BeginThread errno=" + std::to_string(int(answer)),
-                  answered(Import::BeginThread, &ScriptedThread::Start));
+                  answered("_beginthreadex", &ScriptedThread::Start));
         thread.Start();
         EXPECT_EQ(WordsOrExit("MEngineThread.Flush", answer),
-                  answered(Import::WaitForMultipleObjects, &ScriptedThread::Flush));
+                  answered("WaitForMultipleObjects", &ScriptedThread::Flush));
         thread.Flush();
         EXPECT_EQ(answer == 128 ? "MEngineThread.Stop:Abandoned"
                                 : Words("MEngineThread.Stop", answer, 1),
-                  answered(Import::WaitForSingleObject, &ScriptedThread::Stop));
+                  answered("WaitForSingleObject", &ScriptedThread::Stop));
         EXPECT_EQ("MEngineThread.Start:AlreadyRunning", Raised([&] { thread.Start(); }));
         thread.Stop();
         EXPECT_FALSE(thread.IsThreadActive());
 
         if (answer < 2 || answer == WAIT_TIMEOUT)
             continue; // no failures of a thread's own wait
-        thread.onStarted = [=] { AnswerNext(Import::WaitForMultipleObjects, answer); };
+        thread.onStarted = [=] { FailNext("WaitForMultipleObjects", answer); };
         thread.Start();
         EXPECT_EQ("MEngineThread.Flush:ThreadExitedUnexpectedly", Raised([&] { thread.Flush(); }));
         EXPECT_EQ("ends;" + Words("MEngineThread.WaitForEvents", answer, 2) + ";", thread.failures);
@@ -77,24 +76,24 @@ TEST(FailureTable, FailedCallIsRidOfItsCommandAndLeavesNoHandle)
     MCommandProcessor processor(nullptr, nullptr, nullptr, nullptr, 0);
     processor.Start();
     int executed = 0;
-    const auto answered = [&](Import import, DWORD answer) {
-        AnswerNext(import, answer);
+    const auto answered = [&](const char* import, DWORD answer) {
+        FailNext(import, answer);
         return Raised([&] { processor.ExecuteSynchronously(NewCommand([&] { ++executed; })); });
     };
-    EXPECT_EQ("", answered(Import::WaitForSingleObject, WAIT_TIMEOUT));
+    EXPECT_EQ("", answered("WaitForSingleObject", WAIT_TIMEOUT));
     const std::size_t handles = ListHandles().size();
     for (DWORD answer : answers) {
         const std::string number = " winErrorCode=" + std::to_string(answer);
         EXPECT_EQ(call + (answer == 1                      ? "CommandProcessingAborted"
                           : answer == 128 || answer == 129 ? "Abandoned"
                                                            : "WaitFailed" + number),
-                  answered(Import::WaitForMultipleObjects, answer));
-        EXPECT_EQ(call + "WaitFailed" + number, answered(Import::CreateEvent, answer));
-        AnswerNext(Import::CreateEvent, answer);
+                  answered("WaitForMultipleObjects", answer));
+        EXPECT_EQ(call + "WaitFailed" + number, answered("CreateEventW", answer));
+        FailNext("CreateEventW", answer);
         EXPECT_FALSE(HANDLE(PlatformEvent(EventReset::Manual)));
         if (answer != WAIT_TIMEOUT) {
             EXPECT_EQ("MCommandProcessor.IsAborted:ErrorAccessingEvent" + number,
-                      answered(Import::WaitForSingleObject, answer));
+                      answered("WaitForSingleObject", answer));
         }
     }
     EXPECT_EQ(handles, ListHandles().size());

@@ -1,7 +1,6 @@
 #include "engine/MCommandProcessor.h"
 
 #include "tests/engine/EngineFixtures.h"
-#include "tests/engine/Imports.h"
 
 // That every command is deleted, whatever becomes of it, is seen by the check for leaks.
 
@@ -77,9 +76,7 @@ TEST(MCommandProcessor, FlushAndStopExecuteWhatIsQueuedAndNoMoreAndAFailingStopD
             Sleep(1);
         Sleep(30);
         const Action letGo = [&] { go.Open(); }; // once the request is made
-        DoAheadOfNext(ending == "flush" ? Import::WaitForMultipleObjects
-                                        : Import::WaitForSingleObject,
-                      letGo);
+        DoAheadOfNext(ending == "flush" ? "WaitForMultipleObjects" : "WaitForSingleObject", letGo);
         ending == "flush" ? processor.Flush() : processor.Stop();
         EXPECT_EQ(fails ? 0 : 3, inFlush);
         processor.Stop();
@@ -118,7 +115,7 @@ TEST(MCommandProcessor, IdleFunctorRunsAfterEachTimeOutMayFailAndBeInterruptedBy
             Sleep(1);
     };
     // Woken for a command that is gone by then, it goes on.
-    often.on["start"] = [] { AnswerNext(Import::WaitForMultipleObjects, WAIT_OBJECT_0 + 2); };
+    often.on["start"] = [] { FailNext("WaitForMultipleObjects", WAIT_OBJECT_0 + 2); };
     never.Start();
     often.Start();
     thrice.Pass();
@@ -134,7 +131,7 @@ TEST(MCommandProcessor, CommandThatComesTooLateIsNotEvenExecutedAfterANewStart)
         const auto command = NewCommand([alive] { ADD_FAILURE(); }).release();
         EXPECT_TRUE(processor.Queue(std::unique_ptr<MCommand>(command)));
     };
-    processor.flushed = [&] { DoAheadOfNext(Import::SetEvent, queue); }; // that of the abort
+    processor.flushed = [&] { DoAheadOfNext("SetEvent", queue); }; // that of the abort
     processor.Start();
     // Between the question whether the processor is stopped and the queue.
     const Action ahead = [&] {
@@ -142,7 +139,7 @@ TEST(MCommandProcessor, CommandThatComesTooLateIsNotEvenExecutedAfterANewStart)
         processor.flushed = [] {};
         EXPECT_EQ(1, alive.use_count());
     };
-    DoAheadOfNext(Import::CreateEvent, ahead);
+    DoAheadOfNext("CreateEventW", ahead);
     EXPECT_EQ(call + "CommandProcessingAborted", processor.Execute([] { ADD_FAILURE(); }));
     processor.Start();
     processor.Flush();

@@ -1,9 +1,6 @@
 #include "engine/MEngineThread.h"
 
 #include "tests/engine/EngineFixtures.h"
-#include "tests/engine/Imports.h"
-
-#include <future>
 
 const char diedInFlush[] = "MEngineThread.Flush:ThreadExitedUnexpectedly";
 
@@ -21,46 +18,6 @@ TEST(MEngineThread, EachLifeServesItsFlushesAndItsStopOnce)
         EXPECT_TRUE(hasEnded());
     }
     EXPECT_EQ("start flush stop start flush stop ", thread.calls);
-}
-
-TEST(MEngineThread, CallOnTheThreadItselfIsRefusedWithoutWaitingAndEndsIt)
-{
-    const std::pair<void (ScriptedThread::*)(), const char*> cases[] = {
-        {&ScriptedThread::Stop, "MEngineThread.Stop:CannotStopSelf;"},
-        {&ScriptedThread::Flush, "MEngineThread.Flush:CannotFlushSelf;"}};
-    for (const auto& refused : cases)
-        for (const char* when : {"start", "flush"}) { // while another thread holds the lock
-            ScriptedThread thread;
-            thread.on[when] = [&] { (thread.*refused.first)(); };
-            Raised([&] { thread.Start(); });
-            Raised([&] { thread.Flush(); });
-            EXPECT_EQ(refused.second, thread.failures);
-            thread.Stop();
-        }
-}
-
-TEST(MEngineThread, StartFlushAndStopExcludeOneAnother)
-{
-    const std::pair<void (ScriptedThread::*)(), Import> operations[] = {
-        {&ScriptedThread::Start, Import::WaitForMultipleObjects},
-        {&ScriptedThread::Flush, Import::WaitForMultipleObjects},
-        {&ScriptedThread::Stop, Import::WaitForSingleObject}};
-    for (const auto& first : operations)
-        for (const auto& second : operations) {
-            ScriptedThread thread;
-            if (first.first != &ScriptedThread::Start)
-                thread.Start();
-            std::future<std::string> other;
-            const Action ahead = [&] {
-                other = std::async(std::launch::async,
-                                   [&] { return Raised([&] { (thread.*second.first)(); }); });
-                EXPECT_EQ(std::future_status::timeout,
-                          other.wait_for(std::chrono::milliseconds(5)));
-            };
-            DoAheadOfNext(first.second, ahead);
-            (thread.*first.first)();
-            other.wait();
-        }
 }
 
 // The request of a flush that failed is served by the next thread, ahead of a stop, and what that

@@ -1,7 +1,6 @@
 #include "engine/MThreadSafeFifo.h"
 
 #include "tests/engine/EngineFixtures.h"
-#include "tests/engine/Imports.h"
 
 #include <deque>
 #include <random>
@@ -60,33 +59,6 @@ TEST(MThreadSafeFifo, OnlyGrowthTakesMemoryAndWithoutItLeavesTheQueueAndFreesThe
         RunOnThreads(1, [=](int) { put(); });
         EXPECT_EQ(2, fifo.GetCount());
     }
-}
-
-TEST(MThreadSafeFifo, SetsAndClearsItsEventUnderTheLockThatGuardsTheRest)
-{
-    typedef std::function<void(Fifo&)> Step;
-    const Step put = [](Fifo& fifo) { fifo.Put(Element(7)); };
-    const Step get = [](Fifo& fifo) {
-        MDesyncEvent* element = nullptr;
-        fifo.Get(element);
-    };
-    const std::pair<Step, Import> steps[] = {
-        {put, Import::SetEvent}, {get, Import::ResetEvent}, {&Fifo::Clear, Import::ResetEvent}};
-    for (const auto& first : steps)
-        for (const auto& second : steps) {
-            Fifo fifo;
-            if (first.second == Import::ResetEvent)
-                put(fifo);
-            std::thread other;
-            const Action ahead = [&] {
-                other = std::thread(second.first, std::ref(fifo));
-                Sleep(5);
-            };
-            DoAheadOfNext(first.second, ahead);
-            first.first(fifo);
-            other.join();
-            EXPECT_EQ(fifo.GetCount() == 0, fifo.IsEmpty());
-        }
 }
 
 TEST(MMutex, WithoutMemoryForALockItLocksNothing)

@@ -2,7 +2,6 @@
 #include "engine/MSchedulerThread.h"
 #include "engine/StackReserve.h"
 #include "tests/engine/EngineFixtures.h"
-#include "tests/support/FailingCalls.h"
 #include "tests/support/LeakCheck.h"
 
 #include <utility>
@@ -12,13 +11,12 @@ namespace
 
 const char guarantee[] = "SetThreadStackGuarantee";
 const char query[] = "VirtualQuery";
-const char protect[] = "VirtualProtect";
 int protections;
 
 BOOL WINAPI Protect(void* start, SIZE_T size, DWORD access, DWORD* before)
 {
     ++protections;
-    return CallOrFail<protect, FALSE, BOOL>(start, size, access, before);
+    return VirtualProtectEx(GetCurrentProcess(), start, size, access, before);
 }
 
 } // namespace
@@ -36,8 +34,7 @@ TEST(ThreadDeath, StackWhoseReserveTheSystemRefusesStaysAsItIs)
         ReserveStackForFailures();
         return protections;
     };
-    ForEachFailingCall(
-        reserve, [](const std::string& failed, int made) { EXPECT_EQ(failed == protect, made); });
+    ForEachFailingCall(reserve, [](const std::string&, int made) { EXPECT_EQ(0, made); });
 }
 
 TEST(ThreadDeath, StartWhoseThreadLacksMemoryIsToldToBothSidesAndCanBeRepeated)

@@ -1,7 +1,6 @@
 #include "foundation/MException.h"
 
 #include "diagnostics/MFlowLocation.h"
-#include "diagnostics/MFlowLogger.h"
 #include "foundation/MErrorOutOfMemory.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/DumpedRecord.h"
@@ -27,7 +26,7 @@ class Counted : public MError
 
 DumpedRecord LatestRecord()
 {
-    return ReadDump(TakeDump(*MFlowLogger::GetInstance()->GetImplementation())).back();
+    return ReadDump(TakeDump(*KLogger::GetModuleLogger())).back();
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #include "tests/support/DumpedRecord.h"
 
-#include "diagnostics/MFlowLoggerImplementation.h"
-
 #include <sstream>
 
 std::vector<DumpedRecord> ReadDump(const std::string& dump)
@@ -27,13 +25,6 @@ std::string TakeDump(KLogger& core)
 {
     std::ostringstream dump;
     core.WriteDump(dump);
-    return dump.str();
-}
-
-std::string TakeDump(MFlowLoggerImplementation& logger)
-{
-    std::ostringstream dump;
-    logger.DumpToStream(dump);
     return dump.str();
 }
 

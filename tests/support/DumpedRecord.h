@@ -6,8 +6,6 @@
 #include <string>
 #include <vector>
 
-class MFlowLoggerImplementation;
-
 /// One record as a dump shows it.
 struct DumpedRecord {
     std::string text;                  ///< the line for people
@@ -32,7 +30,6 @@ struct PassingCore : KLogger {
 std::vector<DumpedRecord> ReadDump(const std::string& dump);
 
 std::string TakeDump(KLogger& core);
-std::string TakeDump(MFlowLoggerImplementation& logger);
 
 /// The lines for people, oldest first.
 std::vector<std::string> DumpedTexts(KLogger& core);

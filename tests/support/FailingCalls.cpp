@@ -1,52 +1,67 @@
 #include "tests/support/FailingCalls.h"
 
 #include <atomic>
-
-#include <winternl.h>
-
-// GetProcAddress can have a slot itself.
-extern "C" NTSTATUS NTAPI LdrGetProcedureAddress(HMODULE library, ANSI_STRING* name, ULONG ordinal,
-                                                 void** address);
+#include <cerrno>
+#include <cstring>
 
 namespace
 {
 
-// Written and read by the armed thread, which is none when its id is 0.
-std::atomic<DWORD> armedThread;
-int callsLeft;
+struct Plan {
+    const char* name;                   ///< of the function; null for any
+    int left;                           ///< calls until the one that is meant
+    const std::function<void()>* ahead; ///< null to fail
+    DWORD error;
+};
+
+// Written and read by the thread that it is for, which is none when its id is 0. A variable of each
+// thread would call here itself.
+std::atomic<DWORD> planned;
+Plan plan;
 const char* failed;
+
+void Adopt(const Plan& fresh)
+{
+    plan = fresh;
+    failed = "";
+    planned = GetCurrentThreadId();
+}
 
 } // namespace
 
 void ArmFailingCall(int nth)
 {
-    callsLeft = nth;
-    failed = "";
-    armedThread = GetCurrentThreadId();
+    Adopt({nullptr, nth, nullptr, failedCallError});
 }
 
 std::string DisarmFailingCall()
 {
-    armedThread = 0;
+    planned = 0;
     return failed;
+}
+
+void FailNext(const char* name, DWORD error)
+{
+    Adopt({name, 1, nullptr, error});
+}
+
+void DoAheadOfNext(const char* name, const std::function<void()>& action)
+{
+    Adopt({name, 1, &action, 0});
 }
 
 bool IsCallToFail(const char* name)
 {
-    if (armedThread != GetCurrentThreadId() || --callsLeft != 0)
+    if (planned != GetCurrentThreadId() || (plan.name && std::strcmp(plan.name, name) != 0) ||
+        --plan.left > 0)
         return false;
+    planned = 0;
+    if (plan.ahead) {
+        (*plan.ahead)();
+        return false;
+    }
     failed = name;
-    SetLastError(failedCallError);
+    errno = static_cast<int>(plan.error);
+    SetLastError(plan.error);
     return true;
-}
-
-void* FindSystemFunction(const char* name)
-{
-    ANSI_STRING text;
-    RtlInitAnsiString(&text, name);
-    void* address = nullptr;
-    for (const wchar_t* const library : {L"kernel32", L"msvcrt"})
-        if (!address)
-            LdrGetProcedureAddress(GetModuleHandleW(library), &text, 0, &address);
-    return address;
 }
