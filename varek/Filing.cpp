@@ -103,13 +103,16 @@ bool Filing::FileNumber(const MString& tag, unsigned long long& value)
 template <class T>
 bool Filing::FileAsText(const MString& tag, T& value)
 {
-    if (!in)
-        return Note(tag, absent == 0 && out->WriteString(tag, TextOf(value)));
+    if (!in) {
+        MString text = TextOf(value);
+        return FileText(tag, text);
+    }
     MString text;
+    const MString none;
     wchar_t* end = nullptr;
     T number = 0;
     errno = 0;
-    if (absent == 0 && in->ReadString(tag, text, MString()))
+    if (absent == 0 && in->ReadString(tag, text, none))
         Parse(text, &number, &end);
     const bool filed = Note(tag, end && end != text.c_str() && *end == L'\0' && errno == 0);
     if (filed)
@@ -350,7 +353,8 @@ void WriteFile(const std::wstring& path, const MString& text)
 {
     const std::wstring fresh = path + L"." + std::to_wstring(GetCurrentProcessId()) + L"-" +
                                std::to_wstring(GetCurrentThreadId()) + L".new";
-    if (WriteNewFile(fresh, ToUtf8(text)) &&
+    const std::string bytes = ToUtf8(text);
+    if (WriteNewFile(fresh, bytes) &&
         MoveFileExW(fresh.c_str(), path.c_str(),
                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
         return;

@@ -244,7 +244,7 @@ bool Filing::File(TextView tag, T& value, detail::GroupKind)
     const unsigned before = found;
     const FilingGroup group(*this, ToMString(tag));
     detail::Content<T>::File(*this, value, group.IsThere());
-    return found != before || !in;
+    return in ? found != before : group.IsThere();
 }
 
 template <class T>

@@ -106,8 +106,7 @@ private:
 
 std::wstring WithoutFolderAndEnding(const std::wstring& path)
 {
-    const std::size_t slash = path.find_last_of(L"\\/:");
-    const std::wstring name = path.substr(slash == std::wstring::npos ? 0 : slash + 1);
+    const std::wstring name = path.substr(path.find_last_of(L"\\/:") + 1); // npos + 1 is 0
     return name.substr(0, name.rfind(L'.'));
 }
 
@@ -123,13 +122,13 @@ std::wstring VersionString(HMODULE module, const std::wstring& key)
     const wchar_t* const value = std::search(start, end, key.c_str(), key.c_str() + key.size() + 1);
     const wchar_t* const text = std::find_if(std::min(value + key.size(), end), end,
                                              [](wchar_t unit) { return unit != L'\0'; });
-    return value == end ? std::wstring() : std::wstring(text, std::find(text, end, L'\0'));
+    return std::wstring(text, std::find(text, end, L'\0'));
 }
 
-/// "0.1" of "0.1.4".
-std::wstring MinorVersion(const std::wstring& version)
+/// What is the same in all that fit together, as "0.1 by gcc" of version "0.1.4".
+std::wstring SdkFamily(const std::wstring& version, const std::wstring& toolchain)
 {
-    return version.substr(0, version.find(L'.', version.find(L'.') + 1));
+    return version.substr(0, version.find(L'.', version.find(L'.') + 1)) + L" by " + toolchain;
 }
 
 } // namespace
@@ -169,7 +168,7 @@ void Host::Check(const std::wstring& module) const
         VersionString(static_cast<HMODULE>(library.get()), L"VarekVersion");
     const std::wstring toolchain =
         VersionString(static_cast<HMODULE>(library.get()), L"VarekToolchain");
-    if (MinorVersion(version) != MinorVersion(VAREK_VERSION) || toolchain != VAREK_TOOLCHAIN)
+    if (SdkFamily(version, toolchain) != SdkFamily(VAREK_VERSION, VAREK_TOOLCHAIN))
         Raise(Location(), L"DoesNotFit")
             .With(L"module", module)
             .With(L"moduleSdk", version + L" by " + toolchain)
@@ -179,11 +178,11 @@ void Host::Check(const std::wstring& module) const
 
 void Host::Start(const std::wstring& module, const HostOptions& options)
 {
-    functions.reset(new Functions{
-        reinterpret_cast<decltype(Functions::attach)>(FindAddress(names.attachMFlowLogger)),
-        reinterpret_cast<decltype(Functions::registerHandlers)>(
-            FindAddress(names.registerFatalErrorHandlers)),
-        reinterpret_cast<decltype(Functions::shutdown)>(FindAddress(names.shutdown))});
+    functions.reset(new Functions());
+    functions->attach = Find<decltype(Varek::Runtime::AttachMFlowLogger)>(names.attachMFlowLogger);
+    functions->registerHandlers = Find<decltype(Varek::Runtime::RegisterFatalErrorHandlers)>(
+        names.registerFatalErrorHandlers);
+    functions->shutdown = Find<decltype(Varek::Runtime::Shutdown)>(names.shutdown);
     const std::wstring prefix =
         options.dumpPrefix.empty() ? WithoutFolderAndEnding(module) : options.dumpPrefix;
     std::auto_ptr<TextCallback> onFailure(new FailureTeller(module, options));

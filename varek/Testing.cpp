@@ -20,7 +20,7 @@ namespace
 
 const DWORD longestDelivery = 30000; // ms
 
-/// What stands between two words of a line.
+/// What stands between two words of a line; empty without the first of them.
 std::string Between(const std::string& line, const std::string& before, const std::string& behind)
 {
     const std::size_t start = line.find(before);
@@ -33,16 +33,11 @@ std::string Between(const std::string& line, const std::string& before, const st
 // "% Root_error Boils in_class Kettle at Heat for_object 0000 (unknown) in_thread 264 (...)"
 Record ReadRecord(const std::string& line)
 {
-    Record record;
-    record.text = line;
-    const std::string point = line.substr(0, line.find(" for_object "));
-    const std::string what = point.substr(2, point.find(" in_class ") - 2);
-    record.kind = what.substr(0, what.find(' '));
-    record.error = what.substr(std::min(record.kind.size() + 1, what.size()));
-    record.className = Between(point + "\n", " in_class ",
-                               point.find(" at ") == std::string::npos ? "\n" : " at ");
-    record.function = Between(point + "\n", " at ", "\n");
-    return record;
+    const std::string what = Between(line, "% ", " in_class ");
+    const std::string kind = what.substr(0, what.find(' '));
+    return {kind, what.substr(std::min(kind.size() + 1, what.size())),
+            Between(line, " in_class ", " at"), // or " at_point", with a number
+            Between(line, " at ", " for_object "), line};
 }
 
 bool Fits(const std::string& wanted, const std::string& found)
@@ -71,7 +66,7 @@ long long CountHandles()
     typedef decltype(&NtQuerySystemInformation) Query;
     const auto query = reinterpret_cast<Query>(reinterpret_cast<void (*)()>(
         GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-    std::vector<char> buffer(1 << 16);
+    std::vector<char> buffer(1 << 10);
     while (!NT_SUCCESS(
         query(SystemHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()), nullptr)))
         buffer.resize(buffer.size() * 2);

@@ -23,10 +23,6 @@ struct CarryingError : MError {
     MString text;
 };
 
-struct UnclonableError : MError {
-    MDynObject* Clone() const override { return nullptr; }
-};
-
 MException MakeException()
 {
     MError error(L"Pump.Drain:Blocked");

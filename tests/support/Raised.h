@@ -4,6 +4,11 @@
 
 #include <string>
 
+/// An error for which a chain has a null entry.
+struct UnclonableError : MError {
+    MDynObject* Clone() const override { return nullptr; }
+};
+
 /// The newest failure of `exception` as text: its Code, and its parameters as " name=value".
 std::string FailureText(const MException& exception);
 

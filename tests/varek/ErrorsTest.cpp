@@ -1,6 +1,8 @@
 // Texts, failures, chains, and the line that traces.
 
 #include "varek/Errors.h"
+#include "diagnostics/FlowEvent.h"
+#include "diagnostics/MFlowLogger.h"
 #include "engine/PlatformEvent.h"
 #include "foundation/MErrorOutOfMemory.h"
 #include "tests/support/LeakCheck.h"
@@ -80,6 +82,7 @@ TEST(Text, ComparesJoinsStreamsAndGoesBothWays)
             EXPECT_EQ(a + b, varek::FromUtf8(varek::ToUtf8(left + right)));
         }
     EXPECT_EQ("\xE2\x82\xAC", varek::ToUtf8(L"\x20AC"));
+    EXPECT_TRUE(MString() == static_cast<const wchar_t*>(nullptr));
 }
 
 TEST(Raise, ShowsValuesOfEveryKind)
@@ -105,6 +108,7 @@ TEST(Errors, OfAChainAreWalkedFoundAndToldInOneLine)
         error.AddParameter(L"code", code);
         exception.AddError(error);
     }
+    exception.AddError(UnclonableError()); // a null entry, which is passed over
     exception.AddError(MErrorOutOfMemory());
     std::wstring codes;
     const varek::Errors errors(exception);
@@ -116,6 +120,7 @@ TEST(Errors, OfAChainAreWalkedFoundAndToldInOneLine)
     EXPECT_EQ(exception.GetError(2), varek::FindError(exception, L"Bare"));
     EXPECT_EQ(nullptr, varek::FindError(exception, L"Open"));
     EXPECT_TRUE(varek::ParameterOf(*exception.GetError(2), L"code") == L"Bare");
+    EXPECT_TRUE(varek::ParameterOf(*exception.GetError(2), L"none") == L"");
     EXPECT_EQ("Out of memory, caused by Bare (code=Bare), caused by Pump.Drain:RunsDry "
               "(code=Pump.Drain:RunsDry), caused by Valve.Open:Stuck (code=Valve.Open:Stuck)",
               varek::What(exception));
@@ -141,6 +146,9 @@ TEST(Trace, NamesClassesFunctionsAndObjectsWhereverTheLineStands)
         .Before(varek::ScopeEnd(L"Kettle", L"Heat"))
         .Before(varek::Error(L"Lost"))
         .Before(varek::ScopeEnd(L"", L"Free"));
+    recording.ExpectNone(varek::Scope(L"Kettle", L"Drain"));
+    MFlowLogger::GetInstance()->GetImplementation()->LogEvent(FlowEventTimingPoint, 1, 2, 0, 5, 0);
+    recording.Expect({"Timing_point", "(1, 2)", "(unknown)", ""});
 }
 
 TEST(Testing, WhatIsNotAsExpectedIsToldAndLeaksAreCounted)

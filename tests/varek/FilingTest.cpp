@@ -2,7 +2,9 @@
 
 #include "varek/Filing.h"
 #include "filers/MFilerTaggedPair.h"
+#include "filers/MInFilerTaggedXml.h"
 #include "filers/MOutFilerTaggedXml.h"
+#include "tests/support/FailingCalls.h"
 #include "tests/support/Raised.h"
 #include "tests/varek/LeavesNothing.h"
 #include "varek/Errors.h"
@@ -44,6 +46,7 @@ struct Everything {
                std::vector<Window>, std::vector<std::vector<MString>>, std::unique_ptr<Window>,
                std::unique_ptr<int>, MError, MException>
         values;
+    bool works = true; ///< whether filers take it, or have it
 };
 
 template <std::size_t... numbers>
@@ -51,12 +54,12 @@ void DescribeEach(varek::Filing& filing, Everything& all, std::index_sequence<nu
 {
     const bool filed[] = {
         filing(varek::detail::ItemTag(numbers), std::get<numbers>(all.values))...};
-    EXPECT_EQ(std::end(filed), std::find(std::begin(filed), std::end(filed), false));
+    EXPECT_EQ(all.works ? 27 : 0, std::count(std::begin(filed), std::end(filed), true));
 }
 
 void Describe(varek::Filing& filing, Everything& all)
 {
-    EXPECT_EQ(3u, filing.Version(3));
+    EXPECT_EQ(all.works || !filing.IsReading() ? 3u : 0u, filing.Version(3));
     DescribeEach(filing, all, std::make_index_sequence<27>());
 }
 
@@ -76,7 +79,7 @@ Everything Filled()
 }
 
 struct Settings {
-    int rate = 0;
+    long long rate = 0;
     double zoom = 0;
     std::vector<int> sizes;
     Window window;
@@ -87,19 +90,11 @@ void Describe(varek::Filing& filing, Settings& settings)
 {
     settings.version = filing.Version(2);
     filing.Retired<int>(L"Colour");
+    filing.Retired<Window>(L"Frame");
     filing(L"Zoom", settings.zoom, 1.5);
     filing(L"Rate", settings.rate, 50);
     filing(L"Sizes", settings.sizes, std::vector<int>{8, 9});
     filing(L"Window", settings.window);
-}
-
-struct Untold {
-    Window window;
-};
-
-void Describe(varek::Filing& filing, Untold& untold)
-{
-    filing(L"no tag", untold.window);
 }
 
 std::string Missing(const varek::Reading& reading)
@@ -117,7 +112,17 @@ std::string FileText()
     return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
 }
 
+const char createFile[] = "CreateFileW";
+const char readFile[] = "ReadFile";
+const char writeFile[] = "WriteFile";
+
 } // namespace
+
+extern "C" {
+decltype(&CreateFileW) __imp_CreateFileW = CallOrFail<createFile, -1>;
+decltype(&ReadFile) __imp_ReadFile = CallOrFail<readFile, FALSE>;
+decltype(&WriteFile) __imp_WriteFile = CallOrFail<writeFile, FALSE>;
+}
 
 TEST(Filing, EveryTypeGoesThroughBothBackEnds)
 {
@@ -140,12 +145,16 @@ TEST(Filing, WhatIsMissingIsDefaultAndTold)
         int rate;
     } documents[] = {
         {L"<Settings/>", "Zoom Rate Sizes Window ", 50},
-        {L"<Settings><Colour type='int'>7</Colour><Rate type='int'>30</Rate></Settings>",
-         "Zoom Sizes Window ", 30}, // of an older version
-        {L"<Settings><Zoom type='float'>2</Zoom><Rate type='int'>x</Rate><Sizes>"
+        {L"<Settings><Colour type='int'>7</Colour><Frame><Left type='int'>1</Left></Frame>"
+         L"<Rate type='string'>-30</Rate></Settings>",
+         "Zoom Sizes Window ", -30}, // of an older version
+        {L"<Settings><Zoom type='float'>2</Zoom><Rate type='string'/><Sizes>"
          L"<Count type='uint'>4000000000</Count><Item1 type='int'>1</Item1></Sizes><Window>"
-         L"<Title type='string'>t</Title></Window></Settings>",
+         L"<Left type='int'>x</Left><Title type='string'>t</Title></Window></Settings>",
          "Rate Sizes/Item2 Window/Left ", 50},
+        {L"<Settings><Rate type='string'>30x</Rate></Settings>", "Zoom Rate Sizes Window ", 50},
+        {L"<Settings><Rate type='string'>9223372036854775808</Rate></Settings>",
+         "Zoom Rate Sizes Window ", 50},
     };
     for (const auto& document : documents) {
         Settings settings;
@@ -156,8 +165,9 @@ TEST(Filing, WhatIsMissingIsDefaultAndTold)
         EXPECT_EQ(settings.zoom == 2 ? 1u : 2u, settings.sizes.size());
     }
     Settings settings;
-    EXPECT_EQ("nothing there: Zoom Rate Sizes Window ",
-              Missing(varek::LoadXml(L"C:\\Temp\\no-such-file", settings)));
+    for (const wchar_t* file : {L"C:\\Temp\\no-such-file", L"C:\\no\\such\\folder"})
+        EXPECT_EQ("nothing there: Zoom Rate Sizes Window ",
+                  Missing(varek::LoadXml(file, settings)));
     EXPECT_EQ(50, settings.rate);
     settings.rate = 1;
     for (const wchar_t* text : {L"", L"<Other/>", L"<Settings>"})
@@ -182,11 +192,35 @@ TEST(Filing, FailuresHaveTheFormThatTheyHaveEverywhere)
     MError error;
     EXPECT_EQ("", Missing(varek::FromXml(varek::ToXml(*chain.GetError(0)), error)));
     EXPECT_TRUE(error.GetCode() == L"Valve.Open:Stuck");
-    EXPECT_EQ("varek.ToXml:CannotFile tag=no tag", Raised([] { varek::ToXml(Untold()); }));
     EXPECT_EQ("no error", varek::What(read));
 }
 
-TEST(Filing, WithoutMemoryNothingIsLeftAndAFileIsReplacedAsAWholeOrNotAtAll)
+TEST(Filing, WhatCannotBeFiledIsToldAndReadAsNew)
+{
+    Everything fresh, all = Filled();
+    std::get<Window>(fresh.values) = {40, L"none"};
+    MOutFilerTaggedXml closed(nullptr, nullptr), open(L"r", nullptr);
+    MInFilerTaggedXml nothing(MString(), nullptr, nullptr);
+    varek::Filing writing(closed), reading(nothing, true), filing(open);
+    all.works = false;
+    for (varek::Filing* refused : {&writing, &reading}) {
+        Describe(*refused, all);
+        EXPECT_FALSE((*refused)(L"Group", all));
+    }
+    all.works = true;
+    EXPECT_TRUE(varek::ToXml(fresh) == varek::ToXml(all));
+    EXPECT_EQ(28u, reading.GetReading().missing.size()); // each, and the group
+    all.works = false;
+    EXPECT_EQ("varek.ToXml:CannotFile tag=Version", Raised([&] { varek::ToXml(all, L"9"); }));
+    for (const wchar_t* tag : {L"Window", L"Other"}) {
+        const varek::FilingGroup group(filing, tag);
+        while (open.EndGroup()) {
+        }
+    }
+    EXPECT_TRUE(filing.GetFailedTag() == L"Window"); // which had been ended before
+}
+
+TEST(Filing, WhateverFailsNothingIsLeftAndAFileIsReplacedAsAWholeOrNotAtAll)
 {
     Window window{3, L"\x20AC"};
     Settings settings;
@@ -196,7 +230,7 @@ TEST(Filing, WithoutMemoryNothingIsLeftAndAFileIsReplacedAsAWholeOrNotAtAll)
     const std::function<void()> filings[] = {
         [&] { varek::SaveXml(path, window); }, [&] { varek::LoadXml(path, window); },
         [&] { varek::SaveRegistry(area, settings); }, [&] { varek::LoadRegistry(area, settings); }};
-    for (const auto& file : filings)
+    for (const auto& file : filings) {
         EXPECT_TRUE(LeavesNothing([&] {
             settings = Settings();
             ForEachFailingAllocation(AllocationFailure::Throws, file, [&](ShortageOutcome outcome) {
@@ -204,6 +238,14 @@ TEST(Filing, WithoutMemoryNothingIsLeftAndAFileIsReplacedAsAWholeOrNotAtAll)
                 EXPECT_EQ(saved, FileText());
             });
         }));
+        for (const char* call : {createFile, readFile, writeFile}) {
+            FailNext(call, 5);
+            const std::string told = Raised(file);
+            EXPECT_EQ(DisarmFailingCall() != "",
+                      told.find("face-filing-test.xml winErrorCode=5") != std::string::npos);
+            EXPECT_EQ(saved, FileText());
+        }
+    }
     RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Varek\\FaceFilingTest");
     EXPECT_TRUE(varek::LoadXml(path, window).IsComplete());
     EXPECT_EQ(L"\x20AC", window.title);
@@ -215,6 +257,7 @@ TEST(Filing, WithoutMemoryNothingIsLeftAndAFileIsReplacedAsAWholeOrNotAtAll)
     EXPECT_EQ("varek.LoadXml:CannotRead path=C:\\Temp winErrorCode=5",
               Raised([&] { varek::LoadXml(L"C:\\Temp", window); }));
     WIN32_FIND_DATAW found;
-    EXPECT_EQ(INVALID_HANDLE_VALUE, FindFirstFileW(L"C:\\Temp*.new", &found));
+    for (const wchar_t* fresh : {L"C:\\Temp*.new", L"C:\\Temp\\face-filing-test*.new"})
+        EXPECT_EQ(INVALID_HANDLE_VALUE, FindFirstFileW(fresh, &found));
     DeleteFileW(path.c_str());
 }

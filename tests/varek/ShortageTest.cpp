@@ -1,5 +1,6 @@
-// The face without memory, and in storms that meet a stop.
+// The face without memory, where the system refuses, and in storms that meet a stop.
 
+#include "tests/support/FailingCalls.h"
 #include "tests/support/LeakCheck.h"
 #include "tests/varek/Calls.h"
 #include "tests/varek/FaceModule.h"
@@ -20,7 +21,52 @@ void RunOnWorker(const Action& work)
     done.Pass();
 }
 
+const char createTimer[] = "CreateWaitableTimerW";
+const char setTimer[] = "SetWaitableTimer";
+const char findResource[] = "FindResourceW";
+
 } // namespace
+
+extern "C" {
+decltype(&CreateWaitableTimerW) __imp_CreateWaitableTimerW = CallOrFail<createTimer, 0>;
+decltype(&SetWaitableTimer) __imp_SetWaitableTimer = CallOrFail<setTimer, FALSE>;
+decltype(&FindResourceW) __imp_FindResourceW = CallOrFail<findResource, 0>;
+}
+
+TEST(Refusal, IsRaisedInWordsAndNothingRunsForIt)
+{
+    LeakCheck::Skip(); // names
+    Gate gate;
+    StartedProcessor processor;
+    varek::Worker worker;
+    const Action never = [] { ADD_FAILURE(); };
+    const Action call = [&] { varek::CallFor(std::chrono::milliseconds(1), processor, never); };
+    const Action name = [&] { worker.Every(std::chrono::hours(1), never); };
+    const struct {
+        const char* refused;
+        DWORD error;
+        Action action;
+        const char* told;
+    } refusals[] = {
+        {"CreateEventW", 5, call, "varek.Call:WaitFailed winErrorCode=5"},
+        {"WaitForMultipleObjects", WAIT_FAILED, call, "varek.Call:WaitFailed winErrorCode=429496"},
+        {"WaitForMultipleObjects", 1, call, "varek.Call:ThreadExitedUnexpectedly"},
+        {"WaitForSingleObject", WAIT_FAILED, [] { varek::AwaitEvents(); },
+         "varek.AwaitEvents:TimedOut"},
+        {createTimer, 5, name, "varek.Worker:CannotMakeTimer winErrorCode=5"},
+        {setTimer, 5, [&] { worker.Start(); }, "varek.Worker:CannotSetTimer winErrorCode=5"},
+        {findResource, 5, [] { varek::Host(L"face-module.dll"); }, " moduleSdk= by "}};
+    name();
+    std::future<void> busy = varek::CallAsync(processor, [&] { gate.Pass(); });
+    for (const auto& each : refusals) {
+        FailNext(each.refused, each.error);
+        EXPECT_NE(std::string::npos, Raised(each.action).find(each.told)) << each.told;
+    }
+    gate.Open();
+    processor.Stop();
+    FailNext("WaitForMultipleObjects", 1); // its thread has ended
+    EXPECT_EQ("varek.Call:CommandProcessingAborted", Raised(call));
+}
 
 TEST(Shortage, WhateverIsDoneIsDoneOnceOrRaisedAndLeavesNothing)
 {
