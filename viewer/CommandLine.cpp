@@ -26,7 +26,8 @@ constexpr char remarks[] =
 /// What CLI11 fills, before it is understood.
 struct Words {
     std::vector<std::string> files;
-    std::string trace, page, by, object, from, to;
+    std::string trace, page, object, from, to;
+    std::string by = "function";
     bool tree = false, list = false, stats = false, diff = false;
 };
 
@@ -118,10 +119,9 @@ void Understand(const Words& words, CommandLine& line)
         line.dumps.clear();
     for (const std::string& file : words.files)
         line.dumps.push_back(std::filesystem::u8path(file));
-    if (!words.by.empty())
-        line.by = words.by == "class"    ? ScopeStatistics::By::Class
-                  : words.by == "object" ? ScopeStatistics::By::Object
-                                         : ScopeStatistics::By::Function;
+    line.by = words.by == "class"    ? ScopeStatistics::By::Class
+              : words.by == "object" ? ScopeStatistics::By::Object
+                                     : ScopeStatistics::By::Function;
     line.filter.object = words.object;
     line.filter.address = AddressIn(words.object);
     line.from = MomentOf("--from", words.from);

@@ -54,12 +54,15 @@ TEST(DumpReader, PairsTimesWithTheWallClockOverMidnightAndLeapDays)
               ReadText(lead + "Mon Feb 28 23:59:59 2028\n").WallClockAt(1001000));
     EXPECT_EQ("2027-12-31 23:59:59.999",
               ReadText(lead + "Sat Jan  1 00:00:00 2028\n").WallClockAt(-1));
+    EXPECT_EQ("1600-02-29 23:59:59.999",
+              ReadText(lead + "Wed Mar  1 00:00:00 1600\n").WallClockAt(-1));
 }
 
 TEST(DumpReader, ShowsAllTextAsUtf8WithoutControls)
 {
     EXPECT_EQ("\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80\xEF\xBF\xBD",
               Utf8::FromUtf16(std::string("\xFC\0\xAC\x20\x3D\xD8\x00\xDE\x00\xD8", 10), false));
+    EXPECT_EQ("\xEF\xBF\xBD\xEE\x80\x80", Utf8::FromUtf16(std::string("\0\xD8\0\xE0", 4), false));
     EXPECT_EQ("M\xC3\xBCll", Utf8::FromName("M\xFCll"));
     EXPECT_EQ("M\xC3\xBCll", Utf8::FromName("M\xC3\xBCll"));
     EXPECT_EQ("a\357\277\275b\357\277\275", Utf8::FromName("a\033b\n"));
@@ -69,21 +72,18 @@ TEST(DumpReader, ShowsAllTextAsUtf8WithoutControls)
 // All records, all names, and a sentence that says what was done unless that is common.
 TEST(DumpReader, ReadsWhatEditorsShellsAndMailMakeOfADump)
 {
-    const std::string plain = sampleDump;
+    const std::string plain = sampleDump + RecordLines(13000000, 42, "f");
     const std::string mailed = "Lines had been quoted, indented, trimmed or wrapped; they were put "
                                "back together.";
     const std::string guessed = "The text was taken for UTF-16, though no mark says so.";
-    const struct {
-        const char* what;
-        std::string text;
-        std::string finding;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::string> cases[] = {
         {"line ends", Replaced(plain, "\n", "\r\n"), ""},
         {"marked UTF-8", "\xEF\xBB\xBF" + plain, ""},
         {"marked UTF-16", "\xFF\xFE" + Utf16(plain), ""},
         {"marked UTF-16, big-endian", "\xFE\xFF" + Utf16(Replaced(plain, "\n", "\r\n"), true), ""},
         {"trimmed", Replaced(plain, "\n +", "\n"), mailed},
-        {"tabs", Replaced(plain, "\n    ", "\n\t"), mailed},
+        {"tabs", Replaced(Replaced(plain, "\n    ", "\n\t"), ", 36\n", ",\t36\n"), mailed},
+        {"seconds", Replaced(plain, "(^|\n)(?=.)", "$010.123456 "), mailed},
         {"indented", Replaced(plain, "(^|\n)(?=.)", "$1    "), mailed},
         {"quoted", Replaced(plain, "(^|\n)(?=.)", "$1> > "), mailed},
         {"log", Replaced(plain, "(^|\n)(?=.)", "$012:00:00.123456 INFO [7] "), mailed},
@@ -105,16 +105,29 @@ TEST(DumpReader, ReadsWhatEditorsShellsAndMailMakeOfADump)
     }
 }
 
-// A constructor has the name of its class, and so tells how to read the other line.
+// A constructor has the name of its class, and so tells how to read a line with that; this tells
+// how to read one with the same function, and so on.
 TEST(DumpReader, TellsNamesApartByTheirNumbersOrSaysThatItCannot)
 {
-    const std::string once = RecordLines(0, EventKind::ScopePush, "A at B.c at d");
+    const auto push = [](const char* place) { return RecordLines(0, EventKind::ScopePush, place); };
+    const std::string once = push("A at B.c at d");
+    const std::string constructor = RecordLines(0, EventKind::Construction, "A at B.A at B");
+    const std::pair<std::string, std::string> cases[] = {
+        // and how many are left, and the first
+        {once, "1 A at B at c.d"},
+        {once + constructor + once, "0 A at B.c at d"},
+        {push("E at F.g at h") + push("E at F.c at d") + once + constructor, "0 E at F.g at h"},
+        {push("A in_class B.c"), "0 A in_class B.c"},
+        {push("A.f") + Replaced(push("A.c at d"), "in_class A", "in_class Z"), "1 A.f"},
+    };
+    for (const auto& [text, told] : cases) {
+        const Dump dump = ReadText(text);
+        EXPECT_EQ(told, std::to_string(dump.findings.doubtfulNames) + " " +
+                            Description::Place(dump.records[0], dump.names));
+    }
     EXPECT_EQ("1 line can be read in several ways, since names have \" at \" or \" in_class \" in "
               "them.",
               ReadText(once).findings.Sentences()[1]);
-    const Dump dump = ReadText(once + RecordLines(1, EventKind::Construction, "A at B.A at B"));
-    EXPECT_EQ("A at B.c at d", Description::Place(dump.records[0], dump.names));
-    EXPECT_EQ(1u, dump.findings.Sentences().size());
 }
 
 TEST(DumpReader, KnowsAHeaderInANameFromAnotherDump)
@@ -130,24 +143,30 @@ TEST(DumpReader, KnowsAHeaderInANameFromAnotherDump)
               DumpFile::Choose(dumps, 0).findings.Sentences()[0]);
     EXPECT_EQ(10u, DumpFile::Choose(dumps, 1).records.size());
     EXPECT_THROW(DumpFile::Choose(dumps, 3), std::runtime_error);
+
+    const std::string header = "%% Reference time: 1.000000 is wrong.\n";
+    const std::string cut = sampleDump + ("% Notify\n" + header);
+    for (const std::string& text : {named + header, cut, cut + "\n\n\n\n\n"})
+        EXPECT_EQ(2u, DumpFile::Read(text).size()) << text;
 }
 
-// The ring is dumped from the 10th record on by another reference, 30 seconds later; at the 20th
-// the dump meets what is newer than that, and at the 25th the reference moves once more.
+// The ring is dumped from the 1000th record on by another reference, 30 seconds later; at the
+// 2000th the dump meets what is newer than that, and at the 2500th the reference moves once more.
+// There, threads that are not known yet come first.
 TEST(DumpReader, PutsAgesOnOneAxisWhereTheirReferenceWasOverwritten)
 {
     const std::int64_t second = 1000000;
     std::string text = "%% Reference time: -1.000000 is approximately 0ms past "
                        "Mon Feb 28 10:00:00 2028\n";
-    for (std::int64_t i = 0; i < 30; ++i) {
-        const std::int64_t time = i * 1000 + (i < 20 ? 0 : 60 * second);
-        const std::int64_t reference = i < 10 ? 0 : i < 25 ? 30 * second : 100 * second;
+    for (std::int64_t i = 0; i < 3000; ++i) {
+        const std::int64_t time = i * 1000 + (i < 2000 ? 0 : 60 * second);
+        const std::int64_t reference = i < 1000 ? 0 : i < 2500 ? 30 * second : 100 * second;
         text += RecordLines(time - reference, EventKind::TimingPoint, "p",
-                            static_cast<std::int32_t>(i % 2 + 1));
+                            static_cast<std::int32_t>(i % 500 == 0 ? i + 3 : i % 2 + 1));
     }
     const Dump dump = ReadText(text);
     EXPECT_EQ(0, dump.Begin());
-    EXPECT_EQ(60 * second + 27 * 1000, dump.End()); // each jump takes the gap that it is in
+    EXPECT_EQ(60 * second + 2997 * 1000, dump.End()); // each jump takes the gap that it is in
     EXPECT_EQ("2028-02-28 10:00:01.000", dump.WallClockAt(0));
     EXPECT_EQ(Sentences{"2 times the ages jump back, to another reference; they were put on one "
                         "axis."},
@@ -183,8 +202,9 @@ TEST(DumpReader, SaysWhatIsMissingOrDamaged)
     const std::string numbers = other.substr(other.find('\n') + 1);
     const std::string message = RecordLines(7, EventKind::MessageSend, "f");
 
-    EXPECT_THROW(ReadText(""), NotADump);
-    EXPECT_THROW(ReadText("%PDF-1.4\n% some\n    1, 2\n"), NotADump);
+    for (const std::string& text : {std::string(), std::string("%%"), std::string(100, '\0'),
+                                    std::string("%PDF-1.4\n% some\n    1, 2\n")})
+        EXPECT_THROW(ReadText(text), NotADump) << text;
     EXPECT_EQ(Sentences{"The recorder did not know the wall clock."},
               ReadText(header).findings.Sentences());
     EXPECT_EQ(Sentences{"The header is missing, so the wall clock is unknown."},
@@ -193,11 +213,12 @@ TEST(DumpReader, SaysWhatIsMissingOrDamaged)
     const Dump named = ReadText(Replaced(message, "send", "send hello"));
     EXPECT_EQ("hello", named.names.Parameter(named.records[0]));
 
-    const Dump mixed =
-        ReadText("$ type dump\n" + header + "noise\n" + event.substr(0, event.find('\n') + 1) +
-                 "more\n" + other + "*OUT OF BOUNDS*\n\n" + event.substr(0, 30) + "\n" + numbers +
-                 RecordLines(4, EventKind::Notify, "f") + Replaced(event, "\\(0, 0", "(0, 0x") +
-                 numbers + message + RecordLines(9, EventKind::Notify, "f", 0));
+    const Dump mixed = ReadText(
+        "$ type dump\n" + header + "noise\n" + event.substr(0, event.find('\n') + 1) + "more\n" +
+        other + "*OUT OF BOUNDS*\n\n% Scope_push\n" + numbers +
+        Replaced(numbers, "0\\.", "4000000001.") + Replaced(numbers, "0\\.", "-4000000001.") +
+        RecordLines(4, EventKind::Notify, "f") + Replaced(event, "\\(0, 0", "(0, 0x") + numbers +
+        message + RecordLines(9, EventKind::Notify, "f", 0));
     EXPECT_EQ(7u, mixed.records.size());
     EXPECT_EQ(4, mixed.Begin());
     EXPECT_EQ((Sentences{"The recorder did not know the wall clock.",
@@ -206,6 +227,6 @@ TEST(DumpReader, SaysWhatIsMissingOrDamaged)
                          "1 record was still being written, and has no thread.",
                          "1 record was out of bounds.",
                          "2 records stood out of order: the ring went on while it was dumped.",
-                         "3 lines are not of the dump and were skipped, the first at line 1."}),
+                         "5 lines are not of the dump and were skipped, the first at line 1."}),
               mixed.findings.Sentences());
 }

@@ -57,48 +57,65 @@ std::string UndismissedIn(const std::string& story)
 
 } // namespace
 
-TEST(Flows, GoFromCallsToTheirCommandsInOrderOfArrival)
+TEST(Flows, GoFromCallsToTheirCommandsAndFromSchedulingToFiringInOrder)
 {
-    EXPECT_EQ("0>1", FlowsOf("1+call 2+execute 2-execute 1-call"));
-    RecordFilter caller;
-    caller.thread = "1";
-    EXPECT_TRUE(RecordingsOf(StoryOf("1+call 2+execute 1-call"), caller)[0].flows.empty());
-    EXPECT_EQ("0>1", FlowsOf("1+face 2+execute 2-execute 1-face"));
-    EXPECT_EQ("0>2 1>4",
-              FlowsOf("1+call 2+call 3+execute 3-execute 3+execute 3-execute 2-call 1-call"));
-    // The second wakes first; a command that nobody waits for runs in front of the call's.
-    EXPECT_EQ("0>2 1>5",
-              FlowsOf("1+call 2+call 3+execute 3-execute 1-call 3+execute 3-execute 2-call"));
-    EXPECT_EQ("0>3", FlowsOf("1+call 3+execute 3-execute 3+execute 3-execute 1-call"));
-    // Still at it at the end; an Execute inside is a function like any other.
-    EXPECT_EQ("0>1", FlowsOf("1+call 3+execute 3+execute 3-execute"));
-    EXPECT_EQ("", FlowsOf("3+execute 3-execute 1+call 1-call 1+call 1+execute 1-execute 1-call"));
+    const std::pair<const char*, const char*> stories[] = {
+        {"0>1", "1+call 2+execute 2-execute 1-call 3+execute 3-execute"},
+        {"0>1", "1+face 2+execute 2-execute 1-face"},
+        {"0>2 1>4", "1+call 2+call 3+execute 3-execute 3+execute 3-execute 2-call 1-call"},
+        // The second wakes first; a command that nobody waits for runs in front of the call's.
+        {"0>2 1>5", "1+call 2+call 3+execute 3-execute 1-call 3+execute 3-execute 2-call"},
+        {"0>3", "1+call 3+execute 3-execute 3+execute 3-execute 1-call"},
+        {"0>3", "1+call 2+execute 2-execute 3+execute 3-execute 1-call"},
+        {"0>3", "1+call 3+execute 3-execute 2+execute 2-execute 1-call"},
+        // Still at it at the end; an Execute inside is a function like any other.
+        {"0>1", "1+call 3+execute 3+execute 3-execute"},
+        {"", "3+execute 3-execute 1+call 1-call 1+call 1+execute 1-execute 1-call"},
+        // What other functions hand over, and marks.
+        {"", "1+varek.Post 1+MCommandProcessor.Abort 2+execute 2.execute 1.call 2-execute"},
+        {"0>3 1>5", "1.schedule 2.schedule 3+burst 3+fire 3-fire 3+fire 3.fire 3-fire 3-burst"},
+        {"0>2", "1.schedule 3+burst 3.fire 3.fire 3-burst"},
+        {"0>4 1>5 2>6", "1+schedule 1.schedule 2.schedule 3+burst 3.fire 3.Other.Fire 3+fire"},
+        // Outside of bursts, on another thread, in other functions, before all that was scheduled.
+        {"0>3", "1.schedule 3.fire 3+burst 3.fire 4.fire 3-burst 3.fire"},
+        {"", "1.MDesyncEventScheduler.Stop 3+burst 3.fire 3.burst 3-burst 1!schedule 1.schedule"},
+        // What left no record of its firing is over when the next burst begins.
+        {"0>2", "1.schedule 3+burst 3+fire 3-fire 3.fire 3-burst 3+burst 3-burst"},
+        {"4>6", "1.schedule 3+burst 3.Event.Other 3-burst 1.schedule 3+burst 3.fire 3-burst"},
+    };
+    for (const auto& [flows, story] : stories)
+        EXPECT_EQ(flows, FlowsOf(story)) << story;
 }
 
-TEST(Flows, GoFromSchedulingToFiringInOrder)
+TEST(Flows, PassAFilterThatBothTheirEndsPass)
 {
-    EXPECT_EQ("0>3 1>5", FlowsOf("1.schedule 2.schedule 3+burst 3+fire 3-fire 3+fire 3.fire 3-fire"
-                                 " 3-burst 3.fire"));
-    EXPECT_EQ("0>2", FlowsOf("1.schedule 3+burst 3.fire 3.fire 3-burst"));
-    // What left no record of its firing is over when the next burst begins.
-    EXPECT_EQ(
-        "4>6",
-        FlowsOf("1.schedule 3+burst 3.Event.Other 3-burst 1.schedule 3+burst 3.fire 3-burst"));
+    const Dump story = StoryOf("1+call 2+execute 1-call");
+    const std::tuple<const char*, int, std::size_t> filters[] = {
+        {"", 1, 1}, {"", 0, 0}, {"1", 1, 0}, {"2", 1, 0}};
+    for (const auto& [thread, to, flows] : filters)
+        EXPECT_EQ(flows, RecordingsOf(story, {thread, "", "", {}, 0, to})[0].flows.size());
 }
 
 TEST(ErrorFates, FollowErrorsThroughChainsAndCallsToTheirDismissal)
 {
-    EXPECT_EQ("", UndismissedIn("1+A.a 1!A.b 1*A.a"));
-    EXPECT_EQ("1", UndismissedIn("1+A.a 1!A.b 2*A.a"));
-    EXPECT_EQ("", UndismissedIn("1+A.a 1+A.b 1!A.b 1-A.b 1!A.a 1*A.a")); // one chain
-    EXPECT_EQ("1", UndismissedIn("1+A.a 1!A.b 1+A.b 1!A.b 1*A.a")); // the thread went on between
-    EXPECT_EQ("", UndismissedIn("1+call 2+execute 2!A.b 2-execute 1-call 1*A.a"));
+    const std::pair<const char*, const char*> stories[] = {
+        {"", "1+A.a 1!A.b 1*A.a"},
+        {"1", "1+A.a 1!A.b 2*A.a"},
+        {"", "1+A.a 1+A.b 1!A.b 1/A.b 1-A.b 1^A.a 1*A.a"}, // one chain
+        {"1", "1+A.a 1!A.b 1+A.b 1!A.b 1*A.a"},            // the thread went on between
+        {"", "1+call 2+execute 2!A.b 2-execute 1-call 1*A.a"},
+        // To the caller goes what was raised in the command, and from its chain.
+        {"0 5", "2!A.b 1+call 2+execute 2!A.b 2-execute 2!A.b 1-call 1*A.a"},
+        {"2", "1+call 2+execute 2!A.b 2-execute 1-call 2!A.b 2*A.a"},
+    };
+    for (const auto& [errors, story] : stories)
+        EXPECT_EQ(errors, UndismissedIn(story)) << story;
 }
 
 TEST(EndReport, TellsWhereEachThreadWasAndWhatFailed)
 {
     Dump dump =
-        DumpOfPlaces("1+Pump.Drain 2+Valve.Turn 1+Pump.Fill 2!Valve.Turn 3+A.a 3-A.a 1.Pump.Fill");
+        DumpOfPlaces("1+Pump.Drain 2+Valve.Turn 1+Pump.Fill 2!Valve.Turn 3+A.a 3-A.a 1<Pump.Fill");
     dump.crash = Crash{2, "access violation"};
     EXPECT_EQ(R"(
 Crashed: 2, access violation
@@ -110,7 +127,7 @@ At the end
   1
      0.000006  in Pump.Drain
      0.000004  in Pump.Fill
-     0.000000  since Timing_point (0, 0) at Pump.Fill
+     0.000000  since Log_module_added
   in no scope: 3
 
 Errors raised and not dismissed
@@ -118,25 +135,31 @@ Errors raised and not dismissed
                  in Valve.Turn
 )",
               EndReport::Compose(RecordingsOf(std::move(dump))[0]));
+    // Filtered by a time in which a thread records nothing.
+    const Recordings late = RecordingsOf(DumpOfPlaces("1+A.a 1!A.a 2.B.b"), {"", "", "", {}, 2, 9});
+    EXPECT_EQ("\nAt the end\n  1\n     0.000002  in A.a\n  in no scope: 2\n",
+              EndReport::Compose(late[0]));
 }
 
 TEST(Merging, PutsDumpsOnOneAxisByTheirWallClocks)
 {
-    const std::string lead = "%% Reference time: -1.000000 is approximately 500ms past ";
     std::vector<Dump> dumps;
-    dumps.push_back(ReadText(lead + "Mon Feb 28 10:00:02 2028\n" + RecordLines(0, -1, "late")));
-    dumps.push_back(ReadText(lead + "Mon Feb 28 10:00:00 2028\n" + RecordLines(0, -1, "early")));
-    const Recordings merged = Merging::Merge(std::move(dumps), {"b.log", "a.log"});
-    EXPECT_EQ("     0.000000  2028-02-28 10:00:01.500  a.log: 7  Timing_point at C.early\n"
-              "     2.000000  2028-02-28 10:00:03.500  b.log: 7  Timing_point at C.late\n",
+    for (const char* second : {"02", "00", "01"})
+        dumps.push_back(ReadText("%% Reference time: -1.000000 is approximately 500ms past "
+                                 "Mon Feb 28 10:00:" +
+                                 std::string(second) + " 2028\n" + RecordLines(0, -1, second)));
+    const Recordings merged = Merging::Merge(dumps, {"c.log", "a.log", "b.log"});
+    EXPECT_EQ("     0.000000  2028-02-28 10:00:01.500  a.log: 7  Timing_point at C.00\n"
+              "     1.000000  2028-02-28 10:00:02.500  b.log: 7  Timing_point at C.01\n"
+              "     2.000000  2028-02-28 10:00:03.500  c.log: 7  Timing_point at C.02\n",
               RecordList::Compose(merged));
-    EXPECT_EQ("", BrokenTraceRule(TraceEvents::Compose(merged), 2));
+    EXPECT_EQ("", BrokenTraceRule(TraceEvents::Compose(merged), 3));
     EXPECT_NE(std::string::npos, Summary::Compose(merged).find("\nb.log, 1 record\n"));
 
-    dumps.clear();
-    dumps.push_back(ReadText(lead + "Mon Feb 28 10:00:02 2028\n" + RecordLines(0, -1, "known")));
-    dumps.push_back(DumpOf("."));
-    const Recordings apart = Merging::Merge(std::move(dumps), {"a.log", "b.log"});
-    EXPECT_TRUE(apart[1].dump.findings.notMerged);
-    EXPECT_NE(std::string::npos, RecordList::Compose(apart).find("0.000000  b.log: 7  Timing"));
+    for (const Dump& known : {dumps[0], DumpOf(".")}) {
+        const Recordings apart = Merging::Merge({DumpOf("."), known}, {"a.log", "b.log"});
+        EXPECT_EQ(known.start.has_value(), apart[0].dump.findings.notMerged);
+        EXPECT_NE(known.start.has_value(), apart[1].dump.findings.notMerged);
+        EXPECT_NE(std::string::npos, RecordList::Compose(apart).find("0.000000  a.log: 7  Timing"));
+    }
 }

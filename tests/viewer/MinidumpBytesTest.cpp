@@ -34,7 +34,6 @@ bool Tells(const std::string& bytes)
 TEST(MinidumpBytes, TellTheSameFromEachKindOfList)
 {
     for (const char* name : {"streams", "list", "list64"}) {
-        const Recordings recordings = RecordingsOf(Seed(name));
         EXPECT_EQ(R"(Thread 7 Host
          time         took
      0.000000               - Construction at Pump.Pump (main pump), line 32
@@ -45,9 +44,9 @@ Thread 8
          time         took
      0.000300               - State_change to Running at Pump.Drain (main pump)
 )",
-                  ScopeTree::Compose(recordings))
+                  ScopeTree::Compose(RecordingsOf(Seed(name))))
             << name;
-        const Dump& dump = recordings[0].dump;
+        const Dump dump = ReadText(Seed(name));
         EXPECT_EQ("2026-11-15 15:12:20.532", dump.WallClockAt(dump.reference));
         EXPECT_EQ("pump.exe on Windows 10.0.19045, 8 processors", dump.process);
         EXPECT_EQ("access violation C0000005 at pump.exe+1234, writing 0000000000000018",
@@ -56,11 +55,24 @@ Thread 8
     }
 }
 
+TEST(MinidumpBytes, CanBeUnusualOrDamaged)
+{
+    const std::string seed = Seed("list");
+    std::string gap = seed, undated = seed, endless = seed;
+    gap[84] += 4; // the size of the last list, between whose number of entries and these it lies
+    EXPECT_EQ(5u, ReadText(gap.insert(1392, 4, '\0')).records.size());
+    undated.replace(184, 2, "\xFF\xFF"); // where the date lies in the core
+    EXPECT_TRUE(ReadText(undated).findings.noWallClock);
+    endless.replace(792, 3, std::string("\x20\0\x40", 3)); // a name that is older than itself
+    EXPECT_TRUE(ReadText(endless).findings.namesMissing);
+}
+
 TEST(AddressSpace, JoinsWhatTouchesAndDropsWhatCannotBe)
 {
     const Bytes all("abcdefgh"), front = *all.Part(0, 4), back = *all.Part(4, 4);
-    const AddressSpace memory({{0x1004, back}, {0x1000, front}, {0x1000, all}, {~0ull, all}});
-    EXPECT_EQ(1u, memory.Ranges().size());
+    const AddressSpace memory(
+        {{0x1004, back}, {0x1000, front}, {0x1000, all}, {0x1008, front}, {~0ull, all}});
+    EXPECT_EQ(2u, memory.Ranges().size());
     EXPECT_EQ('c', memory.Read(0x1002, 6)->At<char>(0));
     EXPECT_FALSE(memory.Read(0x1002, 7));
 }
@@ -70,14 +82,15 @@ TEST(RecorderNames, AreReadFromAModulesLiteralsWhereOthersAreMissing)
 {
     const std::uint64_t module = 0x7FF680000000;
     const std::string nowhere(8, '\x10');
-    const std::string literals("P\0u\0m\0p\0\0\0P\0\a\0\0\0P\0u\0", 20);
+    const std::string literals("P\0u\0m\0p\0\0\0P\0\a\0\0\0\xE4\0\0\0\x80\0\0\0\0\1\0\0P\0u\0", 32);
     const AddressSpace memory({{module + 0x100, Bytes(literals)}});
-    const std::vector<MinidumpFile::Module> modules = {{module, 0x1000, "pump.exe"}};
+    const std::vector<MinidumpFile::Module> modules(2, {module, 0x1000, "pump.exe"});
     RecorderLayout layout = {};
     layout.nameText = 24;
     RecorderNames names(layout, Bytes(nowhere), memory, modules);
     const std::pair<std::uint32_t, const char*> offsets[] = {
-        {0x100, "Pump"}, {0x10A, ""}, {0x110, ""}, {0x900, ""}, {0x1100, ""}};
+        {0x100, "Pump"}, {0x10A, ""}, {0x110, "\xE4"}, {0x114, ""},
+        {0x118, ""},     {0x11C, ""}, {0x900, ""},     {0x1100, ""}};
     for (const auto& [offset, name] : offsets) {
         DumpRecord record = {};
         record.kind = EventKind::MessageSend;

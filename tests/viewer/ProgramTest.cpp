@@ -43,7 +43,8 @@ TEST_F(Program, ReadsAFileOrStandardInputAndWritesWhereItIsTold)
     EXPECT_EQ(0, Run("sample.log"));
     const std::string summary = Text("out");
     EXPECT_EQ(0u, summary.find("9 records in 12.345901 seconds\n"));
-    EXPECT_EQ(0, Run("- < sample.log"));
+    TextFile::Write(folder + "long.log", std::string(70000, '\n') + sampleDump);
+    EXPECT_EQ(0, Run("- < long.log"));
     EXPECT_EQ(summary, Text("out"));
 
     EXPECT_EQ(0, Run("--tree --trace trace.json --class Pump sample.log"));
@@ -68,15 +69,13 @@ TEST_F(Program, DoesWhatItIsToldOrTellsByItsExitCodeWhatWentWrong)
 {
     TextFile::Write(folder + "none.dmp", "MDMP");
     TextFile::Write(folder + "none.log", "none");
-    const struct {
-        int code;
-        const char* arguments;
-        const char* said; // among others
-    } cases[] = {
+    const std::tuple<int, const char*, const char*> cases[] = {
+        // and among what it says
         {1, "no-such.log", "varek-log: no-such.log: No such file or directory\n"},
         {1, ".", "varek-log: .: Is a directory\n"},
         {1, "--trace no-such/trace.json sample.log", "No such file"},
         {1, "--trace /dev/full sample.log", "No space left"},
+        {1, "--html /dev/full sample.log", "No space left"},
         {1, "--html ./sample.log sample.log", "this is the dump itself"},
         {1, "--dump 2 sample.log", "varek-log: sample.log: there is only 1 dump\n"},
         {1, "none.log", "varek-log: none.log: this is not a dump of a flight recorder\n"},
@@ -86,7 +85,8 @@ TEST_F(Program, DoesWhatItIsToldOrTellsByItsExitCodeWhatWentWrong)
         {0, "--help", "--help"},
         {0, "--version", "varek-log "},
         {0, "--stats --width 0 sample.log", "  Station.Serve\n"},
-        {0, "--stats --by class --format csv sample.log", "\n\"Pump\",1,0,20,20,20,20,20,0,0\n"},
+        {0, "--stats --by class --object 0xfffffffffffffff0 --format csv sample.log",
+         "\n\"Pump\",1,0,20,20,20,20,20,0,0\n"},
         {0, "--stats --by object --format json sample.log", R"({"name":"a (b) in_class c at d")"},
         {0, "--diff sample.log sample.log", "\nThe same errors, as often\n"},
         {0, "--html - sample.log", "<html"},

@@ -12,7 +12,7 @@ const char sampleDump[] =
 % Construction in_class Station at Station for_object 000000001D2C5A40 (a (b) in_class c at d) in_thread 36 (Host)
     0.000000, -14, 0, 32, 100, -104, 489445952, 36
 % Scope_push in_class Station at Serve for_object 000000001D2C5A40 (a (b) in_class c at d) in_thread 36 (Host)
-    0.000100, -7, 5, 0, 100, 108, 489445952, 36
+    0.000100, -7, 0, 5, 100, 108, 489445952, 36
 % State_change to off, in_class at in_class Station at ChangeState for_object 000000001D2C5A40 (a (b) in_class c at d) in_thread 260 (in_thread 36 (x))
     0.000250, -25, 1, 0, 100, 112, 489445952, 260
 % Scope_push in_class Pump at Drain for_object FFFFFFFFFFFFFFF0 (unknown) in_thread 36 (Host)
@@ -26,7 +26,7 @@ const char sampleDump[] =
 % Timing_point (1, -2) in_class (unknown) at_point 55 for_object 0000000000000000 (unknown) in_thread 260 (in_thread 36 (x))
     1.000000, 0, 1, -2, 500, 55, 0, 260
 % Scope_pop in_class Station at Serve for_object 000000001D2C5A40 (a (b) in_class c at d) in_thread 36 (Host)
-    12.345901, -8, 5, 0, 100, 108, 489445952, 36
+    12.345901, -8, 0, 5, 100, 108, 489445952, 36
 )";
 
 namespace
@@ -116,11 +116,12 @@ Dump DumpOf(const std::string& story)
 
 Dump DumpOfPlaces(const std::string& story)
 {
-    const std::map<char, std::int32_t> kinds = {{'+', EventKind::ScopePush},
-                                                {'-', EventKind::ScopePop},
-                                                {'.', EventKind::TimingPoint},
-                                                {'!', EventKind::RootError},
-                                                {'*', EventKind::DismissedError}};
+    const std::map<char, std::int32_t> kinds = {
+        {'+', EventKind::ScopePush},      {'-', EventKind::ScopePop},
+        {'.', EventKind::TimingPoint},    {'/', EventKind::Destruction},
+        {'<', EventKind::LogModuleAdded}, {'>', EventKind::LogModuleRemoved},
+        {'!', EventKind::RootError},      {'^', EventKind::CascadeError},
+        {'*', EventKind::DismissedError}};
     std::string text = emptyDump;
     std::istringstream words(story);
     std::int64_t time = 0;

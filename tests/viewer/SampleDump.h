@@ -25,7 +25,8 @@ std::string RecordLines(std::int64_t microseconds, std::int32_t kind, const std:
 Dump DumpOf(const std::string& story);
 
 /// The same in words, for more than letters: "2+Pump.Drain" enters that on thread 2, "2-Pump.Drain"
-/// leaves it, "." makes a mark there, "!" raises an error and "*" dismisses one.
+/// leaves it, "." makes a mark there, "!" and "^" raise an error and "*" dismisses one, "/"
+/// destroys an object, "<" and ">" join and part logs.
 Dump DumpOfPlaces(const std::string& story);
 
 /// Timelines told in short: "7: a0-5 >p1 >b2-3?" is thread 7 with a scope from 0 to 5 and in it the

@@ -4,15 +4,13 @@
 #include "viewer/model/records/EventKind.h"
 #include "viewer/showing/data/StatisticsData.h"
 #include "viewer/showing/text/DiffReport.h"
+#include "viewer/showing/text/StatisticsTable.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <map>
-#include <numeric>
 #include <random>
 #include <regex>
 #include <sstream>
@@ -30,14 +28,17 @@ struct Span {
     long long inside = 0; // time of those directly inside
 };
 
-typedef std::vector<std::array<long long, 3>> Events; // time, kind, function
-typedef std::map<std::string, std::vector<long long>> Columns;
+struct Function {
+    std::size_t count = 0;
+    long long self = 0, total = 0;
+    std::vector<long long> durations;
+};
 
 constexpr std::size_t none = std::string::npos;
 
 /// The spans of one thread. A leaving that fits none of those open is of one entered before the
 /// dump if none is open, and nothing otherwise.
-std::vector<Span> SpansOf(const Events& events, long long dumpEnd)
+std::vector<Span> SpansOf(const std::vector<DumpRecord>& records, long long dumpEnd)
 {
     std::vector<Span> spans;
     std::size_t open = none; // the innermost
@@ -49,20 +50,19 @@ std::vector<Span> SpansOf(const Events& events, long long dumpEnd)
         if (open != none)
             spans[open].inside += time - span.begin;
     };
-    for (const auto& [time, kind, of] : events) {
-        const int function = static_cast<int>(of);
+    for (const DumpRecord& record : records) {
         std::size_t left = open;
-        while (left != none && spans[left].function != function)
+        while (left != none && spans[left].function != record.pointId)
             left = spans[left].around;
-        if (kind == EventKind::ScopePush) {
-            spans.push_back({function, time, open});
+        if (record.kind == EventKind::ScopePush) {
+            spans.push_back({record.pointId, record.time, open});
             open = spans.size() - 1;
         } else if (left != none) {
             while (open != left)
-                close(time, false);
-            close(time, true);
+                close(record.time, false);
+            close(record.time, true);
         } else if (open == none) {
-            spans.push_back({function, 0, none, time});
+            spans.push_back({record.pointId, 0, none, record.time});
         }
     }
     while (open != none)
@@ -70,66 +70,46 @@ std::vector<Span> SpansOf(const Events& events, long long dumpEnd)
     return spans;
 }
 
-void Count(const std::vector<Span>& spans, std::map<int, Columns>& functions)
+void Count(const std::vector<Span>& spans, std::map<int, Function>& functions)
 {
     for (const Span& span : spans) {
-        Columns& columns = functions[span.function];
-        columns["count"].push_back(1);
+        Function& function = functions[span.function];
+        ++function.count;
         if (!span.isWhole)
             continue;
         bool isInside = false;
         for (std::size_t at = span.around; at != none; at = spans[at].around)
             isInside |= spans[at].isWhole && spans[at].function == span.function;
-        columns["durations"].push_back(span.end - span.begin);
-        columns["self"].push_back(span.end - span.begin - span.inside);
-        columns["total"].push_back(isInside ? 0 : span.end - span.begin);
+        function.durations.push_back(span.end - span.begin);
+        function.self += span.end - span.begin - span.inside;
+        function.total += isInside ? 0 : span.end - span.begin;
     }
 }
 
-/// The statistics of a dump as CSV, sorted by name, computed from the numbers of its text alone.
-std::string CsvOf(const std::string& text)
+/// The statistics of a dump of nothing but scopes as CSV, sorted by name, computed from its
+/// numbers.
+std::string CsvOf(const Dump& dump)
 {
-    std::map<long long, Events> threads;
-    std::istringstream lines(text);
-    long long end = 0;
-    for (std::string line; std::getline(lines, line);) {
-        long long seconds, micros, kind, function, thread;
-        if (std::sscanf(line.c_str(), "    %lld.%lld, %lld, %*d, %*d, %*d, %lld, %*d, %lld",
-                        &seconds, &micros, &kind, &function, &thread) != 5)
-            continue;
-        end = std::max(end, seconds * 1000000 + micros);
-        if (kind == EventKind::ScopePush || kind == EventKind::ScopePop)
-            threads[thread].push_back({seconds * 1000000 + micros, kind, function});
-    }
-    std::map<int, Columns> functions;
+    std::map<std::int32_t, std::vector<DumpRecord>> threads;
+    for (const DumpRecord& record : dump.records)
+        threads[record.threadId].push_back(record);
+    std::map<int, Function> functions;
     for (const auto& thread : threads)
-        Count(SpansOf(thread.second, end), functions);
+        Count(SpansOf(thread.second, dump.End()), functions);
     std::ostringstream csv;
     csv << "name,count,cut,total,self,median,p99,slowest,handed,wait\n";
-    for (auto& function : functions) {
-        Columns& columns = function.second;
-        std::vector<long long>& durations = columns["durations"];
+    for (auto& [name, function] : functions) {
+        std::vector<long long>& durations = function.durations;
         std::sort(durations.begin(), durations.end());
-        const auto sum = [&](const char* column) {
-            return std::accumulate(columns[column].begin(), columns[column].end(), 0LL);
-        };
-        const auto rank = [&](double share) {
-            const double place = std::ceil(share * static_cast<double>(durations.size()));
-            return durations.empty() ? 0
-                                     : durations[std::max<std::size_t>(1, std::size_t(place)) - 1];
-        };
-        csv << "\"C." << static_cast<char>(function.first) << "\"," << columns["count"].size()
-            << ',' << columns["count"].size() - durations.size() << ',' << sum("total") << ','
-            << sum("self") << ',' << rank(0.5) << ',' << rank(0.99) << ',' << rank(1) << ",0,0\n";
+        csv << "\"C." << static_cast<char>(name) << "\"," << function.count << ','
+            << function.count - durations.size() << ',' << function.total << ',' << function.self;
+        for (const double share : {0.5, 0.99, 1.0}) {
+            const double rank = std::ceil(share * static_cast<double>(durations.size()));
+            csv << ',' << (durations.empty() ? 0 : durations[static_cast<std::size_t>(rank) - 1]);
+        }
+        csv << ",0,0\n";
     }
     return csv.str();
-}
-
-std::string StatisticsOf(const std::string& text)
-{
-    auto rows = ScopeStatistics::Of(RecordingsOf(text), ScopeStatistics::By::Function);
-    ScopeStatistics::Sort(rows, "name");
-    return StatisticsData::ComposeCsv(rows);
 }
 
 /// Calls of f that take about so long.
@@ -172,7 +152,9 @@ TEST(ScopeStatistics, EqualWhatTheRawNumbersSayOfWrappedAndTornDumps)
         for (std::size_t i = random() % (records.size() + 1); i < records.size(); ++i)
             text += isTorn && random() % 20 == 0 ? "" : records[i];
         if (!text.empty()) {
-            ASSERT_EQ(CsvOf(text), StatisticsOf(text)) << text;
+            auto rows = ScopeStatistics::Of(RecordingsOf(text), ScopeStatistics::By::Function);
+            ScopeStatistics::Sort(rows, "name");
+            ASSERT_EQ(CsvOf(ReadText(text)), StatisticsData::ComposeCsv(rows)) << text;
         }
     }
 }
@@ -187,26 +169,46 @@ TEST(ScopeStatistics, SortByAnyColumnTheLargestFirst)
         ScopeStatistics::Sort(rows, column);
         EXPECT_EQ(column == "name" ? "B.f" : "Z.Execute", rows[0].name) << column;
     }
+    const std::string table = StatisticsTable::Compose(rows);
+    EXPECT_NE(std::string::npos, table.find("   0.000006  Z.Execute\n")) << table;
+    rows[0].name = "a\"b";
+    EXPECT_NE(std::string::npos, StatisticsData::ComposeCsv(rows).find("\n\"a\"\"b\",2,"));
     EXPECT_EQ("no object", ScopeStatistics::Of(recordings, ScopeStatistics::By::Object)[0].name);
 }
 
 TEST(Comparison, TellsWhatIsSlowerFromNoise)
 {
+    // How often and about how long it was called before and after, and how much that varies.
+    const std::tuple<const char*, int, int, int, int, unsigned, std::string> rows[] = {
+        {"same", 200, 100, 220, 100, 20, "(noise|same)"},
+        {"slow", 200, 100, 210, 120, 20, "\\+\\d+ %"},
+        {"fast", 200, 120, 210, 100, 20, " -\\d+ %"},
+        {"tiny", 200, 1000, 200, 1020, 20, "noise"},
+        {"old", 3, 5, 0, 0, 20, "gone"},
+        {"new", 0, 0, 3, 5, 20, "new"},
+        {"few", 7, 5, 8, 5, 20, "too few"},
+        {"less", 8, 5, 7, 5, 20, "too few"},
+        {"even", 20, 5, 20, 5, 1, "same"},
+    };
     std::minstd_rand random(1);
-    const std::string before = CallsOf("same", 200, 100, random) +
-                               CallsOf("slow", 200, 100, random) + CallsOf("old", 3, 5, random) +
-                               CallsOf("few", 7, 5, random) + CallsOf("even", 20, 5, random, 1) +
-                               RecordLines(0, EventKind::RootError, "old");
-    const std::string after = CallsOf("same", 220, 100, random) +
-                              CallsOf("slow", 210, 120, random) + CallsOf("new", 3, 5, random) +
-                              CallsOf("few", 8, 5, random) + CallsOf("even", 20, 5, random, 1) +
-                              RecordLines(0, EventKind::RootError, "slow");
-    const std::string report = DiffReport::Compose(RecordingsOf(before), RecordingsOf(after));
-    for (const char* told :
-         {"   new  no code at C.slow\n", "  gone  no code at C.old\n", "  gone  C.old\n",
-          "  new  C.new\n", "  too few  C.few\n", "  same  C.even\n"})
-        EXPECT_NE(std::string::npos, report.find(told)) << told << report;
-    EXPECT_TRUE(
-        std::regex_search(report, std::regex("\\+\\d+ %  C.slow\n(.|\n)*(noise|same)  C.same\n")))
+    std::string before = RecordLines(0, EventKind::RootError, "old");
+    std::string after = RecordLines(0, EventKind::RootError, "new");
+    for (const auto& [function, callsBefore, timeBefore, calls, time, spread, told] : rows) {
+        before += CallsOf(function, callsBefore, timeBefore, random, spread);
+        after += CallsOf(function, calls, time, random, spread);
+        after += RecordLines(0, EventKind::RootError, "a", calls == 220 ? 8 : 7);
+    }
+    for (const char* error : {"a", "b"})
+        before += RecordLines(0, EventKind::RootError, error);
+    const Recordings ofThread7 = RecordingsOf(ReadText(after), {"7", "", "", {}, 0, 1 << 30});
+    const std::string report = DiffReport::Compose(RecordingsOf(before), ofThread7);
+    for (const auto& [function, callsBefore, timeBefore, calls, time, spread, told] : rows)
+        EXPECT_TRUE(std::regex_search(report, std::regex(told + "  C." + function + "\n")))
+            << report;
+    EXPECT_TRUE(std::regex_search(report, std::regex("slow(.|\n)*new(.|\n)*less(.|\n)*"
+                                                     " +1 +0  gone  no code at C.b\n"
+                                                     " +0 +1 +new  no code at C.new\n"
+                                                     " +1 +0  gone  no code at C.old\n"
+                                                     " +1 +8 +no code at C.a\n")))
         << report;
 }

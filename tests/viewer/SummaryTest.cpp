@@ -1,6 +1,7 @@
 #include "viewer/showing/text/Summary.h"
 
 #include "tests/viewer/SampleDump.h"
+#include "viewer/forms/TextForms.h"
 #include "viewer/showing/text/RecordList.h"
 #include "viewer/showing/text/ScopeTree.h"
 #include "viewer/showing/text/StatisticsTable.h"
@@ -64,11 +65,13 @@ TEST(Summary, SaysHowMuchMoreThereIs)
                       ' '};
     for (int deep = 0; deep < 42; ++deep)
         story += "A+deep ";
+    story += "A+g A-g A+g A-g A+g A-g A+g A-g A+g A-g A+g A-g A+g A.f A-g";
     const Recordings recordings = RecordingsOf(DumpOfPlaces(story));
     const std::string told = Summary::Compose(recordings) + ScopeTree::Compose(recordings);
-    for (const char* more : {" and 2 threads more in scopes; --tree", "in 31 scopes more, and\n",
-                             "59, 60 and 2 more\n", ", the latest of 14\n", " and 2 more; --list",
-                             " and 7 more; --stats", " [42] C.deep"})
+    for (const char* more :
+         {" and 2 threads more in scopes; --tree", "in 31 scopes more, and\n",
+          "59, 60 and 2 more\n", ", the latest of 14\n", " and 2 more; --list",
+          " and 8 more; --stats", " [42] C.deep", "Longest scopes\n     0.000002 "})
         EXPECT_NE(std::string::npos, told.find(more)) << more << told;
 }
 
@@ -92,6 +95,8 @@ TEST(StatisticsTable, AndListsKeepToAWidthByShorteningNames)
       1   0.000020   0.000020   0.000020   0.000020   0.000020        FFFFF…0 Pump
 )",
               StatisticsTable::Compose(rows, 80));
+    EXPECT_EQ("\u2026\u00DF\u2026",
+              TextForms::Shorten("\u00FC\u00FC\u00DF", 2) + TextForms::Shorten("ab", 1));
     const std::string list = RecordList::Compose(recordings, 80);
     EXPECT_NE(
         std::string::npos,

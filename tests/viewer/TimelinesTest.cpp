@@ -67,8 +67,8 @@ TEST(Timelines, KeepWhatPassesAFilterNestedInWhatStays)
     const Dump sample = ReadText(sampleDump);
     const char drain[] = "36: \314300-320 >\314310"; // 204 is its function
     EXPECT_EQ(drain, ShapeOf(sample, {"--class", "Pump"}));
-    EXPECT_EQ(drain, ShapeOf(sample, {"--object", "0xfffffffffffffff0"}));
-    EXPECT_EQ(drain, ShapeOf(sample, {"--object", "FFFFFFFFFFFFFFF0"}));
+    for (const char* pump : {"0xfffffffffffffff0", "0XFFFFFFFFFFFFFFF0", "FFFFFFFFFFFFFFF0"})
+        EXPECT_EQ(drain, ShapeOf(sample, {"--object", pump})) << pump;
     EXPECT_EQ("260: p250", ShapeOf(sample, {"--object", "a (b) in_class c at d", "--thread",
                                             "in_thread 36 (x)"}));
 }

@@ -32,7 +32,7 @@ TEST(TraceEvents, OfASmallDump)
          "start": -250000, "wallClock": "2026-11-15 15:12:20.532", "findings": []},
         {"name": "thread_name", "ph": "M", "pid": 1, "tid": 36, "args": {"name": "Host"}},
         {"name": "Station.Serve", "ph": "X", "cat": "scope", "ts": 100, "dur": 12345801, "pid": 1,
-         "tid": 36, "args": {"depth": 0, "param1": 5, "param2": 0, "object": "0x000000001D2C5A40",
+         "tid": 36, "args": {"depth": 0, "param1": 0, "param2": 5, "object": "0x000000001D2C5A40",
                              "objectName": "a (b) in_class c at d"}},
         {"name": "Root_error RunsDry", "ph": "i", "s": "t", "cat": "error", "ts": 310, "pid": 1,
          "tid": 36, "args": {"depth": 2, "place": "Pump.Drain", "code": "RunsDry", "line": 38,
@@ -47,7 +47,8 @@ TEST(TraceEvents, OfASmallDump)
 TEST(TraceEvents, KeepTheRulesWhateverTheRecordsSay)
 {
     std::minstd_rand random(1);
-    const std::vector<std::string> words = {"+a", "+b", "-a", "-b", ".", "~", "1", "2"};
+    const std::vector<std::string> words = {"+a", "+b", "-a", "-b", ".",  "~",
+                                            "1",  "2",  "!a", "*a", "/b", "<b"};
     for (int round = 0; round < 500; ++round) {
         std::string story;
         for (auto left = random() % 40; left > 0; --left)

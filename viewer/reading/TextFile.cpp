@@ -57,7 +57,7 @@ std::string ReadAll(std::FILE* source, std::size_t expectedLength, const std::st
     do {
         text.resize(std::max(expectedLength + 1, length * 2));
         length += std::fread(&text[length], 1, text.size() - length, source);
-    } while (length == text.size() && !std::ferror(source));
+    } while (length == text.size());
     if (std::ferror(source))
         Fail(name);
     text.resize(length);
@@ -72,11 +72,11 @@ void WriteAll(std::FILE* sink, std::string_view text, const std::string& name)
 
 std::size_t ExpectedLength(const std::filesystem::path& file)
 {
-    constexpr std::uintmax_t most = 1 << 30; // a device can claim anything
+    constexpr std::uintmax_t most = 1 << 30; // a device can claim anything; an error counts as more
     constexpr std::size_t usual = 1 << 16;
     std::error_code error;
     const std::uintmax_t length = std::filesystem::file_size(file, error);
-    return error || length > most ? usual : static_cast<std::size_t>(length);
+    return length > most ? usual : static_cast<std::size_t>(length);
 }
 
 } // namespace

@@ -30,7 +30,7 @@ bool Moment::ParseSeconds(const std::string& text)
     constexpr double most = 9e12; // what its microseconds still hold
     char* behind = nullptr;
     const double seconds = std::strtod(text.c_str(), &behind);
-    if (text.empty() || *behind != '\0' || !(std::abs(seconds) < most))
+    if (*behind != '\0' || !(std::abs(seconds) < most))
         return false;
     time = std::llround(seconds * 1e6);
     return true;

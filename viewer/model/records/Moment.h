@@ -8,6 +8,7 @@
 class Moment
 {
 public:
+    /// Of a text that is not empty.
     static std::optional<Moment> Parse(const std::string& text);
 
     bool NeedsWallClock() const { return isWallClock; }

@@ -9,19 +9,26 @@ namespace
 
 constexpr std::int64_t million = 1000000;
 
+// After so many years dates begin again. What the system's calendar knows is less than what a dump
+// can say, but holds those that begin with 1970.
+constexpr std::int64_t eraYears = 400;
+constexpr std::int64_t eraSeconds = 146097 * std::int64_t(86400);
+
+std::int64_t RoundDown(std::int64_t number, std::int64_t step)
+{
+    return number - (number % step + step) % step;
+}
+
 // Dates are counted as if the wall were in Greenwich, which has no summer time to jump over.
 std::int64_t SecondsOf(std::tm date)
 {
+    const std::int64_t years = RoundDown(date.tm_year - 70, eraYears);
+    date.tm_year -= static_cast<int>(years);
 #ifdef _WIN32
-    return _mkgmtime64(&date);
+    return years / eraYears * eraSeconds + _mkgmtime64(&date);
 #else
-    return timegm(&date);
+    return years / eraYears * eraSeconds + timegm(&date);
 #endif
-}
-
-std::int64_t RoundDown(std::int64_t microseconds, std::int64_t step)
-{
-    return microseconds - (microseconds % step + step) % step;
 }
 
 } // namespace
@@ -50,15 +57,15 @@ std::int64_t WallClock::OfDate(int year, int month, int day)
 std::string WallClock::Text() const
 {
     const std::int64_t second = RoundDown(microseconds, million);
-    const std::time_t seconds = static_cast<std::time_t>(second / million);
+    const std::int64_t era = RoundDown(second / million, eraSeconds);
+    const std::time_t sinceEra = static_cast<std::time_t>(second / million - era);
     // The viewer has one thread. NOLINTNEXTLINE(concurrency-mt-unsafe)
-    const std::tm* const fields = std::gmtime(&seconds);
-    if (!fields)
-        return "(unknown)"; // beyond what the system's calendar knows
+    const std::tm date = *std::gmtime(&sinceEra);
 
     std::ostringstream text;
     text.imbue(std::locale::classic());
-    text << std::put_time(fields, "%Y-%m-%d %H:%M:%S") << '.' << std::setfill('0') << std::setw(3)
+    text << std::setfill('0') << std::setw(4) << date.tm_year + 1900 + era / eraSeconds * eraYears
+         << std::put_time(&date, "-%m-%d %H:%M:%S") << '.' << std::setw(3)
          << (microseconds - second) / 1000;
     return text.str();
 }

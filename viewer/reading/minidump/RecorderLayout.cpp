@@ -45,14 +45,13 @@ auto Fields(Layout& layout)
 
 bool IsSane(const RecorderLayout& layout)
 {
-    constexpr std::uint32_t mostCore = 1 << 16;
+    constexpr std::uint32_t most = 1 << 16;
     constexpr std::uint32_t leastRecord = 40; // its fields, none on top of another
-    constexpr std::uint32_t mostRecord = 1 << 12;
     for (const std::uint32_t* field : Fields(layout)) {
-        if (*field > mostCore)
+        if (*field > most)
             return false;
     }
-    return layout.recordSize >= leastRecord && layout.recordSize <= mostRecord;
+    return layout.recordSize >= leastRecord;
 }
 
 std::optional<RecorderLayout> Parse(const Bytes& description, std::uint64_t address)

@@ -15,7 +15,7 @@ class Possible
 public:
     void Take(const DumpRecord& record, const std::vector<RecordNames>& readings)
     {
-        std::set<std::string> classes, functions;
+        Names classes, functions;
         for (const RecordNames& reading : readings) {
             classes.emplace(reading.className);
             functions.emplace(reading.function);
@@ -26,21 +26,23 @@ public:
 
     bool Allows(const DumpRecord& record, const RecordNames& reading) const
     {
-        return names.at(record.classId).count(std::string(reading.className)) != 0 &&
-               names.at(record.pointId).count(std::string(reading.function)) != 0;
+        return names.at(record.classId).count(reading.className) != 0 &&
+               names.at(record.pointId).count(reading.function) != 0;
     }
 
 private:
-    void Intersect(std::int32_t id, const std::set<std::string>& others)
+    typedef std::set<std::string_view> Names; // in the lines
+
+    void Intersect(std::int32_t id, const Names& others)
     {
         const auto [known, isNew] = names.try_emplace(id, others);
-        std::set<std::string> common;
+        Names common;
         std::set_intersection(known->second.begin(), known->second.end(), others.begin(),
                               others.end(), std::inserter(common, common.begin()));
         known->second = common;
     }
 
-    std::map<std::int32_t, std::set<std::string>> names;
+    std::map<std::int32_t, Names> names;
 };
 
 bool Contradicts(const std::string& known, std::string_view name)

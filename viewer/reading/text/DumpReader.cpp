@@ -73,7 +73,7 @@ void DumpReader::TakeReadable(std::string_view line)
 {
     if (readable)
         ++dump.findings.tornRecords;
-    readable = line.data();
+    readable = line.data() + recordLead.size();
     linesBehindReadable = 0;
 }
 
@@ -106,7 +106,7 @@ std::optional<RecordNames> DumpReader::ReadableBefore(std::string_view line,
     return RecordText::Parse(ReadableLines(line), record);
 }
 
-/// What stands from the readable line up to `line`.
+/// What stands from the readable line, behind its lead, up to `line`.
 std::string_view DumpReader::ReadableLines(std::string_view line) const
 {
     return Trimmed(std::string_view(readable, static_cast<std::size_t>(line.data() - readable)));

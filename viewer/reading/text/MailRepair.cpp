@@ -149,7 +149,7 @@ private:
         const std::string_view rest =
             isHard ? WithoutFront(line) : TrimmedFront(WithoutFront(line), quotes);
         const bool isPart = kind == Item::Header || kind == Item::Readable ||
-                            (kind == Item::Numbers && IsUnfinished() && IsAllNumbers(rest));
+                            (IsUnfinished() && IsAllNumbers(rest));
         if (!isPart || rest.empty() || rest == "%%" || ++wraps > mostWraps)
             return false;
         item += isHard ? before.substr(TrimmedEnd(before).size()) : " ";

@@ -130,8 +130,7 @@ template <class Take>
 bool TryReadings(std::string_view line, const DumpRecord& record, Take take)
 {
     RecordNames names;
-    if (!TakeFront(line, "% ") || !TakeFront(line, EventKind::Name(record.kind)) ||
-        !TakeObjectAndThread(line, record, names))
+    if (!TakeFront(line, EventKind::Name(record.kind)) || !TakeObjectAndThread(line, record, names))
         return false;
 
     Phrase point;

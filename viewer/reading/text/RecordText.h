@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-/// The readable line of a record.
+/// The readable line of a record, without the "% " that it begins with.
 ///
 /// Names can hold anything, also what stands between them in a line. So the line is taken apart
 /// from both ends along the numbers of the record, which it repeats.

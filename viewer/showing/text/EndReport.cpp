@@ -120,8 +120,7 @@ void EndReport::AddThread(const Timeline& timeline, const DumpRecord* last)
     const std::int64_t end = recording.dump.End();
     for (std::size_t i = left; i < open.size(); ++i)
         AddLine(end - open[i]->begin,
-                "in " + Description::PlaceAndObject(*open[i]->record, recording.dump.names) +
-                    (open[i]->lostBegin ? ", or longer" : ""));
+                "in " + Description::PlaceAndObject(*open[i]->record, recording.dump.names));
     if (last)
         AddLine(end - last->time, "since " + Description::Whole(*last, recording.dump.names));
 }

@@ -64,10 +64,10 @@ private:
         if (!recording->dump.start)
             return;
         const std::int64_t moment = recording->dump.MomentAt(time);
-        if (clock.empty() || moment < clockBegin || moment >= clockBegin + second) {
+        if (clock.empty() || moment >= clockBegin + second) {
             clockBegin = moment - (moment % second + second) % second;
             clock = WallClock(clockBegin).Text();
-            clock.resize(clock.size() < 4 ? 0 : clock.size() - 3);
+            clock.resize(clock.size() - 3);
             if (width != 0)
                 clock.erase(0, clock.find(' ') + 1);
         }
@@ -123,10 +123,10 @@ std::string RecordList::Compose(const Recordings& recordings, std::size_t width)
     const auto isEarlier = [](const Source& one, const Source& other) {
         return !one.IsAtEnd() && (other.IsAtEnd() || one.Time() < other.Time());
     };
-    while (true) {
-        const auto earliest = std::min_element(sources.begin(), sources.end(), isEarlier);
-        if (earliest == sources.end() || earliest->IsAtEnd())
-            return text;
-        earliest->AppendTo(text);
-    }
+    const auto earliest = [&] {
+        return std::min_element(sources.begin(), sources.end(), isEarlier);
+    };
+    for (auto source = earliest(); !source->IsAtEnd(); source = earliest())
+        source->AppendTo(text);
+    return text;
 }
