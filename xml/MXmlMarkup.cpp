@@ -26,7 +26,6 @@ int MXmlMarkup::LoadText(const wchar_t* text)
 
 int MXmlMarkup::ParseDocument(const wchar_t* source, std::int32_t length)
 {
-    const std::wstring earlierText = errorText;
     ClearPosition();
     savedPositions.Clear();
     index.Clear(length / 64 + 8);
@@ -35,8 +34,6 @@ int MXmlMarkup::ParseDocument(const wchar_t* source, std::int32_t length)
     index.Trim();
     assert(index.IsSound());
     ClearPosition();
-    if (!earlierText.empty())
-        errorText = errorText.empty() ? earlierText : earlierText + L", " + errorText;
 
     const std::int32_t root = index[0].firstChild;
     return !index[0].Has(XmlElementDocumentIllFormed) && root != 0 && index[root].nextSibling == 0;

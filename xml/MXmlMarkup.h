@@ -232,6 +232,7 @@ private:
 
     MXmlTokenCursor CursorInTag(std::int32_t record) const;
     bool OpenTag(std::int32_t record, MXmlTokenCursor& cursor) const;
+    std::wstring NameInNode() const;
     std::wstring NodeData() const;
     std::wstring ContentData(std::int32_t start, std::int32_t end) const;
 

@@ -6,7 +6,6 @@ std::wstring MXmlMarkup::GetCurrentName() const
 {
     if (nodeLength == 0)
         return GetElementName(mainIndex);
-    MXmlTokenCursor cursor = documentText.CursorAt(nodeOffset + 2, documentFlags);
     switch (nodeType) {
     case XmlNodeText:
     case XmlNodeWhitespace:
@@ -15,17 +14,19 @@ std::wstring MXmlMarkup::GetCurrentName() const
         return L"#cdata-section";
     case XmlNodeComment:
         return L"#comment";
-    case XmlNodeInstruction:
-    case XmlNodeLoneEndTag:
-        NextXmlNameToken(cursor);
-        return documentText.At(cursor.start, cursor.TokenLength());
-    case XmlNodeDoctype:
-        NextXmlNameToken(cursor);
-        NextXmlNameToken(cursor);
-        return documentText.At(cursor.start, cursor.TokenLength());
     default:
-        return std::wstring();
+        return NameInNode();
     }
+}
+
+// Of an instruction, or of a doctype, where it stands behind the "DOCTYPE".
+std::wstring MXmlMarkup::NameInNode() const
+{
+    MXmlTokenCursor cursor = documentText.CursorAt(nodeOffset + 2, documentFlags);
+    NextXmlNameToken(cursor);
+    if (nodeType == XmlNodeDoctype)
+        NextXmlNameToken(cursor);
+    return documentText.At(cursor.start, cursor.TokenLength());
 }
 
 std::wstring MXmlMarkup::GetElementName(std::int32_t record) const
@@ -87,8 +88,6 @@ std::wstring MXmlMarkup::NodeData() const
         return documentText.At(nodeOffset + 2, nodeLength - 4);
     case XmlNodeCdata:
         return documentText.At(nodeOffset + 9, nodeLength - 12);
-    case XmlNodeLoneEndTag:
-        return documentText.At(nodeOffset + 2, nodeLength - 3);
     case XmlNodeText:
         return documentText.UnescapedAt(nodeOffset, nodeLength);
     default:
@@ -101,7 +100,8 @@ std::wstring MXmlMarkup::ContentData(std::int32_t start, std::int32_t end) const
     std::wstring data;
     MXmlTokenCursor cursor = documentText.CursorAt(start, documentFlags);
     MXmlNodeScan scan;
-    while (cursor.next < end && ScanXmlNode(cursor, scan) != XmlScanEndOfText) {
+    while (cursor.next < end) {
+        ScanXmlNode(cursor, scan);
         if (scan.type == XmlNodeText)
             data += documentText.UnescapedAt(scan.start, scan.length);
         else if (scan.type == XmlNodeCdata)

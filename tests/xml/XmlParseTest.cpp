@@ -44,11 +44,14 @@ TEST(XmlParse, CapacityGrowsSegmentBySegmentAndDepthHasNoLimit)
 // Deeper than the search for an end tag looks by itself, with names that share their front.
 TEST(XmlParse, RandomNestingAsLiterally)
 {
-    const std::vector<std::wstring> pieces = {
+    std::vector<std::wstring> pieces = {
         L"<a>",     L"<b>",      L"<c>",       L"<a=b>",    L"<a[b>",  L"<b]b>",  L"<bab>",
         L"<c=bab>", L"<c[b]b>",  L"<A=b>",     L"<cab>",    L"<B>",    L"<d/>",   L"x>",
         L">/a>",    L"</a>",     L"</a=b>",    L"</B]b>",   L"</bab>", L"</c=b>", L"<!-- -->",
         L"<1>",     L"<\u00E9>", L"</\u00C9>", L"</\u00E9>"};
+    for (const wchar_t* longer : {L"<a_name_longer_than_a_block>", L"</a_name_longer_than_a_block>",
+                                  L"<!--a->", L"<:>", L"<`>", L"<!D[<!A '>'><!N>]>"})
+        pieces.push_back(longer);
     XmlExhaustiveTexts texts;
     std::mt19937 random(20240301);
     for (int i = 0; i < 4000; ++i) {
@@ -66,7 +69,10 @@ TEST(XmlParse, DeepNamesThatComeAndGoAsLiterally)
         text += i % 20 == 0 ? L"</none></o><o>" : L"";
         text += L"<n" + std::to_wstring(i) + L">";
     }
-    EXPECT_TRUE(XmlExhaustiveTexts().IsDocument(text + L"</none></o></r>"));
+    // And two in one place of the index.
+    for (const std::wstring& each :
+         {text + L"</none></o></r>", std::wstring(L"<n2479381><n8842990><a><a><a><a></n2479381>")})
+        EXPECT_TRUE(XmlExhaustiveTexts().IsDocument(each));
 }
 
 // The source is copied while it is parsed, but it may be the document's own.

@@ -25,7 +25,7 @@ void MXmlNameIndex::DropAbove(std::int32_t depth)
 
 std::int32_t MXmlNameIndex::Newest(std::uint64_t hash) const
 {
-    const std::int32_t newest = slots.empty() ? 0 : slots[SlotOf(hash)].newest;
+    const std::int32_t newest = slots[SlotOf(hash)].newest;
     return newest == Gone ? 0 : newest;
 }
 

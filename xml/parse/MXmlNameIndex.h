@@ -9,7 +9,7 @@
 class MXmlNameIndex
 {
 public:
-    /// Makes room for so many keys at once.
+    /// Makes room for so many keys at once. Comes before all else.
     void Reserve(std::size_t keyCount);
 
     /// Adds a key of the entry at `depth`, which must not be below that of any key there.

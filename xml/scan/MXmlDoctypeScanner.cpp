@@ -34,26 +34,14 @@ std::int32_t MXmlDoctypeScanner::Run(const MXmlTokenCursor& cursor, std::int32_t
 
 void MXmlDoctypeScanner::Classify(wchar_t c)
 {
-    switch (state) {
-    case Between:
-        if (c == L'<')
-            state = BehindLess;
-        break;
-    case BehindLess:
+    if (state == BehindLess)
         ClassifyBehindLess(c);
-        break;
-    case BehindBang:
+    else if (state == BehindBang)
         ClassifyBehindBang(c);
-        break;
-    case BehindDash:
-        if (c == L'-')
-            Begin(XmlNodeComment, L"--");
-        else
-            BeginIllFormed(L"Incorrect comment tag at offset %d");
-        break;
-    case InNode:
-        break;
-    }
+    else if (state == BehindDash)
+        ClassifyBehindDash(c);
+    else if (c == L'<')
+        state = BehindLess;
 }
 
 void MXmlDoctypeScanner::ClassifyBehindLess(wchar_t c)
@@ -79,6 +67,14 @@ void MXmlDoctypeScanner::ClassifyBehindBang(wchar_t c)
         Begin(XmlNodeDoctype, L"");
     else
         BeginIllFormed(L"Incorrect ! tag at offset %d");
+}
+
+void MXmlDoctypeScanner::ClassifyBehindDash(wchar_t c)
+{
+    if (c == L'-')
+        Begin(XmlNodeComment, L"--");
+    else
+        BeginIllFormed(L"Incorrect comment tag at offset %d");
 }
 
 void MXmlDoctypeScanner::Begin(std::int32_t nodeType, const wchar_t* nodeTerminator)

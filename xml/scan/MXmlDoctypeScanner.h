@@ -18,6 +18,7 @@ private:
     void Classify(wchar_t c);
     void ClassifyBehindLess(wchar_t c);
     void ClassifyBehindBang(wchar_t c);
+    void ClassifyBehindDash(wchar_t c);
     void Begin(std::int32_t nodeType, const wchar_t* nodeTerminator);
     void BeginIllFormed(const wchar_t* nodeFinding);
     bool Terminates(const wchar_t* at) const;

@@ -238,11 +238,6 @@ std::int32_t ScanXmlNode(MXmlTokenCursor& cursor, MXmlNodeScan& scan)
     const wchar_t* at = cursor.Next();
     scan.start = cursor.next;
     scan.flags = 0;
-    if (*at == 0) {
-        scan.type = 0;
-        scan.length = 0;
-        return XmlScanEndOfText;
-    }
     cursor.next = cursor.OffsetOf(ScanNode(cursor, at, scan));
     scan.length = cursor.next - scan.start;
     return scan.type;

@@ -17,8 +17,7 @@ enum MXmlNodeType : std::int32_t {
 
     // What only a scan reports.
     XmlScanEndTag = 0,
-    XmlScanIllFormed = -1,
-    XmlScanEndOfText = -2
+    XmlScanIllFormed = -1
 };
 
 /// In `MXmlNodeScan::flags`: a start tag closed by "/>".
@@ -45,8 +44,9 @@ struct MXmlNodeScan {
     std::wstring Message() const;
 };
 
-/// Scans the node at `cursor.next`, moves `next` behind it and answers its type. A ">" in character
-/// data ends a text node. Never looks at a character twice, whatever the text.
+/// Scans the node at `cursor.next`, in front of the end of the text, moves `next` behind it and
+/// answers its type. A ">" in character data ends a text node. Never looks at a character twice,
+/// whatever the text.
 std::int32_t ScanXmlNode(MXmlTokenCursor& cursor, MXmlNodeScan& scan);
 
 /// The ">" that ends the start tag whose name begins there, or the end of the text.
