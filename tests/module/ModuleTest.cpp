@@ -162,7 +162,12 @@ TEST(Module, ShutdownThatTheSystemHindersCanBeRepeatedAndLetsGoOfItInTheEnd)
         LoadedModule module;
         module.ArmFailingCall(nth);
         module.Register(nullptr, nullptr);
+        Gate inside;
+        const Action linger = [&] { inside.Open(), Sleep(20); };
+        std::thread caller(module.DoOnProcessor, std::cref(linger));
+        inside.Pass();
         const std::string raised = Raised(module.Shutdown);
+        caller.join();
         failed = module.DisarmFailingCall();
         EXPECT_TRUE(raised.empty() || failed == "WaitForSingleObject") << raised;
         Raised(module.Shutdown); // may find a thread that has ended since
