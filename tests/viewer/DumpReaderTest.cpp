@@ -215,14 +215,14 @@ TEST(DumpReader, SaysWhatIsMissingOrDamaged)
 
     const Dump mixed = ReadText(
         "$ type dump\n" + header + "noise\n" + event.substr(0, event.find('\n') + 1) + "more\n" +
-        other + "*OUT OF BOUNDS*\n\n% Scope_push\n" + numbers +
+        other + "*OUT OF BOUNDS*\n\n% Scope_push\n" + numbers + "% Notify\n" + numbers +
         Replaced(numbers, "0\\.", "4000000001.") + Replaced(numbers, "0\\.", "-4000000001.") +
         RecordLines(4, EventKind::Notify, "f") + Replaced(event, "\\(0, 0", "(0, 0x") + numbers +
         message + RecordLines(9, EventKind::Notify, "f", 0));
-    EXPECT_EQ(7u, mixed.records.size());
+    EXPECT_EQ(8u, mixed.records.size());
     EXPECT_EQ(4, mixed.Begin());
     EXPECT_EQ((Sentences{"The recorder did not know the wall clock.",
-                         "5 records are torn: their readable lines and their numbers do not fit "
+                         "6 records are torn: their readable lines and their numbers do not fit "
                          "each other.",
                          "1 record was still being written, and has no thread.",
                          "1 record was out of bounds.",
