@@ -207,11 +207,10 @@ TEST(Filing, WhatCannotBeFiledIsToldAndReadAsNew)
         Describe(*refused, all);
         EXPECT_FALSE((*refused)(L"Group", all));
     }
+    EXPECT_EQ(28u, reading.GetReading().missing.size()); // each, and the group
+    EXPECT_EQ("varek.ToXml:CannotFile tag=Version", Raised([&] { varek::ToXml(all, L"9"); }));
     all.works = true;
     EXPECT_TRUE(varek::ToXml(fresh) == varek::ToXml(all));
-    EXPECT_EQ(28u, reading.GetReading().missing.size()); // each, and the group
-    all.works = false;
-    EXPECT_EQ("varek.ToXml:CannotFile tag=Version", Raised([&] { varek::ToXml(all, L"9"); }));
     for (const wchar_t* tag : {L"Window", L"Other"}) {
         const varek::FilingGroup group(filing, tag);
         while (open.EndGroup()) {
