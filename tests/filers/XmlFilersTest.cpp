@@ -72,8 +72,7 @@ TEST(MOutFilerTaggedXml, TagIsANameOrRefused)
     }
     EXPECT_TRUE(MInFilerTaggedXml(TextOf(filer).c_str(), L"r", L"").IsOpen());
     MString text;
-    MOutFilerTaggedXml none(nullptr, L"n");
-    EXPECT_FALSE(none.WriteByte(L"a", 1) || none.GetDocumentText(&text));
+    EXPECT_FALSE(MOutFilerTaggedXml(nullptr, L"n").GetDocumentText(&text));
 }
 
 TEST(MOutFilerTaggedXml, ProcessLocaleIsLeftAlone)

@@ -42,30 +42,25 @@ TEST(Refusal, IsRaisedInWordsAndNothingRunsForIt)
     const Action never = [] { ADD_FAILURE(); };
     const Action call = [&] { varek::CallFor(std::chrono::milliseconds(1), processor, never); };
     const Action name = [&] { worker.Every(std::chrono::hours(1), never); };
-    const struct {
-        const char* refused;
-        DWORD error;
-        Action action;
-        const char* told;
-    } refusals[] = {
-        {"CreateEventW", 5, call, "varek.Call:WaitFailed winErrorCode=5"},
-        {"WaitForMultipleObjects", WAIT_FAILED, call, "varek.Call:WaitFailed winErrorCode=429496"},
-        {"WaitForMultipleObjects", 1, call, "varek.Call:ThreadExitedUnexpectedly"},
-        {"WaitForSingleObject", WAIT_FAILED, [] { varek::AwaitEvents(); },
-         "varek.AwaitEvents:TimedOut"},
-        {createTimer, 5, name, "varek.Worker:CannotMakeTimer winErrorCode=5"},
-        {setTimer, 5, [&] { worker.Start(); }, "varek.Worker:CannotSetTimer winErrorCode=5"},
-        {findResource, 5, [] { varek::Host(L"face-module.dll"); }, " moduleSdk= by "}};
+    const auto refuse = [](const char* what, DWORD error, const Action& action, const char* told) {
+        FailNext(what, error);
+        EXPECT_NE(std::string::npos, Raised(action).find(told)) << told;
+    };
     name();
     std::future<void> busy = varek::CallAsync(processor, [&] { gate.Pass(); });
-    for (const auto& each : refusals) {
-        FailNext(each.refused, each.error);
-        EXPECT_NE(std::string::npos, Raised(each.action).find(each.told)) << each.told;
-    }
+    refuse("CreateEventW", 5, call, "varek.Call:WaitFailed winErrorCode=5");
+    refuse("WaitForMultipleObjects", WAIT_FAILED, call, "varek.Call:WaitFailed winErrorCode=42");
+    refuse("WaitForMultipleObjects", 1, call, "varek.Call:ThreadExitedUnexpectedly");
+    refuse(
+        "WaitForSingleObject", WAIT_FAILED, [] { varek::AwaitEvents(); }, "Events:TimedOut");
+    refuse(createTimer, 5, name, "varek.Worker:CannotMakeTimer winErrorCode=5");
+    refuse(
+        setTimer, 5, [&] { worker.Start(); }, "varek.Worker:CannotSetTimer winErrorCode=5");
+    refuse(
+        findResource, 5, [] { varek::Host(L"face-module.dll"); }, " moduleSdk= by ");
     gate.Open();
     processor.Stop();
-    FailNext("WaitForMultipleObjects", 1); // its thread has ended
-    EXPECT_EQ("varek.Call:CommandProcessingAborted", Raised(call));
+    refuse("WaitForMultipleObjects", 1, call, "varek.Call:CommandProcessingAborted");
 }
 
 TEST(Shortage, WhateverIsDoneIsDoneOnceOrRaisedAndLeavesNothing)
