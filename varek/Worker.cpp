@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <limits>
 #include <vector>
 
 #include <windows.h>
@@ -17,6 +18,8 @@ namespace varek
 
 namespace
 {
+
+const std::chrono::milliseconds longestInterval(std::numeric_limits<LONG>::max()); // of a timer
 
 TracedLocation& Location()
 {
@@ -167,6 +170,10 @@ void Worker::When(HANDLE handle, Function function)
 
 void Worker::AddTimer(std::chrono::milliseconds interval, bool periodic, Function function)
 {
+    if (interval > longestInterval)
+        Raise(Location().SetObject(this), L"IntervalTooLong")
+            .With(L"milliseconds", interval.count())
+            .Throw();
     Add(std::unique_ptr<Duty>(new Duty(*state, interval, periodic, std::move(function))));
 }
 

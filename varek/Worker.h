@@ -50,7 +50,8 @@ public:
     /// Names what to do, up to 62 in all, before `Start`; naming while it runs raises
     /// "varek.Worker:Running". The handle stays the caller's and must stay open while the worker
     /// runs; waiting resets an automatic event. A period counts from `Start`, and what is missed
-    /// while the thread is busy is made good once. `After` comes once for each `Start`.
+    /// while the thread is busy is made good once. `After` comes once for each `Start`. More than
+    /// 2,147,483,647 ms, some 24 days, raise "varek.Worker:IntervalTooLong".
     void When(HANDLE handle, Function function);
     template <class Rep, class Period>
     void Every(std::chrono::duration<Rep, Period> period, Function function)

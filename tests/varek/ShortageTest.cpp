@@ -47,6 +47,8 @@ TEST(Refusal, IsRaisedInWordsAndNothingRunsForIt)
         EXPECT_NE(std::string::npos, Raised(action).find(told)) << told;
     };
     name();
+    EXPECT_EQ("varek.Worker:IntervalTooLong milliseconds=2147483648",
+              Raised([&] { worker.Every(std::chrono::milliseconds(2147483648), never); }));
     std::future<void> busy = varek::CallAsync(processor, [&] { gate.Pass(); });
     refuse("CreateEventW", 5, call, "varek.Call:WaitFailed winErrorCode=5");
     refuse("WaitForMultipleObjects", WAIT_FAILED, call, "varek.Call:WaitFailed winErrorCode=42");
