@@ -10,6 +10,9 @@ namespace TextForms
 /// Seconds with six digits, negative ones in the usual reading: "-0.250000".
 std::string Seconds(std::int64_t microseconds);
 
+/// The width of a column of such times, enough for eleven days.
+constexpr std::size_t timeWidth = 13;
+
 /// Sixteen upper-case hexadecimal digits, as in a dump.
 std::string Address(std::uint64_t address);
 

@@ -12,7 +12,6 @@ namespace
 constexpr std::size_t mostThreads = 12;
 constexpr std::size_t mostErrors = 8;
 constexpr std::size_t mostScopes = 12;
-constexpr std::size_t timeWidth = 13;
 
 /// The scopes around a record, outermost first.
 std::vector<const TimelineEntry*> ScopesAround(const DumpRecord& record,
@@ -60,7 +59,8 @@ std::string EndReport::Compose(const Recording& recording)
 
 void EndReport::AddLine(std::int64_t time, const std::string& what)
 {
-    text += TextForms::AlignRight(TextForms::Seconds(time), timeWidth) + "  " + what + "\n";
+    text +=
+        TextForms::AlignRight(TextForms::Seconds(time), TextForms::timeWidth) + "  " + what + "\n";
 }
 
 void EndReport::AddCrash()
@@ -115,8 +115,8 @@ void EndReport::AddThread(const Timeline& timeline, const DumpRecord* last)
     }
     const std::size_t left = open.size() - std::min(open.size(), mostScopes);
     if (left != 0)
-        text += std::string(timeWidth + 2, ' ') + "in " + TextForms::Count(left, "scope") +
-                " more, and\n";
+        text += std::string(TextForms::timeWidth + 2, ' ') + "in " +
+                TextForms::Count(left, "scope") + " more, and\n";
     const std::int64_t end = recording.dump.End();
     for (std::size_t i = left; i < open.size(); ++i)
         AddLine(end - open[i]->begin,
@@ -160,6 +160,6 @@ void EndReport::AddError(const DumpRecord& error)
     AddLine(error.time, Description::Whole(error, recording.dump.names) + " on " +
                             Description::Thread(error.threadId, recording));
     for (const TimelineEntry* scope : ScopesAround(error, recording.timelines))
-        text += std::string(timeWidth + 4, ' ') + "in " +
+        text += std::string(TextForms::timeWidth + 4, ' ') + "in " +
                 Description::PlaceAndObject(*scope->record, recording.dump.names) + "\n";
 }

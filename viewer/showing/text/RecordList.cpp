@@ -10,7 +10,6 @@
 namespace
 {
 
-constexpr std::size_t timeWidth = 13;
 constexpr std::size_t usualLine = 110;
 constexpr std::size_t leastThread = 12;
 constexpr std::size_t leastEvent = 20;
@@ -28,7 +27,7 @@ public:
     {
         const DumpRecord& record = recording->dump.records[next++];
         const std::size_t begin = text.size();
-        text += TextForms::AlignRight(TextForms::Seconds(record.time), timeWidth) + "  ";
+        text += TextForms::AlignRight(TextForms::Seconds(record.time), TextForms::timeWidth) + "  ";
         AppendWallClock(text, record.time);
         text += ThreadOf(record.threadId) + "  ";
         text += Fit(Description::Whole(record, recording->dump.names),

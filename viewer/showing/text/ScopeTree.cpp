@@ -6,7 +6,6 @@
 namespace
 {
 
-constexpr std::size_t timeWidth = 13;
 constexpr std::size_t deepestIndent = 40; // deeper ones tell their depth
 
 std::string Indent(std::size_t depth)
@@ -40,8 +39,8 @@ void ScopeTree::AddTimeline(const Timeline& timeline, const Recording& recording
 {
     text += text.empty() ? "" : "\n";
     text += "Thread " + Description::Thread(timeline.threadId, recording) + "\n";
-    text +=
-        TextForms::AlignRight("time", timeWidth) + TextForms::AlignRight("took", timeWidth) + "\n";
+    text += TextForms::AlignRight("time", TextForms::timeWidth) +
+            TextForms::AlignRight("took", TextForms::timeWidth) + "\n";
     for (const TimelineEntry& entry : timeline.entries)
         AddEntry(entry, recording.dump.names);
 }
@@ -49,7 +48,7 @@ void ScopeTree::AddTimeline(const Timeline& timeline, const Recording& recording
 void ScopeTree::AddEntry(const TimelineEntry& entry, const DumpNames& names)
 {
     const std::string took = entry.isScope ? TextForms::Seconds(entry.end - entry.begin) : "";
-    text += TextForms::AlignRight(TextForms::Seconds(entry.begin), timeWidth);
-    text += TextForms::AlignRight(took, timeWidth);
+    text += TextForms::AlignRight(TextForms::Seconds(entry.begin), TextForms::timeWidth);
+    text += TextForms::AlignRight(took, TextForms::timeWidth);
     text += "  " + Indent(entry.depth) + TextOf(entry, names) + "\n";
 }
