@@ -1,12 +1,12 @@
 #include "soak/Holdings.h"
 
+#include "varek/OpenHandles.h"
+
 #include <cstdint>
-#include <vector>
 
 #include <windows.h>
 
 #include <tlhelp32.h>
-#include <winternl.h>
 
 namespace
 {
@@ -46,20 +46,6 @@ double PrivateBytes()
     return bytes;
 }
 
-// The system's list of all handles is right everywhere; what it counts for a process is not.
-double Handles()
-{
-    static std::vector<char> buffer(1 << 20);
-    while (!NT_SUCCESS(NtQuerySystemInformation(SystemHandleInformation, buffer.data(),
-                                                static_cast<ULONG>(buffer.size()), nullptr)))
-        buffer.resize(buffer.size() * 2);
-    const auto& table = *reinterpret_cast<const SYSTEM_HANDLE_INFORMATION*>(buffer.data());
-    double handles = 0;
-    for (ULONG i = 0; i < table.Count; ++i)
-        handles += table.Handle[i].OwnerPid == GetCurrentProcessId();
-    return handles;
-}
-
 double Threads()
 {
     double threads = 0;
@@ -81,7 +67,7 @@ double Seconds(const FILETIME& time)
 
 Holdings CountHoldings()
 {
-    return {HeapBytes(), PrivateBytes(), Handles(), Threads()};
+    return {HeapBytes(), PrivateBytes(), static_cast<double>(varek::CountOpenHandles()), Threads()};
 }
 
 double SecondsOfComputing()

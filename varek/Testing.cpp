@@ -2,6 +2,7 @@
 
 #include "diagnostics/MFlowLogger.h"
 #include "varek/Errors.h"
+#include "varek/OpenHandles.h"
 #include "varek/Post.h"
 
 #include <atomic>
@@ -9,8 +10,6 @@
 
 #include <malloc.h>
 #include <windows.h>
-
-#include <winternl.h>
 
 namespace varek
 {
@@ -56,24 +55,6 @@ long long CountBlocks()
     _HEAPINFO block = {};
     while (_heapwalk(&block) == _HEAPOK)
         count += block._useflag == _USEDENTRY;
-    return count;
-}
-
-// GetProcessHandleCount says nothing in some places where tests run; the list of all handles of the
-// system is right everywhere.
-long long CountHandles()
-{
-    typedef decltype(&NtQuerySystemInformation) Query;
-    const auto query = reinterpret_cast<Query>(reinterpret_cast<void (*)()>(
-        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-    std::vector<char> buffer(1 << 10);
-    while (!NT_SUCCESS(
-        query(SystemHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()), nullptr)))
-        buffer.resize(buffer.size() * 2);
-    const auto& table = *reinterpret_cast<const SYSTEM_HANDLE_INFORMATION*>(buffer.data());
-    long long count = 0;
-    for (ULONG i = 0; i < table.Count; ++i)
-        count += table.Handle[i].OwnerPid == GetCurrentProcessId();
     return count;
 }
 
@@ -209,7 +190,7 @@ void Recording::ExpectNone(const RecordPattern& pattern) const
         tell("not expected: " + records[found].text);
 }
 
-Leaks::Leaks() : blocks(CountBlocks()), handles(CountHandles()) {}
+Leaks::Leaks() : blocks(CountBlocks()), handles(CountOpenHandles()) {}
 
 long long Leaks::Blocks() const
 {
@@ -218,7 +199,7 @@ long long Leaks::Blocks() const
 
 long long Leaks::Handles() const
 {
-    return CountHandles() - handles;
+    return static_cast<long long>(CountOpenHandles() - handles);
 }
 
 } // namespace varek

@@ -137,7 +137,7 @@ public:
 
 private:
     long long blocks;
-    long long handles;
+    std::size_t handles;
 };
 
 } // namespace varek

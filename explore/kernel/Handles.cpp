@@ -100,10 +100,3 @@ std::size_t CountHandles()
 {
     return open;
 }
-
-void VisitHandles(void (*visit)(void*, HANDLE), void* context)
-{
-    for (std::uintptr_t index = 0; index < capacity; ++index)
-        if (table[index])
-            visit(context, HandleOf(index));
-}

@@ -38,6 +38,3 @@ bool ForgetHandle(HANDLE handle);
 
 /// Handles that are open.
 std::size_t CountHandles();
-
-/// Calls `visit(context, handle)` for each of them.
-void VisitHandles(void (*visit)(void*, HANDLE), void* context);

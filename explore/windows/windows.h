@@ -76,10 +76,8 @@ BOOL QueryPerformanceFrequency(LARGE_INTEGER* ticksPerSecond);
 
 const DWORD GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS = 4;
 
-HMODULE GetModuleHandleW(const wchar_t* name);
 BOOL GetModuleHandleExW(DWORD flags, const wchar_t* address, HMODULE* module);
 BOOL FreeLibrary(HMODULE module);
-void* GetProcAddress(HMODULE module, const char* name);
 
 const unsigned CP_UTF8 = 65001; // the only one that is known
 

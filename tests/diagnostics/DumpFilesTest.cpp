@@ -111,7 +111,7 @@ TEST(DumpToFile, ReplacesTheFileByLinesOfItsPlatformAndAnswersFalseWhereItCannot
 {
     Log log;
     EXPECT_TRUE(log.adapter.DumpToFile());
-    const ExpectSameHandles handles;
+    const ExpectNoMoreHandles handles;
     EXPECT_TRUE(log.adapter.DumpToFile());
     const std::string text = Read(dumpPath);
     ArmAllocationFailure(AllocationFailure::ThrowsForGood, 1);
@@ -141,7 +141,7 @@ TEST(DumpToFile, EndsAtAFaultOfAnyKindWithWhatWasWrittenAndNothingLeftOpen)
     const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(ring);
     const std::uintptr_t page = (start + 500 * sizeof *ring) / 0x1000 * 0x1000;
     const std::string last = std::to_string((page - start) / sizeof *ring - 1);
-    const ExpectSameHandles handles;
+    const ExpectNoMoreHandles handles;
     for (const DWORD access : {PAGE_NOACCESS, PAGE_READWRITE | PAGE_GUARD}) {
         protect(access);
         EXPECT_FALSE(log.adapter.DumpToFile() || crashDump.WriteText());
@@ -161,7 +161,7 @@ TEST(CrashDump, TextsHaveNamesOfTheirOwnAndWhatCannotBeMadeIsAnsweredFalse)
     const std::wstring end = L"-042-" + std::to_wstring(GetCurrentProcessId());
     const auto write = [&] { return crashDump.WriteText(); };
     const auto writeBeside = [&] { EXPECT_FALSE(write() || crashDump.WriteMinidump(nullptr)); };
-    const ExpectSameHandles handles;
+    const ExpectNoMoreHandles handles;
     for (int i = 0; i < 2; ++i) {
         EXPECT_TRUE(Interrupt(*KLogger::GetModuleLogger(), write, writeBeside));
         const std::wstring made = crashDump.GetPath();

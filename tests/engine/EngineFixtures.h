@@ -3,9 +3,9 @@
 #include "engine/MEngineThread.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/EngineWork.h"
+#include "tests/support/ExpectNoMoreHandles.h"
 #include "tests/support/FailingCalls.h"
 #include "tests/support/Gate.h"
-#include "tests/support/ProcessHandles.h"
 #include "tests/support/Raised.h"
 
 #include <atomic>

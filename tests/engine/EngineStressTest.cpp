@@ -29,7 +29,7 @@ TEST(EngineStress, EveryCallIsAnsweredToItsOwnCallerWhoeverStopsTheProcessor)
                 EXPECT_EQ(!refused, FailureText(*slot.Get()) == answer);
             }
         });
-        handles.push_back(ListHandles().size());
+        handles.push_back(varek::CountOpenHandles());
     }
     // A lock that was waited for keeps a handle; what every storm leaked would be many.
     EXPECT_GE(handles.front() + 8, handles.back());

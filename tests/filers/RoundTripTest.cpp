@@ -3,7 +3,7 @@
 #include "filers/MInFilerTaggedXml.h"
 #include "filers/MOutFilerTaggedXml.h"
 #include "tests/support/Allocations.h"
-#include "tests/support/ProcessHandles.h"
+#include "tests/support/ExpectNoMoreHandles.h"
 
 #include <windows.h>
 
@@ -161,7 +161,7 @@ TYPED_TEST(RoundTrip, LackOfMemoryLeavesWhatIsFiledAndNothingOpen)
         };
         RunShortOfMemory(AllocationFailure::Throws, 1,
                          readAndWrite); // the first exception opens handles
-        const ExpectSameHandles handles;
+        const ExpectNoMoreHandles handles;
         ForEachFailingAllocation(AllocationFailure::Throws, readAndWrite, check);
         changes += before != out.State();
     }

@@ -8,12 +8,12 @@
 #include "tests/support/DumpedRecord.h"
 #include "tests/support/Gate.h"
 #include "tests/support/LeakCheck.h"
-#include "tests/support/ProcessHandles.h"
 #include "tests/support/Raised.h"
+#include "tests/support/Regex.h"
+#include "varek/OpenHandles.h"
 
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <thread>
 
 namespace
@@ -22,9 +22,10 @@ namespace
 /// The lives of the processor, and of the scheduler's thread, which has no name.
 std::string History(const std::string& dump)
 {
-    const std::regex change("State_change to (\\w+) in_class MEngineThread at ChangeState "
-                            "for_object \\w+ \\((\\w+)");
-    return std::regex_replace(dump, change, "$2 $1, ", std::regex_constants::format_no_copy);
+    return Matches(dump,
+                   "State_change to (\\w+) in_class MEngineThread at ChangeState "
+                   "for_object \\w+ \\((\\w+)",
+                   "$2 $1, ");
 }
 
 /// Has the first, second, third ... allocation of a start fail, up to `limit` or until it starts,
@@ -32,7 +33,7 @@ std::string History(const std::string& dump)
 /// same allocation failing nothing more is held after one than before it.
 int FailToStart(LoadedModule& module, AllocationFailure how, int limit)
 {
-    const auto holds = [&] { return module.CountBlocks() + int(ListHandles().size()); };
+    const auto holds = [&] { return module.CountBlocks() + int(varek::CountOpenHandles()); };
     int nth = 1;
     for (int attempts = 0; nth < limit; ++attempts) {
         EXPECT_GT(20 * nth, attempts) << "allocation " << nth;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/ProcessHandles.h"
+#include "tests/support/ExpectNoMoreHandles.h"
 #include "tests/support/SystemFunction.h"
 
 #include <gtest/gtest.h>
@@ -77,7 +77,7 @@ void ForEachFailingCall(Operation operation, Check check)
 {
     operation(); // what is made at the first use is kept
     for (int nth = 1; nth < 1000; ++nth) {
-        const ExpectSameHandles handles;
+        const ExpectNoMoreHandles handles;
         ArmFailingCall(nth);
         const auto outcome = operation();
         const std::string failed = DisarmFailingCall();

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/support/Allocations.h"
-#include "tests/support/ProcessHandles.h"
+#include "varek/OpenHandles.h"
 
 #include <windows.h>
 
@@ -13,10 +13,10 @@ bool LeavesNothing(Scenario scenario, bool handlesCount = true)
 {
     for (int run = 0; run < 10; ++run) {
         const std::int64_t blocks = CountBlocks();
-        const std::size_t handles = ListHandles().size();
+        const std::size_t handles = varek::CountOpenHandles();
         scenario();
         for (int i = 0; i < 100; ++i, Sleep(2))
-            if (CountBlocks() == blocks && (!handlesCount || ListHandles().size() == handles))
+            if (CountBlocks() == blocks && (!handlesCount || varek::CountOpenHandles() == handles))
                 return true;
     }
     return false;
