@@ -1,10 +1,14 @@
 #include "fuzz/TraceRules.h"
 
+#include <nlohmann/json.hpp>
+
 #include <map>
 #include <vector>
 
 namespace
 {
+
+using Json = nlohmann::json;
 
 /// False if the slice leaves the one around it; `openEnds` are those of the slices around the last.
 bool Nests(const Json& slice, std::vector<std::uint64_t>& openEnds)

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
-
 #include <string>
-
-using Json = nlohmann::json;
 
 /// The rule of the trace-event form that `text` breaks, empty for none: strict JSON, times in whole
 /// microseconds from 0 on, threads named before they appear, slices of a thread nested. The events

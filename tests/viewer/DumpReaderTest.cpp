@@ -1,5 +1,6 @@
 #include "viewer/reading/DumpFile.h"
 
+#include "tests/support/Regex.h"
 #include "tests/viewer/SampleDump.h"
 #include "viewer/forms/Utf8.h"
 #include "viewer/model/records/EventKind.h"
@@ -9,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <regex>
 #include <sstream>
 
 namespace
@@ -23,11 +23,6 @@ std::string Utf16(const std::string& ascii, bool isBigEndian = false)
     for (const char letter : ascii)
         bytes += isBigEndian ? std::string{'\0', letter} : std::string{letter, '\0'};
     return bytes;
-}
-
-std::string Replaced(const std::string& text, const char* what, const char* by)
-{
-    return std::regex_replace(text, std::regex(what), by);
 }
 
 /// Lines broken at the last blank that fits, as mail does it, or in the middle of words.

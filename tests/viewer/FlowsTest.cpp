@@ -1,6 +1,7 @@
 #include "viewer/model/flows/Flows.h"
 
 #include "fuzz/TraceRules.h"
+#include "tests/support/Regex.h"
 #include "tests/viewer/SampleDump.h"
 #include "viewer/model/Merging.h"
 #include "viewer/showing/text/EndReport.h"
@@ -9,8 +10,6 @@
 #include "viewer/showing/trace/TraceEvents.h"
 
 #include <gtest/gtest.h>
-
-#include <regex>
 
 namespace
 {
@@ -26,7 +25,7 @@ Dump StoryOf(std::string story)
         {"burst", "MDesyncEventScheduler.OnSchedulerEvent"},
         {"fire", "Event.Fire"}};
     for (const auto& [word, place] : words)
-        story = std::regex_replace(story, std::regex(word), place);
+        story = Replaced(story, word, place);
     return DumpOfPlaces(story);
 }
 

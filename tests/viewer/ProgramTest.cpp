@@ -1,6 +1,5 @@
 // The program as a whole: what it reads, where it writes, and how it ends.
 
-#include "fuzz/TraceRules.h"
 #include "tests/viewer/SampleDump.h"
 #include "viewer/reading/TextFile.h"
 
@@ -58,7 +57,8 @@ TEST_F(Program, ReadsAFileOrStandardInputAndWritesWhereItIsTold)
 
     TextFile::Write(folder + "M\xFCll \"<\x01.log", sampleDump);
     EXPECT_EQ(0, Run("--trace - M*.log"));
-    EXPECT_EQ("M\xC3\xBCll \"<\xEF\xBF\xBD.log", Json::parse(Text("out"))["otherData"]["source"]);
+    const char source[] = "\"source\":\"M\xC3\xBCll \\\"<\xEF\xBF\xBD.log\"";
+    EXPECT_NE(std::string::npos, Text("out").find(source)) << Text("out");
 
     TextFile::Write(folder + "cut.log", std::string(sampleDump).substr(0, 900));
     EXPECT_EQ(0, Run("--tree cut.log"));

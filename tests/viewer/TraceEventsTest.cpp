@@ -6,11 +6,14 @@
 #include "viewer/showing/page/TimelinePage.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <random>
 
 namespace
 {
+
+using Json = nlohmann::json;
 
 std::string TraceOf(Dump dump)
 {
