@@ -51,3 +51,8 @@ std::string BrokenTraceRule(const std::string& text, std::size_t records)
     }
     return records == 0 ? "" : "number of records";
 }
+
+std::string JsonPart(const std::string& text, const std::string& pointer)
+{
+    return Json::parse(text).at(Json::json_pointer(pointer)).dump();
+}

@@ -6,14 +6,11 @@
 #include "viewer/showing/page/TimelinePage.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <random>
 
 namespace
 {
-
-using Json = nlohmann::json;
 
 std::string TraceOf(Dump dump)
 {
@@ -26,25 +23,29 @@ TEST(TraceEvents, OfASmallDump)
 {
     const std::string text = TraceOf(ReadText(sampleDump));
     EXPECT_EQ("", BrokenTraceRule(text, 9));
-    const Json trace = Json::parse(text);
-    const Json& events = trace["traceEvents"];
-    ASSERT_EQ(9u, events.size());
-    const Json told = {trace["otherData"], events[0], events[2], events[4]};
-    EXPECT_EQ(Json::parse(R"([
-        {"source": "some.log", "records": 9, "begin": 0, "end": 12345901, "origin": 0,
-         "start": -250000, "wallClock": "2026-11-15 15:12:20.532", "findings": []},
-        {"name": "thread_name", "ph": "M", "pid": 1, "tid": 36, "args": {"name": "Host"}},
-        {"name": "Station.Serve", "ph": "X", "cat": "scope", "ts": 100, "dur": 12345801, "pid": 1,
-         "tid": 36, "args": {"depth": 0, "param1": 0, "param2": 5, "object": "0x000000001D2C5A40",
-                             "objectName": "a (b) in_class c at d"}},
-        {"name": "Root_error RunsDry", "ph": "i", "s": "t", "cat": "error", "ts": 310, "pid": 1,
-         "tid": 36, "args": {"depth": 2, "place": "Pump.Drain", "code": "RunsDry", "line": 38,
-                             "object": "0xFFFFFFFFFFFFFFF0", "dismissed": 400}}])"),
-              told);
-    EXPECT_EQ("Pump.Drain", events[3]["name"]);
-    EXPECT_EQ(310, events[5]["args"]["dismisses"]);
-    EXPECT_EQ("off, in_class at", events[7]["args"]["state"]);
-    EXPECT_EQ("Timing_point (1, -2)", events[8]["name"]);
+    const std::pair<const char*, const char*> parts[] = {
+        {"/otherData",
+         R"({"source": "some.log", "records": 9, "begin": 0, "end": 12345901, "origin": 0,
+             "start": -250000, "wallClock": "2026-11-15 15:12:20.532", "findings": []})"},
+        {"/traceEvents/0",
+         R"({"name": "thread_name", "ph": "M", "pid": 1, "tid": 36, "args": {"name": "Host"}})"},
+        {"/traceEvents/2",
+         R"({"name": "Station.Serve", "ph": "X", "cat": "scope", "ts": 100, "dur": 12345801,
+             "pid": 1, "tid": 36,
+             "args": {"depth": 0, "param1": 0, "param2": 5, "object": "0x000000001D2C5A40",
+                      "objectName": "a (b) in_class c at d"}})"},
+        {"/traceEvents/3/name", R"("Pump.Drain")"},
+        {"/traceEvents/4",
+         R"({"name": "Root_error RunsDry", "ph": "i", "s": "t", "cat": "error", "ts": 310,
+             "pid": 1, "tid": 36,
+             "args": {"depth": 2, "place": "Pump.Drain", "code": "RunsDry", "line": 38,
+                      "object": "0xFFFFFFFFFFFFFFF0", "dismissed": 400}})"},
+        {"/traceEvents/5/args/dismisses", "310"},
+        {"/traceEvents/7/args/state", R"("off, in_class at")"},
+        {"/traceEvents/8/name", "\"Timing_point (1, -2)\""}};
+    for (const auto& [pointer, part] : parts)
+        EXPECT_EQ(JsonPart(part, ""), JsonPart(text, pointer)) << pointer;
+    EXPECT_ANY_THROW(JsonPart(text, "/traceEvents/9"));
 }
 
 TEST(TraceEvents, KeepTheRulesWhateverTheRecordsSay)
@@ -70,7 +71,7 @@ TEST(TraceEvents, EscapeWhatJsonOrAPageWouldMistake)
     const std::string page = TimelinePage::Compose(text);
     EXPECT_EQ(std::string::npos, page.find("</script>\\\""));
     EXPECT_NE(std::string::npos, page.find("\\u003c/script>\\\""));
-    EXPECT_EQ("</script>\"\\\xC3\xA4", Json::parse(text)["traceEvents"][1]["args"]["objectName"]);
+    EXPECT_EQ("\"</script>\\\"\\\\\xC3\xA4\"", JsonPart(text, "/traceEvents/1/args/objectName"));
 }
 
 TEST(TraceEvents, BeginWithZeroAtTheLatest)
@@ -79,5 +80,5 @@ TEST(TraceEvents, BeginWithZeroAtTheLatest)
     lines.replace(lines.find("0.000000"), 8, "-1.750000");
     const std::string text = TraceOf(ReadText(lines + RecordLines(1, EventKind::ScopePop, "f")));
     EXPECT_EQ("", BrokenTraceRule(text, 2));
-    EXPECT_EQ(250001, Json::parse(text)["traceEvents"][1]["dur"]);
+    EXPECT_EQ("250001", JsonPart(text, "/traceEvents/1/dur"));
 }
